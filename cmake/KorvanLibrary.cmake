@@ -1,0 +1,34 @@
+# One static library per subsystem folder: every .cpp in the folder belongs to it.
+# korvan_library(<name> [DEPENDS <lib>...]) creates korvan_<name>, includable as
+# "<name>/<file>.h" from src/.
+function(korvan_library name)
+  cmake_parse_arguments(ARG "" "" "DEPENDS;PACKAGES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(sources)
+    add_library(korvan_${name} STATIC ${sources})
+    set(scope PUBLIC)
+  else()
+    add_library(korvan_${name} INTERFACE)
+    set(scope INTERFACE)
+  endif()
+  target_include_directories(korvan_${name} ${scope} ${PROJECT_SOURCE_DIR}/src)
+  foreach(dep IN LISTS ARG_DEPENDS)
+    target_link_libraries(korvan_${name} ${scope} korvan_${dep})
+  endforeach()
+  target_link_libraries(korvan_${name} ${scope} ${ARG_PACKAGES})
+endfunction()
+
+# korvan_test_suite(<name> LIBS <lib>...) builds every *_test.cpp of the folder into
+# one executable <name>_tests and registers each test case with ctest.
+function(korvan_test_suite name)
+  cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${name}_tests ${sources})
+  target_include_directories(${name}_tests PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name}_tests PRIVATE ${ARG_LIBS} korvan_testing GTest::gtest GTest::gtest_main)
+  gtest_discover_tests(${name}_tests DISCOVERY_TIMEOUT 60
+    PROPERTIES ENVIRONMENT "KORVAN_BINARY=$<TARGET_FILE:korvan>")
+endfunction()

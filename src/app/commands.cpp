@@ -1,0 +1,13 @@
+// The one place where the program's commands are registered.
+#include "app/command.h"
+#include "app/demo_command.h"
+
+namespace korvan::app {
+
+std::vector<std::unique_ptr<Command>> AllCommands() {
+  std::vector<std::unique_ptr<Command>> commands;
+  commands.push_back(std::make_unique<DemoCommand>());
+  return commands;
+}
+
+}  // namespace korvan::app
