@@ -1,0 +1,90 @@
+// What write-through costs: one 200-byte record write with and without O_DSYNC, and the
+// kernel's record insert and update, which each make one or two such writes.
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "storage/db_kernel.h"
+
+namespace {
+
+using namespace korvan::storage;
+
+constexpr int kRecordSize = 200;
+
+std::string BenchDirectory() {
+  const char* root = std::getenv("KORVAN_BENCH_DIR");
+  std::string pattern = std::string(root ? root : "/tmp") + "/korvan-bench-XXXXXX";
+  return mkdtemp(pattern.data()) ? pattern : std::string("/tmp");
+}
+
+void PositionedWrite(benchmark::State& state, int extra_flags) {
+  const std::string dir = BenchDirectory();
+  const std::string path = dir + "/data0";
+  const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | extra_flags, 0644);
+  std::vector<char> bytes(kRecordSize, 'x');
+  off_t position = 80;
+  for (auto _ : state) {
+    if (pwrite(fd, bytes.data(), bytes.size(), position) != kRecordSize) {
+      state.SkipWithError("write failed");
+      break;
+    }
+    position = position > 1 << 20 ? 80 : position + kRecordSize;
+  }
+  close(fd);
+  std::filesystem::remove_all(dir);
+}
+
+void BM_Write200Synchronous(benchmark::State& state) {
+  PositionedWrite(state, O_DSYNC);
+}
+void BM_Write200Buffered(benchmark::State& state) {
+  PositionedWrite(state, 0);
+}
+
+std::vector<uint8_t> Record() {
+  std::vector<uint8_t> record(kRecordSize, 7);
+  TDbRecordHeader header{};
+  header.RecLen = kRecordSize;
+  header.RecTyp = 'A';
+  std::memcpy(record.data(), &header, sizeof header);
+  return record;
+}
+
+void BM_RecordInsertAppend(benchmark::State& state) {
+  const std::string dir = BenchDirectory();
+  int handle = 0;
+  iDK_DbCreate('T', dir + "/db", 40, &handle);
+  auto record = Record();
+  int32_t position = 0;
+  for (auto _ : state) iDK_RecordInsert(handle, record.data(), kRecordSize, true, &position);
+  iDK_DbClose(handle);
+  std::filesystem::remove_all(dir);
+}
+
+void BM_RecordUpdateInPlace(benchmark::State& state) {
+  const std::string dir = BenchDirectory();
+  int handle = 0;
+  iDK_DbCreate('T', dir + "/db", 40, &handle);
+  auto record = Record();
+  int32_t position = 0;
+  iDK_RecordInsert(handle, record.data(), kRecordSize, true, &position);
+  for (auto _ : state) {
+    iDK_RecordUpdate(handle, record.data(), kRecordSize, position, kRecordSize);
+  }
+  iDK_DbClose(handle);
+  std::filesystem::remove_all(dir);
+}
+
+BENCHMARK(BM_Write200Synchronous)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(BM_Write200Buffered)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(BM_RecordInsertAppend)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(BM_RecordUpdateInPlace)->Unit(benchmark::kMicrosecond)->UseRealTime();
+
+}  // namespace

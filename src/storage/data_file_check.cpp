@@ -1,0 +1,118 @@
+#include "storage/data_file_check.h"
+
+#include <cstring>
+#include <map>
+
+#include "storage/data_file_banner.h"
+#include "storage/db_kernel.h"
+#include "storage/db_kernel_internal.h"
+#include "storage/result_codes.h"
+
+namespace korvan::storage {
+namespace {
+
+std::string At(int64_t position) {
+  return "block at " + std::to_string(position) + ": ";
+}
+
+void WalkBlocks(const DbHandleSlot& slot, DataFileReport* report) {
+  int64_t file_size = 0;
+  if (kernel::FileSize(slot.data_file, &file_size) != kOk) {
+    report->problems.push_back("data file size cannot be read");
+    return;
+  }
+  if (file_size < kFirstBlockPosition) {
+    report->problems.push_back("data file shorter than its header");
+    return;
+  }
+  for (int64_t position = kFirstBlockPosition; position < file_size;) {
+    TDbCoreHeader core{};
+    size_t got = 0;
+    if (kernel::ReadAt(slot.data_file, position, &core, sizeof core, &got) != kOk ||
+        got < sizeof core.RecLen) {
+      report->problems.push_back(At(position) + "length cut off by the end of the file");
+      return;
+    }
+    const int64_t size = core.RecLen < 0 ? -int64_t{core.RecLen} : int64_t{core.RecLen};
+    if (size < kernel::kFreeBlockMinimum || position + size > file_size) {
+      report->problems.push_back(At(position) + "length " + std::to_string(core.RecLen) +
+                                 " does not fit the file");
+      return;
+    }
+    const bool live = core.RecLen > 0;
+    if (live && size < kRecordHeaderSize) {
+      report->problems.push_back(At(position) + "record shorter than its header");
+    } else if (live && (core.RecTyp < 'A' || core.RecTyp > 'Z')) {
+      report->problems.push_back(At(position) + "record without a type letter");
+    }
+    report->blocks.push_back({static_cast<int32_t>(position), static_cast<int32_t>(size), live});
+    position += size;
+  }
+}
+
+int64_t KeyLength(const KeyEntry& entry) {
+  int64_t value = 0;
+  bool digits = false;
+  for (int i = 1; i <= kernel::kFreeSpaceDigits; ++i) {
+    const uint8_t c = entry.key[i];
+    if (c == ' ' && !digits) continue;
+    if (c < '0' || c > '9') return -1;
+    digits = true;
+    value = value * 10 + (c - '0');
+  }
+  return digits ? value : -1;
+}
+
+void CheckFreeSpaceKeys(int handle, DataFileReport* report) {
+  std::map<int32_t, int32_t> free_blocks;  // position -> length
+  for (const DataFileBlock& block : report->blocks) {
+    if (!block.live) free_blocks[block.position] = block.length;
+  }
+  std::map<int32_t, int> keys_per_block;
+  KeyEntry entry;
+  std::memset(entry.key, kKeyPad, sizeof entry.key);
+  entry.key[0] = kernel::kFreeSpaceKeyLead;
+  uint32_t position = 0;
+  int result = iDK_KeyFirstMatch(handle, entry, &position);
+  while (result == kOk && entry.key[0] == kernel::kFreeSpaceKeyLead) {
+    const auto block_position = static_cast<int32_t>(position);
+    const int64_t length = KeyLength(entry);
+    const auto block = free_blocks.find(block_position);
+    if (block == free_blocks.end()) {
+      report->problems.push_back("free-space key at " + std::to_string(block_position) +
+                                 " names no free block");
+    } else if (length != block->second) {
+      report->problems.push_back("free-space key at " + std::to_string(block_position) + " says " +
+                                 std::to_string(length) + " bytes, the block has " +
+                                 std::to_string(block->second));
+    }
+    ++keys_per_block[block_position];
+    result = iDK_KeyNext(handle, entry, &position);
+  }
+  if (result != kOk && result != kDkKeyNotFound) {
+    report->problems.push_back("free-space index unreadable: code " + std::to_string(result));
+  }
+  for (const auto& [block_position, length] : free_blocks) {
+    const int keys = keys_per_block.count(block_position) ? keys_per_block[block_position] : 0;
+    if (keys != 1) {
+      report->problems.push_back(At(block_position) + "free block of " + std::to_string(length) +
+                                 " bytes has " + std::to_string(keys) + " free-space keys");
+    }
+  }
+}
+
+}  // namespace
+
+DataFileReport CheckDataFile(int handle) {
+  DataFileReport report;
+  const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
+  if (slot == nullptr) {
+    report.problems.push_back("invalid database handle " + std::to_string(handle));
+    return report;
+  }
+  WalkBlocks(*slot, &report);
+  CheckFreeSpaceKeys(handle, &report);
+  return report;
+}
+
+}  // namespace korvan::storage

@@ -1,0 +1,258 @@
+// Records of a data file: read, insert, update, delete and count.
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "storage/data_file_banner.h"
+#include "storage/db_kernel.h"
+#include "storage/db_kernel_internal.h"
+#include "storage/delphi_datetime.h"
+#include "storage/result_codes.h"
+
+namespace korvan::storage {
+namespace {
+
+constexpr char kSystemWriterId[] = "FFFFFFFF";  // records written by system code
+constexpr int kModifiedByIdLength = 22;
+
+[[noreturn]] void Raise(int handle, TDKDatabaseOperation operation, int code, char type = 0) {
+  throw EDbKernelException(handle, operation, code, type);
+}
+
+std::string ShortString(const uint8_t (&field)[kModifiedByIdLength + 1]) {
+  const size_t length = std::min<size_t>(field[0], kModifiedByIdLength);
+  return std::string(reinterpret_cast<const char*>(field + 1), length);
+}
+
+TDbRecordHeader HeaderOf(const void* record) {
+  TDbRecordHeader header;
+  std::memcpy(&header, record, sizeof header);
+  return header;
+}
+
+// The stored header of a live or freed record for update and delete; 4320 when it
+// cannot be read or the position is no record position.
+int ReadStoredHeader(const DbHandleSlot& slot, int32_t position, TDbRecordHeader* header) {
+  if (position < kFirstBlockPosition) return kDkIoError;
+  size_t got = 0;
+  if (kernel::ReadAt(slot.data_file, position, header, sizeof *header, &got) != kOk ||
+      got != sizeof *header) {
+    return kDkIoError;
+  }
+  return kOk;
+}
+
+// A live slot must hold a header and end inside the file; else the file is damaged.
+int CheckLiveSlot(const DbHandleSlot& slot, int32_t position, int32_t slot_length) {
+  int64_t file_size = 0;
+  if (kernel::FileSize(slot.data_file, &file_size) != kOk) return kDkIoError;
+  if (slot_length < kRecordHeaderSize || position + int64_t{slot_length} > file_size) {
+    return kDkFatalRegenerateOk;
+  }
+  return kOk;
+}
+
+// Another user rewrote the record since this handle was opened: the caller's copy is
+// stale. Records written by system code never conflict.
+void CheckConflict(int handle, const DbHandleSlot& slot, const TDbRecordHeader& stored,
+                   const TDbRecordHeader& callers, TDKDatabaseOperation operation) {
+  if (!kernel::ConcurrencyDetectionOn()) return;
+  if (stored.LastModified == callers.LastModified) return;
+  if (!(stored.LastModified > slot.open_time)) return;
+  const std::string stored_id = ShortString(stored.ModifiedById);
+  if (stored_id == ShortString(callers.ModifiedById) || stored_id == kSystemWriterId) return;
+  throw EDbKernelConcurrencyException(handle, operation, stored.RecTyp, stored.LastModified,
+                                      stored_id, stored.RecLen < 0);
+}
+
+// The bytes of a slot: the record, its length field set to the slot length, and zeros
+// in the 1..3 bytes a record may leave unused.
+std::vector<uint8_t> SlotImage(const void* record, int32_t record_length, int32_t slot_length) {
+  std::vector<uint8_t> image(static_cast<size_t>(slot_length), 0);
+  std::memcpy(image.data(), record, static_cast<size_t>(record_length));
+  std::memcpy(image.data(), &slot_length, sizeof slot_length);
+  return image;
+}
+
+bool IsTableLetter(char letter) {
+  return letter >= 'A' && letter <= 'Z';
+}
+
+}  // namespace
+
+int iDK_RecordRead(int handle, int32_t position, void* buffer, int32_t* length, bool read_whole) {
+  constexpr auto kRead = TDKDatabaseOperation::doRead;
+  const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
+  if (slot == nullptr) Raise(handle, kRead, kDkInvalidHandle);
+  if (position < kFirstBlockPosition) Raise(handle, kRead, kDkBadPosition);
+  TDbRecordHeader header;
+  size_t got = 0;
+  const int result = kernel::ReadAt(slot->data_file, position, &header, sizeof header, &got);
+  if (result == kDkBadPosition) Raise(handle, kRead, kDkBadPosition);
+  if (result != kOk || got < sizeof header) Raise(handle, kRead, kDkFileTooShort);
+  if (!read_whole) {
+    *length = header.RecLen;
+    return kOk;
+  }
+  if (header.RecLen < 0) Raise(handle, kRead, kDkRecordDeleted, header.RecTyp);
+  if (header.RecLen < kRecordHeaderSize)
+    Raise(handle, kRead, kDkInvalidRecordLength, header.RecTyp);
+  const int32_t wanted = std::min(header.RecLen, std::max(*length, int32_t{0}));
+  if (kernel::ReadAt(slot->data_file, position, buffer, static_cast<size_t>(wanted), &got) != kOk ||
+      got != static_cast<size_t>(wanted)) {
+    Raise(handle, kRead, kDkRecordBeyondEnd, header.RecTyp);
+  }
+  *length = wanted;
+  return kOk;
+}
+
+int iDK_RecordInsert(int handle, void* record, int32_t length, bool reuse_free_space,
+                     int32_t* position) {
+  const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
+  if (slot == nullptr) return kDkInvalidHandle;
+  if (record == nullptr || length < kRecordHeaderSize) return kDkBadRecordLength;
+  if (!slot->IsWritable()) return kDkIoError;
+  auto* header = static_cast<TDbRecordHeader*>(record);
+
+  kernel::FreeBlock block;
+  bool into_free_block = false;
+  if (reuse_free_space) {
+    const int found = kernel::FindFreeBlock(handle, *slot, length, &block);
+    if (found != kOk && found != kDkKeyNotFound) return found;
+    into_free_block = found == kOk;
+  }
+  int64_t target = 0;
+  int32_t occupied = length;
+  if (into_free_block) {
+    target = block.position;
+    // A rest under 4 bytes could not even hold the length of a free block.
+    if (block.length - length <= kernel::kMaxSlack) occupied = block.length;
+  } else {
+    if (kernel::FileSize(slot->data_file, &target) != kOk) return kDkIoError;
+    if (target < kFirstBlockPosition) return kDkFatalRegenerateOk;
+    if (target + length >= kernel::kMaxDataFileSize) {
+      Raise(handle, TDKDatabaseOperation::doInsert, kDkFileWouldExceed2GB, header->RecTyp);
+    }
+  }
+
+  const double now = DelphiNow();
+  header->LastModified = now;
+  header->CreationDate = now;
+  const std::vector<uint8_t> image = SlotImage(record, length, occupied);
+  if (kernel::WriteAt(slot->data_file, target, image.data(), image.size()) != kOk) {
+    return kDkIoError;
+  }
+  if (into_free_block) {
+    if (int removed = kernel::RemoveFreeSpaceKey(handle, block.position, block.length);
+        removed != kOk) {
+      return removed;
+    }
+    const int32_t rest = block.length - occupied;
+    if (rest >= kernel::kFreeBlockMinimum) {
+      const int32_t rest_position = block.position + occupied;
+      const int32_t free_length = -rest;
+      if (kernel::WriteAt(slot->data_file, rest_position, &free_length, sizeof free_length) !=
+          kOk) {
+        return kDkFatalRegenerateOk;
+      }
+      if (int added = kernel::AddFreeSpaceKey(handle, rest_position, rest); added != kOk) {
+        return added;
+      }
+    }
+  }
+  *position = static_cast<int32_t>(target);
+  return kOk;
+}
+
+int iDK_RecordUpdate(int handle, void* record, int32_t old_length, int32_t position,
+                     int32_t new_length) {
+  const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
+  if (slot == nullptr) return kDkInvalidHandle;
+  if (record == nullptr || new_length < kRecordHeaderSize) return kDkBadRecordLength;
+  if (!slot->IsWritable()) return kDkIoError;
+  TDbRecordHeader stored;
+  if (int result = ReadStoredHeader(*slot, position, &stored); result != kOk) return result;
+  CheckConflict(handle, *slot, stored, HeaderOf(record), TDKDatabaseOperation::doUpdate);
+  if (stored.RecLen < 0) return kDkFatalRegenerateOk;
+  if (int result = CheckLiveSlot(*slot, position, stored.RecLen); result != kOk) return result;
+  // The record must still fit its slot, leaving no room for a free block: otherwise the
+  // caller deletes and inserts anew.
+  const auto fits = [&](int32_t record_length) {
+    const int64_t slack = int64_t{stored.RecLen} - record_length;
+    return slack >= 0 && slack <= kernel::kMaxSlack;
+  };
+  if (!fits(old_length) || !fits(new_length)) return kDkCannotReplace;
+
+  static_cast<TDbRecordHeader*>(record)->LastModified = DelphiNow();
+  const std::vector<uint8_t> image = SlotImage(record, new_length, stored.RecLen);
+  return kernel::WriteAt(slot->data_file, position, image.data(), image.size());
+}
+
+int iDK_RecordDelete(int handle, void* record, int32_t position) {
+  const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
+  if (slot == nullptr) return kDkInvalidHandle;
+  if (record == nullptr) return kDkBadRecordLength;
+  if (!slot->IsWritable()) return kDkIoError;
+  TDbRecordHeader stored;
+  if (int result = ReadStoredHeader(*slot, position, &stored); result != kOk) return result;
+  CheckConflict(handle, *slot, stored, HeaderOf(record), TDKDatabaseOperation::doDelete);
+  if (stored.RecLen < 0) return kDkFatalRegenerateOk;
+  if (int result = CheckLiveSlot(*slot, position, stored.RecLen); result != kOk) return result;
+
+  // The caller builds the record's keys from what was stored, to remove them.
+  std::memcpy(record, &stored, sizeof stored);
+  TDbRecordHeader freed = stored;
+  freed.RecLen = -stored.RecLen;
+  freed.LastModified = DelphiNow();
+  if (kernel::WriteAt(slot->data_file, position, &freed, sizeof freed) != kOk) return kDkIoError;
+  return kernel::MergeFreeSpace(handle, *slot, position);
+}
+
+int iDK_RecordCount(int handle, char record_type, int32_t* count) {
+  const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
+  if (slot == nullptr) return kDkInvalidHandle;
+  int64_t file_size = 0;
+  if (kernel::FileSize(slot->data_file, &file_size) != kOk) {
+    *count = -2;
+    return kOk;
+  }
+  int32_t counted = 0;
+  for (int64_t position = kFirstBlockPosition; position < file_size;) {
+    TDbCoreHeader core{};
+    size_t got = 0;
+    if (kernel::ReadAt(slot->data_file, position, &core, sizeof core, &got) != kOk ||
+        got < sizeof core.RecLen) {
+      counted = -2;
+      break;
+    }
+    if (core.RecLen == 0) break;
+    const int64_t size = core.RecLen < 0 ? -int64_t{core.RecLen} : int64_t{core.RecLen};
+    if (size < kernel::kFreeBlockMinimum || position + size > file_size) {
+      counted = -2;  // a length that leads nowhere: the scan cannot go on
+      break;
+    }
+    if (core.RecLen > 0) {
+      if (record_type == 0 && (got < sizeof core || !IsTableLetter(core.RecTyp))) {
+        counted = -3;
+        break;
+      }
+      if (record_type == 0 || core.RecTyp == record_type) ++counted;
+    }
+    position += size;
+  }
+  *count = counted;
+  return kOk;
+}
+
+bool iDK_DisableConcurrencyDetection() {
+  return kernel::SetConcurrencyDetection(false);
+}
+bool iDK_EnableConcurrencyDetection() {
+  return kernel::SetConcurrencyDetection(true);
+}
+bool iDK_ConcurrencyDetectionEnabled() {
+  return kernel::ConcurrencyDetectionOn();
+}
+
+}  // namespace korvan::storage

@@ -1,0 +1,134 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "storage/block_cache.h"
+#include "storage/db_handle_table.h"
+#include "storage/db_kernel.h"
+#include "testing/temp_dir.h"
+
+namespace korvan::storage::testing {
+
+// A record buffer: a header with length and type letter, the id of the writer, and a
+// body of one repeated byte.
+inline std::vector<uint8_t> MakeRecord(char type, int32_t length, uint8_t fill,
+                                       const std::string& modified_by = "TESTER") {
+  std::vector<uint8_t> record(static_cast<size_t>(length), fill);
+  TDbRecordHeader header{};
+  header.RecLen = length;
+  header.RecTyp = type;
+  header.Size = static_cast<uint16_t>(length);
+  header.Version = 1;
+  header.ModifiedById[0] = static_cast<uint8_t>(modified_by.size());
+  std::memcpy(header.ModifiedById + 1, modified_by.data(), modified_by.size());
+  std::memcpy(record.data(), &header, sizeof header);
+  return record;
+}
+
+inline TDbRecordHeader HeaderOf(const std::vector<uint8_t>& record) {
+  TDbRecordHeader header;
+  std::memcpy(&header, record.data(), sizeof header);
+  return header;
+}
+
+inline std::vector<uint8_t> FileBytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+inline void WriteFileBytes(const std::string& path, const std::vector<uint8_t>& bytes) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out.write(reinterpret_cast<const char*>(bytes.data()),
+            static_cast<std::streamsize>(bytes.size()));
+}
+
+// In a forked child: drops the databases inherited from the parent without touching
+// their files, so that the child opens them anew like any other process.
+inline void ForgetInheritedDatabases() {
+  for (int handle = 1; handle <= kMaxDbHandles; ++handle) {
+    if (DbHandleTable::Instance().Find(handle) == nullptr) continue;
+    BlockCache::Instance().Close(handle);
+    DbHandleTable::Instance().Release(handle);
+  }
+}
+
+// Runs `body` in a forked child and returns its int result (-9999 when the child died).
+// The child inherits this process's open databases; it must not touch them.
+inline int ResultInChild(const std::function<int()>& body) {
+  int channel[2];
+  if (pipe(channel) != 0) return -9999;
+  const pid_t pid = fork();
+  if (pid == 0) {
+    close(channel[0]);
+    int result = -9998;
+    try {
+      result = body();
+    } catch (...) {
+    }
+    [[maybe_unused]] ssize_t n = write(channel[1], &result, sizeof result);
+    _exit(0);
+  }
+  close(channel[1]);
+  int result = -9999;
+  if (read(channel[0], &result, sizeof result) != static_cast<ssize_t>(sizeof result)) {
+    result = -9999;
+  }
+  close(channel[0]);
+  int status = 0;
+  waitpid(pid, &status, 0);
+  return result;
+}
+
+// Creates databases in a fresh directory and closes whatever a test left open.
+class DbKernelTest : public ::testing::Test {
+ protected:
+  void TearDown() override {
+    for (int handle = 1; handle <= 40; ++handle) iDK_DbClose(handle);
+  }
+
+  std::string Base(const std::string& name) const { return dir_.File(name); }
+  std::string DataFile(const std::string& name) const { return Base(name) + "0"; }
+  std::string KeyFile(const std::string& name) const { return Base(name) + "1"; }
+
+  int Create(const std::string& name, char type = 'T', int key_length = 40) {
+    int handle = 0;
+    EXPECT_EQ(iDK_DbCreate(type, Base(name), key_length, &handle), 0);
+    return handle;
+  }
+
+  // Inserts and returns the position (-1 on failure).
+  int32_t Insert(int handle, std::vector<uint8_t>& record, bool reuse = true) {
+    int32_t position = -1;
+    const int result = iDK_RecordInsert(handle, record.data(), static_cast<int32_t>(record.size()),
+                                        reuse, &position);
+    EXPECT_EQ(result, 0);
+    return result == 0 ? position : -1;
+  }
+
+  std::vector<uint8_t> Read(int handle, int32_t position, int32_t buffer_size = 4096) {
+    std::vector<uint8_t> buffer(static_cast<size_t>(buffer_size));
+    int32_t length = buffer_size;
+    iDK_RecordRead(handle, position, buffer.data(), &length, true);
+    buffer.resize(static_cast<size_t>(length));
+    return buffer;
+  }
+
+  int32_t StoredLength(int handle, int32_t position) {
+    int32_t length = 0;
+    iDK_RecordRead(handle, position, nullptr, &length, false);
+    return length;
+  }
+
+  korvan::testing::TempDir dir_;
+};
+
+}  // namespace korvan::storage::testing
