@@ -1,0 +1,42 @@
+#include "data/tb_waehrung.h"
+
+#include "data/null_values.h"
+#include "data/table_key.h"
+
+namespace korvan::data {
+
+TTbWaehrung::TTbWaehrung(TStdDb& db, char table_type)
+    : TTypedTB(db, table_type, kLayoutVersion, "TTbWaehrung") {
+  InitRecord();
+}
+
+void TTbWaehrung::InitRecord() {
+  TStdTB::InitRecord();
+  Rec().ID = kNullId;
+  Rec().IdLand = kNullId;
+  Rec().Faktor = 1.0;
+  Rec().Nachkomma = 2;
+  Rec().Nachkomma2 = 2;
+}
+
+int TTbWaehrung::GetKeyString(RecordView record, char index, std::string& key) const {
+  const t_Waehrung currency = Of(record);
+  switch (index) {
+    case '1':
+      key = KeyNumber(currency.ID);
+      break;
+    case '2':
+      key = KeyNumber(currency.IdLand);
+      break;
+    default:
+      key.clear();
+      return -1;
+  }
+  return static_cast<int>(key.size());
+}
+
+std::string TTbWaehrung::CurrentRecordToString() const {
+  return Rec().Symbol.Get() + " (" + std::to_string(Rec().ID) + ")";
+}
+
+}  // namespace korvan::data
