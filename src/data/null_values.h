@@ -6,7 +6,8 @@ namespace korvan::data {
 
 // Marker values stored in records for "not set" and "use the default".
 
-// An unset 32-bit id. In keys it is written as pad bytes, so it sorts after every real id.
+// An unset 32-bit id. In keys it is written as pad bytes (0x04), which match anything in a
+// search pattern; in the byte order of the key tree they sort before every real id.
 inline constexpr int32_t kNullId = 2147483647;
 // An unset 16-bit id.
 inline constexpr int16_t kNullId16 = 32767;
