@@ -33,7 +33,8 @@ class InputReader {
   size_t remaining() const { return size_ - at_; }
   uint32_t Take(int bytes) {
     uint32_t value = 0;
-    for (int i = 0; i < bytes; ++i) value |= static_cast<uint32_t>(at_ < size_ ? data_[at_++] : 0) << (8 * i);
+    for (int i = 0; i < bytes; ++i)
+      value |= static_cast<uint32_t>(at_ < size_ ? data_[at_++] : 0) << (8 * i);
     return value;
   }
   const uint8_t* rest() const { return data_ + at_; }

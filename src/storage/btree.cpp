@@ -6,8 +6,10 @@ namespace korvan::storage {
 
 template <class Format>
 int BTree<Format>::OpenHeader() {
-  int slot = 0;
-  if (const int rc = pins_.Read(0, &slot); rc != kOk) return rc;
+  if (pins_.size() == 0) {
+    int slot = 0;
+    if (const int rc = pins_.Read(0, &slot); rc != kOk) return rc;
+  }
   return header().Validate(&shape_);
 }
 
@@ -29,7 +31,6 @@ int BTree<Format>::KeyLength(int* key_length) {
   *key_length = shape_.key_length;
   return pins_.ReleaseAll();
 }
-
 
 template int BTree<KeyFileV3>::OpenHeader();
 template int BTree<KeyFileV2>::OpenHeader();

@@ -22,8 +22,10 @@ class BTree {
   using Node = KeyNode<Format>;
   using Entry = EntryImage<Format>;
 
-  explicit BTree(FileCache& cache)
-      : pins_(cache, Format::kFatalCaption, Format::kStepPrefix) {}
+  // `pins` holds nothing yet, or only the header (block 0) in slot 0.
+  explicit BTree(BlockPins& pins) : pins_(pins) {
+    pins_.SetFatalNames(Format::kFatalCaption, Format::kStepPrefix);
+  }
 
   int KeyLength(int* key_length);
   int Insert(const KeyEntry& entry);
@@ -47,7 +49,8 @@ class BTree {
   };
   using Path = std::array<PathStep, kMaxTreeHeight>;
 
-  // Pins and checks the header; the header stays pinned for the whole operation.
+  // Pins (unless pinned already) and checks the header; the header stays pinned for the
+  // whole operation.
   int OpenHeader();
   KeyFileHeader<Format> header() const { return KeyFileHeader<Format>(pins_.data(0)); }
   // Pins node `node` after checking that it is an allocated node and that its count
@@ -62,8 +65,8 @@ class BTree {
   // Delete: repairs the underflow of the child on path step `level` from its neighbour
   // in `neighbour_slot`; true when the two were merged (the parent lost an entry).
   template <class Allocator>
-  bool RepairUnderflow(const PathStep& parent_step, const PathStep& child_step,
-                       int neighbour_slot, Allocator& allocator);
+  bool RepairUnderflow(const PathStep& parent_step, const PathStep& child_step, int neighbour_slot,
+                       Allocator& allocator);
   // The pinned neighbour that node `child_step` borrows from, chosen as in repair.
   int PinNeighbour(const PathStep& parent_step, int* slot);
 
@@ -80,7 +83,7 @@ class BTree {
                   bool* stopped);
   int StartWalk(int significant_length, int* length);
 
-  BlockPins pins_;
+  BlockPins& pins_;
   TreeShape shape_;
   uint64_t nodes_visited_ = 0;
   uint64_t visit_budget_ = 0;

@@ -66,8 +66,7 @@ int BTree<Format>::Insert(const KeyEntry& entry) {
 }
 
 template <class Format>
-typename BTree<Format>::Entry BTree<Format>::Split(Node& a, int h, const Entry& item,
-                                                   int b_slot) {
+typename BTree<Format>::Entry BTree<Format>::Split(Node& a, int h, const Entry& item, int b_slot) {
   const int m = shape_.max_entries;
   const int half = shape_.half_entries;
   Node b = NodeAt(b_slot);

@@ -43,7 +43,8 @@ int BTree<Format>::FindMatch(KeyEntry& entry, bool last) {
     const Node n = NodeAt(slot);
     int index = n.CountBelowPrefix(entry.key, length, last);
     const int candidate = last ? index : index + 1;
-    if (candidate >= 1 && candidate <= n.count() && n.ComparePrefix(candidate, entry.key, length) == 0) {
+    if (candidate >= 1 && candidate <= n.count() &&
+        n.ComparePrefix(candidate, entry.key, length) == 0) {
       result = n.LoadEntry(candidate);
       hit = true;
       index = last ? candidate : candidate - 1;

@@ -26,7 +26,9 @@ BlockPins::~BlockPins() {
   }
 }
 
-int BlockPins::Read(uint32_t block, int* slot) { return Take(block, true, slot); }
+int BlockPins::Read(uint32_t block, int* slot) {
+  return Take(block, true, slot);
+}
 
 int BlockPins::New(uint32_t block, int* slot) {
   const int rc = Take(block, false, slot);
@@ -69,7 +71,7 @@ void BlockPins::MarkChanged(int slot, const char* write_step, const char* releas
 
 void BlockPins::ReleaseLast() {
   const Pin pin = pins_[--count_];
-  if (const int rc = Release(pin); rc != kOk && changed_) Fatal(pin.release_step, rc);
+  if (const int rc = Release(pin); rc != kOk && changed_) Fatal(StepOf(pin), rc);
 }
 
 int BlockPins::ReleaseAll() {
@@ -77,7 +79,7 @@ int BlockPins::ReleaseAll() {
   while (count_ > 0) {
     const Pin pin = pins_[--count_];
     const int rc = Release(pin);
-    if (rc != kOk && changed_) Fatal(pin.release_step ? pin.release_step : "ReturnKey", rc);
+    if (rc != kOk && changed_) Fatal(StepOf(pin), rc);
     if (result == kOk) result = rc;
   }
   return result;
@@ -91,6 +93,11 @@ int BlockPins::Release(const Pin& pin) {
     if (!pin.release_step) throw;
     Fatal(pin.release_step, e.code());
   }
+}
+
+const char* BlockPins::StepOf(const Pin& pin) {
+  // A block the operation only read is given back as the key is returned.
+  return pin.release_step != nullptr ? pin.release_step : "ReturnKey";
 }
 
 void BlockPins::Fatal(const char* step, int code) const {

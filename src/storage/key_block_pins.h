@@ -43,6 +43,11 @@ class BlockPins {
   uint32_t block(int slot) const { return pins_[slot].block; }
   int size() const { return count_; }
   bool changed() const { return changed_; }
+  // The caption and step prefix of fatal errors, once the file's format is known.
+  void SetFatalNames(const char* fatal_caption, const char* step_prefix) {
+    caption_ = fatal_caption;
+    step_prefix_ = step_prefix;
+  }
 
   // Marks the block changed. The steps name the failure of the Write and of the
   // later Release (without the version prefix).
@@ -62,6 +67,7 @@ class BlockPins {
 
   int Take(uint32_t block, bool read, int* slot);
   int Release(const Pin& pin);
+  static const char* StepOf(const Pin& pin);
   [[noreturn]] void Fatal(const char* step, int code) const;
 
   FileCache& cache_;

@@ -2,9 +2,9 @@
 
 #include "storage/block_cache.h"
 #include "storage/btree.h"
+#include "storage/cache_usage_error.h"
 #include "storage/key_block_pins.h"
 #include "storage/key_file_header.h"
-#include "storage/cache_usage_error.h"
 #include "storage/result_codes.h"
 
 namespace korvan::storage {
@@ -16,27 +16,20 @@ FileCache& CacheOf(int registration) {
   return *cache;
 }
 
-// The first byte of the header, which selects the format.
-int ReadVersionByte(FileCache& cache, int* version) {
-  BlockPins pins(cache, KeyFileV3::kFatalCaption, KeyFileV3::kStepPrefix);
-  int slot = 0;
-  if (const int rc = pins.Read(0, &slot); rc != kOk) return rc;
-  *version = pins.data(slot)[0];
-  return pins.ReleaseAll();
-}
-
-// Runs `operation` on the tree of the file's format; other versions give 4232.
+// Runs `operation` on the tree of the file's format, selected by the first byte of the
+// header (which stays pinned for the operation); other versions give 4232.
 template <class Operation>
 int Dispatch(int registration, Operation operation) {
-  FileCache& cache = CacheOf(registration);
-  int version = 0;
-  if (const int rc = ReadVersionByte(cache, &version); rc != kOk) return rc;
+  BlockPins pins(CacheOf(registration), KeyFileV3::kFatalCaption, KeyFileV3::kStepPrefix);
+  int slot = 0;
+  if (const int rc = pins.Read(0, &slot); rc != kOk) return rc;
+  const uint8_t version = pins.data(slot)[0];
   if (version == KeyFileV3::kVersion) {
-    BTree<KeyFileV3> tree(cache);
+    BTree<KeyFileV3> tree(pins);
     return operation(tree);
   }
   if (version == KeyFileV2::kVersion) {
-    BTree<KeyFileV2> tree(cache);
+    BTree<KeyFileV2> tree(pins);
     return operation(tree);
   }
   return kKeyFileUnknownVersion;
@@ -69,9 +62,12 @@ int KeyFileInit(int version, int registration, int key_length) {
 }
 
 int KeyFileVersion(int registration, int* version) {
-  if (const int rc = ReadVersionByte(CacheOf(registration), version); rc != kOk) return rc;
-  return *version == KeyFileV3::kVersion || *version == KeyFileV2::kVersion ? kOk
-                                                                            : kKeyFileCorrupt;
+  BlockPins pins(CacheOf(registration), KeyFileV3::kFatalCaption, KeyFileV3::kStepPrefix);
+  int slot = 0;
+  if (const int rc = pins.Read(0, &slot); rc != kOk) return rc;
+  *version = pins.data(slot)[0];
+  if (const int rc = pins.ReleaseAll(); rc != kOk) return rc;
+  return *version == KeyFileV3::kVersion || *version == KeyFileV2::kVersion ? kOk : kKeyFileCorrupt;
 }
 
 int KeyFileKeyLength(int registration, int* key_length) {
@@ -102,16 +98,16 @@ int KeyPrev(int registration, KeyEntry& cursor) {
   return Dispatch(registration, [&](auto& tree) { return tree.Prev(cursor); });
 }
 
-int MatchesCount(int registration, const uint8_t* pattern, int significant_length,
-                 bool count_tilde, uint32_t* count) {
+int MatchesCount(int registration, const uint8_t* pattern, int significant_length, bool count_tilde,
+                 uint32_t* count) {
   *count = 0;
   return Dispatch(registration, [&](auto& tree) {
     return tree.MatchesCount(pattern, significant_length, count_tilde, count);
   });
 }
 
-int MatchesList(int registration, const uint8_t* pattern, int significant_length,
-                bool count_tilde, std::vector<uint32_t>* positions) {
+int MatchesList(int registration, const uint8_t* pattern, int significant_length, bool count_tilde,
+                std::vector<uint32_t>* positions) {
   return Dispatch(registration, [&]<class Tree>(Tree& tree) {
     // Older key files do not offer the list.
     if constexpr (std::is_same_v<Tree, BTree<KeyFileV2>>) {
@@ -122,8 +118,8 @@ int MatchesList(int registration, const uint8_t* pattern, int significant_length
   });
 }
 
-int KeyMatchEx(int registration, const uint8_t* pattern, int significant_length,
-               uint32_t position, bool* found, uint8_t* key_out) {
+int KeyMatchEx(int registration, const uint8_t* pattern, int significant_length, uint32_t position,
+               bool* found, uint8_t* key_out) {
   *found = false;
   return Dispatch(registration, [&](auto& tree) {
     return tree.MatchEx(pattern, significant_length, position, found, key_out);

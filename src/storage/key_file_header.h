@@ -21,7 +21,9 @@ struct TreeShape {
 
 // 45 % of the maximum, rounded to nearest with halves away from zero (as MulDiv does).
 // A smaller limit than H leaves nodes room to shrink before they need a neighbour.
-constexpr int UnderflowLimit(int max_entries) { return (max_entries * 45 + 50) / 100; }
+constexpr int UnderflowLimit(int max_entries) {
+  return (max_entries * 45 + 50) / 100;
+}
 
 // Block 0 of a key file of one format, read and written in place in a cache buffer.
 template <class Format>
@@ -85,42 +87,28 @@ class KeyFileHeader {
     }
   }
 
-  uint32_t highest_node() const
-    requires(Format::kVersion == 3)
-  {
+  uint32_t highest_node() const requires(Format::kVersion == 3) {
     return LoadLe<uint32_t>(block_ + offsetof(Header, highest_node));
   }
-  void set_highest_node(uint32_t node)
-    requires(Format::kVersion == 3)
-  {
+  void set_highest_node(uint32_t node) requires(Format::kVersion == 3) {
     StoreLe<uint32_t>(block_ + offsetof(Header, highest_node), node);
   }
-  uint32_t free_head() const
-    requires(Format::kVersion == 3)
-  {
+  uint32_t free_head() const requires(Format::kVersion == 3) {
     return LoadLe<uint32_t>(block_ + offsetof(Header, free_head));
   }
-  void set_free_head(uint32_t node)
-    requires(Format::kVersion == 3)
-  {
+  void set_free_head(uint32_t node) requires(Format::kVersion == 3) {
     StoreLe<uint32_t>(block_ + offsetof(Header, free_head), node);
   }
 
   // Version 2 allocation bitmap; `node` in 1..16320.
-  bool NodeInUse(uint32_t node) const
-    requires(Format::kVersion == 2)
-  {
+  bool NodeInUse(uint32_t node) const requires(Format::kVersion == 2) {
     return (BitmapByte(node) & BitOf(node)) != 0;
   }
-  void SetNodeInUse(uint32_t node, bool in_use)
-    requires(Format::kVersion == 2)
-  {
+  void SetNodeInUse(uint32_t node, bool in_use) requires(Format::kVersion == 2) {
     uint8_t& byte = block_[Format::kBitmapOffset + (node - 1) / 8];
     byte = static_cast<uint8_t>(in_use ? (byte | BitOf(node)) : (byte & ~BitOf(node)));
   }
-  uint8_t BitmapByte(uint32_t node) const
-    requires(Format::kVersion == 2)
-  {
+  uint8_t BitmapByte(uint32_t node) const requires(Format::kVersion == 2) {
     return block_[Format::kBitmapOffset + (node - 1) / 8];
   }
 

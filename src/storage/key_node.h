@@ -64,7 +64,8 @@ class KeyNode {
     return LoadLe<NodeNumber>(i == 0 ? block_ + kLeftmostOffset : entry(i));
   }
   void set_child(int i, uint32_t node) {
-    StoreLe<NodeNumber>(i == 0 ? block_ + kLeftmostOffset : entry(i), static_cast<NodeNumber>(node));
+    StoreLe<NodeNumber>(i == 0 ? block_ + kLeftmostOffset : entry(i),
+                        static_cast<NodeNumber>(node));
   }
   uint32_t position(int i) const { return LoadLe<uint32_t>(entry(i) + Entry::kPositionOffset); }
   const uint8_t* key(int i) const { return entry(i) + Entry::kKeyOffset; }

@@ -98,9 +98,8 @@ class TreeChecker {
   }
 
   void CheckOrder(const Node& n, int i, uint32_t node) {
-    if (have_previous_ &&
-        ComparePairs(previous_.key(), previous_.position(), n.key(i), n.position(i),
-                     shape_.key_length) >= 0) {
+    if (have_previous_ && ComparePairs(previous_.key(), previous_.position(), n.key(i),
+                                       n.position(i), shape_.key_length) >= 0) {
       Report(NodeName(node) + " entry " + std::to_string(i) + " is out of key order");
     }
     previous_ = n.LoadEntry(i);

@@ -208,14 +208,15 @@ class KeyFileModelRun {
     // Counts, lists and KeyMatchEx for a few prefixes.
     for (int i = 0; i < 6; ++i) {
       const std::string pattern = Padded(i == 0 ? std::string() : RandomText());
-      const size_t length = rng_() % 3 == 0 ? SignificantLength(pattern)
-                                            : rng_() % (pattern.size() / 4 + 1);
+      const size_t length =
+          rng_() % 3 == 0 ? SignificantLength(pattern) : rng_() % (pattern.size() / 4 + 1);
       const std::vector<Pair> expected = Matches(pattern, length);
       const auto bytes = reinterpret_cast<const uint8_t*>(pattern.data());
       for (bool tilde : {false, true}) {
         std::vector<uint32_t> positions;
         for (const Pair& pair : expected) {
-          if (tilde || pair.key[0] != '~') positions.push_back(static_cast<uint32_t>(pair.position));
+          if (tilde || pair.key[0] != '~')
+            positions.push_back(static_cast<uint32_t>(pair.position));
         }
         uint32_t count = 0;
         ASSERT_EQ(MatchesCount(file_.reg(), bytes, static_cast<int>(length), tilde, &count), kOk);

@@ -202,7 +202,7 @@ TEST_F(CorruptKeyFile, AChildBeyondTheHighestNodeIsCaught) {
 TEST_F(CorruptKeyFile, ANodeBeyondTheEndOfTheFileIsReported) {
   std::vector<uint8_t> numbers(4);
   Store32(numbers, 0, highest_ + 10);
-  Patch(0, 2, numbers);  // highest node
+  Patch(0, 2, numbers);   // highest node
   Patch(0, 15, numbers);  // root
   ExpectRefused(kBlockBeyondEnd);
 }
@@ -303,7 +303,9 @@ TEST(KeyFileCapacity, NearlyFullAndFullAreReported) {
     EXPECT_EQ(found.position, 1u);
     uint8_t* header = nullptr;
     ASSERT_EQ(file.cache().Read(0, &header), kOk);
-    EXPECT_EQ(static_cast<uint32_t>(header[15] | header[16] << 8 | header[17] << 16 | header[18] << 24), 1046527u);
+    EXPECT_EQ(
+        static_cast<uint32_t>(header[15] | header[16] << 8 | header[17] << 16 | header[18] << 24),
+        1046527u);
     ASSERT_EQ(file.cache().Release(0), kOk);
   }
   {

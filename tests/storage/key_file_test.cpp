@@ -45,8 +45,8 @@ TEST(KeyFileInit, AcceptsKeyLengths12To90AndWritesTheHeader) {
   std::vector<uint8_t> v3 = file.DiskBlock(0);
   EXPECT_EQ(v3[0], 3);
   EXPECT_EQ(v3[1], 2);
-  EXPECT_EQ(Load32(v3, 2), 0u);   // highest node
-  EXPECT_EQ(Load32(v3, 6), 0u);   // free list
+  EXPECT_EQ(Load32(v3, 2), 0u);  // highest node
+  EXPECT_EQ(Load32(v3, 6), 0u);  // free list
   EXPECT_EQ(v3[10], 83);
   EXPECT_EQ(Load16(v3, 11), 22);  // 2042 div 91
   EXPECT_EQ(Load16(v3, 13), 11);
@@ -141,9 +141,9 @@ TEST(KeyFileLayout, The23rdInsertIntoAFullRootOfKeyLength83CreatesANewRoot) {
 // the middle; checked through the separator that ends up in the new root.
 TEST(KeyFileLayout, SplitSendsUpTheMiddleOfTheOldAndNewEntries) {
   struct Case {
-    int inserted;       // key number of the 23rd entry (the first 22 are even numbers)
-    int separator;      // key number expected in the new root
-    int left_count;     // H
+    int inserted;    // key number of the 23rd entry (the first 22 are even numbers)
+    int separator;   // key number expected in the new root
+    int left_count;  // H
   };
   for (const Case& c : {Case{5, 20, 11}, Case{21, 21, 11}, Case{41, 22, 11}}) {
     ScratchKeyFile file(31);
@@ -179,8 +179,8 @@ TEST(KeyFileLayout, Version2NodesUse16BitChildren) {
   EXPECT_EQ(header[8], 0x07);       // nodes 1, 2, 3 in use
   const std::vector<uint8_t> root = file.DiskBlock(3);
   EXPECT_EQ(Load16(root, 0), 1);
-  EXPECT_EQ(Load16(root, 2), 1);    // leftmost child
-  EXPECT_EQ(Load16(root, 4), 2);    // child right of the entry
+  EXPECT_EQ(Load16(root, 2), 1);  // leftmost child
+  EXPECT_EQ(Load16(root, 4), 2);  // child right of the entry
   // M = 21, H = 10: entry H+1, the eleventh key, went up.
   EXPECT_EQ(Load32(root, 6), 7u + 10);
   EXPECT_EQ(std::string(reinterpret_cast<const char*>(&root[10]), 6), Numbered(10));
