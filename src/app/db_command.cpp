@@ -30,7 +30,8 @@ void DbCommand::Define(CLI::App& app) {
       ->required()
       ->check(CLI::Range(storage::kMinKeyFileKeyLength, storage::kMaxKeyFileKeyLength));
   AddOperation(app, "info", "show format, version, time stamp and counts", &DbCommand::Info);
-  AddOperation(app, "dump", "list the blocks of the data file", &DbCommand::Dump);
+  AddOperation(app, "dump", "list the blocks of the data file", &DbCommand::Dump)
+      .add_option("--table", table_, "print the records of the table with this type letter");
   AddOperation(app, "keys", "list every key in tree order", &DbCommand::Keys);
   AddOperation(app, "check", "verify key tree, free-space index and records", &DbCommand::Check);
   AddOperation(app, "shell", "run kernel operations read from standard input", &DbCommand::Shell);
@@ -53,7 +54,9 @@ int DbCommand::Info(Streams& streams) {
   return RunDbInfo(base_path_, streams);
 }
 int DbCommand::Dump(Streams& streams) {
-  return RunDbDump(base_path_, streams);
+  if (table_.empty()) return RunDbDump(base_path_, streams);
+  if (table_.size() != 1) throw UsageError("--table needs one type letter, not '" + table_ + "'");
+  return RunDbDumpTable(base_path_, table_[0], streams);
 }
 int DbCommand::Keys(Streams& streams) {
   return RunDbKeys(base_path_, streams);

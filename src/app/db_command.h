@@ -37,6 +37,7 @@ class DbCommand : public Command {
   std::string base_path_;
   std::string type_;
   int key_length_ = 0;
+  std::string table_;  // dump: the type letter of the one table to print
 };
 
 // The work of the operations; each returns the exit code and throws CommandError when
@@ -44,6 +45,9 @@ class DbCommand : public Command {
 int RunDbCreate(const std::string& base_path, char db_type, int key_length, Streams& streams);
 int RunDbInfo(const std::string& base_path, Streams& streams);
 int RunDbDump(const std::string& base_path, Streams& streams);
+// The records of one table (its type letter), in the table's dump format where one is
+// known, else field by field (db_dump_table.cpp).
+int RunDbDumpTable(const std::string& base_path, char table_type, Streams& streams);
 int RunDbKeys(const std::string& base_path, Streams& streams);
 int RunDbCheck(const std::string& base_path, Streams& streams);
 int RunDbShell(const std::string& base_path, std::istream& in, Streams& streams);
