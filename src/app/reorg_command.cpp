@@ -1,0 +1,36 @@
+// `korvan reorg`: the reorganisation by copying, step by step.
+#include "app/reorg_command.h"
+
+#include <ostream>
+
+#include <CLI/CLI.hpp>
+
+#include "app/check_command.h"
+#include "app/data_dir.h"
+#include "data/data_reorg.h"
+
+namespace korvan::app {
+
+int RunReorg(const std::string& base_dir, Streams& streams) {
+  const MaintenanceTarget target(base_dir, "");
+  data::TdmDataRebuild rebuild(target.files(), target.Me());
+  const data::TReorgResult result = data::doDmDataReorgWithCopy(rebuild, target.SysFolder());
+  for (const data::TReorgStep& step : result.steps) {
+    streams.out << step.name << ": " << (step.ok ? "OK" : "FEHLER") << "\n";
+    for (const std::string& detail : step.details) streams.out << "  " << detail << "\n";
+  }
+  if (!result.backup_folder.empty()) {
+    streams.out << "Datensicherung: " << result.backup_folder.string() << "\n";
+  }
+  return result.ok() ? kExitOk : kExitFailure;
+}
+
+void ReorgCommand::Define(CLI::App& app) {
+  AddDataDirOption(app, data_dir_);
+}
+
+int ReorgCommand::Run(Streams& streams) {
+  return RunReorg(data_dir_, streams);
+}
+
+}  // namespace korvan::app
