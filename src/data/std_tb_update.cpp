@@ -7,6 +7,7 @@
 #include "data/date_time.h"
 #include "data/std_tb.h"
 #include "data/table_key.h"
+#include "data/undo_table_restorer.h"
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_codes.h"
 #include "storage/db_kernel_exception.h"
@@ -47,6 +48,9 @@ int TStdTB::InsertCurrent() {
   }
   if (result != kOk) return Fail("Insert", result);
   AcceptWritten(position);
+  if (TableChangeObserver* journal = CurrentTableChangeObserver()) {
+    journal->RecordInserted(TableTargetOf(*this), FCurrentRecord);
+  }
   if (FOnAfterInsert) FOnAfterInsert(*this);
   return kOk;
 }
@@ -122,6 +126,9 @@ int TStdTB::UpdateCurrent() {
     return Fail("Update", result);
   }
   AcceptWritten(position);
+  if (TableChangeObserver* journal = CurrentTableChangeObserver()) {
+    journal->RecordUpdated(TableTargetOf(*this), stored.current, FCurrentRecord);
+  }
   return kOk;
 }
 
@@ -193,6 +200,9 @@ int TStdTB::MoveRecord(const StoredRecord& stored, const TRecordKeys& old_keys,
     return Fail("Update", result);
   }
   AcceptWritten(new_position);
+  if (TableChangeObserver* journal = CurrentTableChangeObserver()) {
+    journal->RecordUpdated(TableTargetOf(*this), stored.current, FCurrentRecord);
+  }
   return kOk;
 }
 
@@ -215,6 +225,9 @@ int TStdTB::DeleteRec() {
   const int keys_removed = FDbOwner.iIO_KeysDelete(keys, position);
   FCurrentRecordPos = 0;
   FLastRecord.clear();
+  if (TableChangeObserver* journal = CurrentTableChangeObserver()) {
+    journal->RecordDeleted(TableTargetOf(*this), stored.current);
+  }
   if (keys_removed != kOk) return Fail("Delete", keys_removed);
   if (FOnAfterDelete) FOnAfterDelete(*this);
   return kOk;
