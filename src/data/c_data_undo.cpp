@@ -1,0 +1,61 @@
+#include "data/c_data_undo.h"
+
+#include "data/list_operation.h"
+#include "data/undo_redo.h"
+
+namespace korvan::data {
+
+namespace {
+
+TOperationKind OperationKind(int operation) {
+  switch (operation) {
+    case 0:
+      return TOperationKind::okEdit;
+    case loAddRecord:
+    case loInsertRecord:
+      return TOperationKind::okInsert;
+    case loDeleteRecord:
+    case loDeleteBlock:
+    case loCutBlock:
+      return TOperationKind::okDelete;
+    case loMoveBlock:
+    case loSortBlock:
+      return TOperationKind::okMove;
+    case loCopyBlock:
+      return TOperationKind::okCopy;
+    case loPaste:
+    case loPasteSpecial:
+      return TOperationKind::okPaste;
+    case loReadBlock:
+      return TOperationKind::okImport;
+    case loSum:
+      return TOperationKind::okCalculate;
+    default:
+      return TOperationKind::okOther;
+  }
+}
+
+}  // namespace
+
+void TCDataUndoJournal::StartUndoRedo(int c_id, int operation, const std::string& caption) {
+  if (journal_.TransactionDepth() == 0) c_id_ = c_id;
+  journal_.StartTransaction(TStartItem(c_id, OperationKind(operation), caption));
+}
+
+void TCDataUndoJournal::EndUndoRedo() {
+  journal_.EndTransaction();
+}
+
+void TCDataUndoJournal::RowMoved(int source_row, int target_row) {
+  TCDataUndoRedoItem item(c_id_);
+  item.AddMove(source_row, target_row);
+  journal_.Push(item);
+}
+
+void TCDataUndoJournal::RowDeleted(const std::string& key, int source_row) {
+  TCDataUndoRedoItem item(c_id_);
+  item.AddDelete(key, source_row);
+  journal_.Push(item);
+}
+
+}  // namespace korvan::data
