@@ -13,6 +13,8 @@
 
 namespace korvan::data {
 
+class TDataCheck;
+
 // A table object: one table (one record layout, one type letter) of a database. It holds
 // the current record, builds the record's keys for each of its indexes, walks an index
 // in key order within a key pattern, reads, inserts, updates and deletes records,
@@ -46,6 +48,9 @@ class TStdTB {
   // Checks before writing; a nonzero code stops the write.
   virtual int ValidateRecordBeforeUpdate() { return 0; }
   virtual int DoValidateRecord() { return 0; }
+  // The table's integrity rules for the current record: the table calls the rule
+  // operations of `check` for its fields (see data_check.h). Default: no rules.
+  virtual void DoValidateRecord(TDataCheck& check) { (void)check; }
   virtual void ValidateRecordAfterRead() {}
   // The length of a record in this layout (tables with a variable tail override).
   virtual int RecordLength(RecordView record) const;

@@ -1,5 +1,6 @@
 #include "data/tb_counter.h"
 
+#include "data/data_check.h"
 #include "data/table_key.h"
 #include "storage/result_codes.h"
 
@@ -54,6 +55,11 @@ int TTbCounter::NextId(char kz_bezug, std::string_view kennung, int32_t* id) {
   if (result != storage::kOk) return result;
   *id = Rec().LastId;
   return storage::kOk;
+}
+
+void TTbCounter::DoValidateRecord(TDataCheck& check) {
+  check.SetAvaRecordID(Rec().LastId);
+  check.CheckItemForMandatory("KzBezug", Rec().KzBezug, '\0');
 }
 
 }  // namespace korvan::data

@@ -21,6 +21,9 @@ class TTbCounter : public TTypedTB<t_Counter> {
   char GetMaxIndex() const override { return '1'; }
   int GetKeyString(RecordView record, char index, std::string& key) const override;
   std::string CurrentRecordToString() const override;
+  // Integrity rules (see data_check.h).
+  using TStdTB::DoValidateRecord;
+  void DoValidateRecord(TDataCheck& check) override;
 
   // Hands out the next id of a counter (LastId + 1) and stores it; a counter that does
   // not exist yet starts at 1. The counter record is locked meanwhile, so that two users

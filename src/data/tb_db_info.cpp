@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include "data/data_check.h"
 #include "storage/result_codes.h"
 
 namespace korvan::data {
@@ -51,6 +52,11 @@ int TTbDbInfo::WriteVersion(int32_t version) {
 bool TTbDbInfo::IsToConvert(int32_t program_version) {
   t_VersionInfo info{};
   return !ReadVersion(info) || info.Version < program_version;
+}
+
+void TTbDbInfo::DoValidateRecord(TDataCheck& check) {
+  check.SetAvaRecordID(Rec().Version);
+  check.CheckItemForMandatory("Version", Rec().Version, 0);
 }
 
 }  // namespace korvan::data

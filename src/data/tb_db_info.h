@@ -18,6 +18,9 @@ class TTbDbInfo : public TTypedTB<t_DbInfo> {
   void InitRecord() override;
   char GetMaxIndex() const override { return '1'; }
   int GetKeyString(RecordView record, char index, std::string& key) const override;
+  // Integrity rules (see data_check.h).
+  using TStdTB::DoValidateRecord;
+  void DoValidateRecord(TDataCheck& check) override;
 
   // The stored version information; false when the database has none yet.
   bool ReadVersion(t_VersionInfo& info);

@@ -1,5 +1,6 @@
 #include "data/tb_einheit.h"
 
+#include "data/data_check.h"
 #include "data/null_values.h"
 #include "data/table_key.h"
 
@@ -38,6 +39,14 @@ int TTbEinheit::GetKeyString(RecordView record, char index, std::string& key) co
 
 std::string TTbEinheit::CurrentRecordToString() const {
   return Rec().Einheit.Get() + " (" + std::to_string(Rec().IdEinheit) + ")";
+}
+
+void TTbEinheit::DoValidateRecord(TDataCheck& check) {
+  check.SetAvaRecordID(Rec().IdEinheit);
+  check.CheckItemForMandatory("IdLang", Rec().IdLang, kNullId16);
+  check.CheckItemForMandatory("IdEinheit", Rec().IdEinheit, kNullId16);
+  check.CheckItemForCharSelector("Preisanteile", Rec().Preisanteile, '1', "123AB",
+                                 "Preisanteile: 1, 2, 3, A oder B");
 }
 
 }  // namespace korvan::data

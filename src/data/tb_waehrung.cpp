@@ -1,5 +1,6 @@
 #include "data/tb_waehrung.h"
 
+#include "data/data_check.h"
 #include "data/null_values.h"
 #include "data/table_key.h"
 
@@ -37,6 +38,17 @@ int TTbWaehrung::GetKeyString(RecordView record, char index, std::string& key) c
 
 std::string TTbWaehrung::CurrentRecordToString() const {
   return Rec().Symbol.Get() + " (" + std::to_string(Rec().ID) + ")";
+}
+
+void TTbWaehrung::DoValidateRecord(TDataCheck& check) {
+  check.SetAvaRecordID(Rec().ID);
+  check.CheckItemForMandatory("ID", Rec().ID, kNullId);
+  check.CheckItemForUniqueKey("ID", Rec().ID);
+  // Booleans stored as bytes: anything but 0 and 1 is damage, read as "no".
+  check.CheckItemForCharSelector("kzBasis", reinterpret_cast<char&>(Rec().kzBasis), '\0',
+                                 std::string_view("\0\1", 2), "Basiswährung: 0 oder 1");
+  check.CheckItemForCharSelector("kzLand", reinterpret_cast<char&>(Rec().kzLand), '\0',
+                                 std::string_view("\0\1", 2), "Landeswährung: 0 oder 1");
 }
 
 }  // namespace korvan::data

@@ -19,6 +19,9 @@ class TTbWaehrung : public TTypedTB<t_Waehrung> {
   char GetMaxIndex() const override { return '2'; }
   int GetKeyString(RecordView record, char index, std::string& key) const override;
   std::string CurrentRecordToString() const override;
+  // Integrity rules (see data_check.h).
+  using TStdTB::DoValidateRecord;
+  void DoValidateRecord(TDataCheck& check) override;
 };
 
 }  // namespace korvan::data
