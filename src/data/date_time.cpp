@@ -84,8 +84,10 @@ std::string FormatDateTime(double value, const ShortDateFormat& format) {
   }
   std::string text = FormatDateParts(decoded->date, format);
   if (decoded->hour != 0 || decoded->minute != 0 || decoded->second != 0) {
-    text +=
-        " " + Pad(decoded->hour, 2) + ":" + Pad(decoded->minute, 2) + ":" + Pad(decoded->second, 2);
+    char time[16];
+    std::snprintf(time, sizeof time, " %02d:%02d:%02d", decoded->hour, decoded->minute,
+                  decoded->second);
+    text += time;
   }
   return text;
 }
