@@ -23,8 +23,8 @@ size_t TRacSortedList::LowerBound(uint64_t block) const {
 }
 
 TRacBufferIndex* TRacSortedList::Find(uint64_t block) const {
-  const size_t pos = LowerBound(block);
-  return pos < FItems.size() && FItems[pos].key == block ? FItems[pos].entry : nullptr;
+  const auto found = by_block_.find(block);
+  return found == by_block_.end() ? nullptr : found->second;
 }
 
 size_t TRacSortedList::PositionOf(const TRacBufferIndex* entry) const {
@@ -36,10 +36,12 @@ size_t TRacSortedList::PositionOf(const TRacBufferIndex* entry) const {
 void TRacSortedList::Add(TRacBufferIndex* entry) {
   const size_t pos = LowerBound(entry->Index);
   FItems.insert(FItems.begin() + static_cast<std::ptrdiff_t>(pos), Item{entry->Index, entry});
+  by_block_[entry->Index] = entry;
 }
 
 void TRacSortedList::Remove(const TRacBufferIndex* entry) {
   FItems.erase(FItems.begin() + static_cast<std::ptrdiff_t>(PositionOf(entry)));
+  by_block_.erase(entry->Index);
 }
 
 void TRacSortedList::ChangeIndex(TRacBufferIndex* entry, uint64_t block) {
@@ -47,6 +49,8 @@ void TRacSortedList::ChangeIndex(TRacBufferIndex* entry, uint64_t block) {
   // inserting, which would move everything behind both places.
   const auto from = FItems.begin() + static_cast<std::ptrdiff_t>(PositionOf(entry));
   const auto to = FItems.begin() + static_cast<std::ptrdiff_t>(LowerBound(block));
+  by_block_.erase(entry->Index);
+  by_block_[block] = entry;
   entry->Index = block;
   if (to > from) {
     std::rotate(from, from + 1, to);

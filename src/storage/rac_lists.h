@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "storage/cache_usage_error.h"
@@ -24,7 +25,8 @@ struct TRacBufferIndex {
 
 // The buffers of a cache by block number. Small caches search an unsorted list
 // linearly, which beats bisection for a handful of entries; large ones keep the list
-// sorted and bisect.
+// sorted (write-back goes in block order) and find blocks through a hash index, since a
+// bisection over tens of thousands of entries costs more than the B-tree work it serves.
 class TRacList {
  public:
   struct Item {
@@ -61,6 +63,8 @@ class TRacSortedList final : public TRacList {
   // Position of the first item whose key is not below `block`.
   size_t LowerBound(uint64_t block) const;
   size_t PositionOf(const TRacBufferIndex* entry) const;
+
+  std::unordered_map<uint64_t, TRacBufferIndex*> by_block_;
 };
 
 class TRacUnSortedList final : public TRacList {
