@@ -1,0 +1,56 @@
+#include "app/master_data_session.h"
+
+#include "app/command_error.h"
+#include "app/db_database.h"
+#include "app/installation.h"
+#include "storage/result_codes.h"
+
+namespace korvan::app {
+
+// The rows of the command line's lists are read from the tables on every run, so a row
+// taken back or made again needs nothing beyond its record.
+class MasterDataSession::RowReloader : public data::TCDataRowRestorer {
+ public:
+  int MoveRow(int32_t, int32_t, int32_t, std::string&) override { return data::kUndoOk; }
+  int RemoveRow(int32_t, const std::string&, int32_t, std::string&) override {
+    return data::kUndoOk;
+  }
+  int RestoreRow(int32_t, const std::string&, int32_t, std::string&) override {
+    return data::kUndoOk;
+  }
+};
+
+MasterDataSession::MasterDataSession(const std::string& data_dir, bool overwrite)
+    : answer_(overwrite) {
+  const Installation installation = LoadInstallation(data_dir);
+  files_ = std::make_unique<data::DatabaseFiles>(installation.machine.ToDatabaseDirectories());
+  const data::DatabaseFile* stamm = files_->Find("DB_Stamm", data::kPathStammdaten);
+  if (stamm == nullptr) throw CommandError("die Installation hat kein Stammdatenverzeichnis");
+  db_ = std::make_unique<data::TStdDb>(*stamm);
+  db_->SetMessages(&messages_);
+  db_->SetModifiedById(installation.machine.SystemUserName());
+  db_->SetConcurrencyQuestion(&answer_);
+  if (const int opened = db_->DbOpen(true); opened != storage::kOk) {
+    throw CommandError(stamm->DataFileName() + ": " + ResultCodeText(opened));
+  }
+  try {
+    journal_ = data::TUndoRedo::OpenPersistent(data_dir);
+  } catch (const std::exception& e) {
+    throw CommandError(std::string("Rückgängig-Journal: ") + e.what());
+  }
+  observing_ = std::make_unique<data::ScopedTableChangeObserver>(journal_.get());
+  actions_ = std::make_unique<data::TCDataUndoJournal>(*journal_);
+  restorer_ = std::make_unique<data::TTableRecordRestorer>(std::vector<data::TStdDb*>{db_.get()});
+  rows_ = std::make_unique<RowReloader>();
+  journal_->SetRecordRestorer(restorer_.get());
+  journal_->SetRowRestorer(rows_.get());
+}
+
+// The journal stops recording before the database closes; the database is closed
+// before its file set goes.
+MasterDataSession::~MasterDataSession() {
+  observing_.reset();
+  if (db_) db_->DbClose();
+}
+
+}  // namespace korvan::app

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "app/command.h"
+
+namespace korvan::app {
+
+// `korvan undo` and `korvan redo`: take back the newest step of the data directory's
+// journal, or make the newest step taken back again. The journal lasts across runs.
+class UndoCommand : public Command {
+ public:
+  explicit UndoCommand(bool redo) : redo_(redo) {}
+  std::string Name() const override { return redo_ ? "redo" : "undo"; }
+  std::string Summary() const override {
+    return redo_ ? "make the last undone change again" : "take back the last change";
+  }
+  void Define(CLI::App& app) override;
+  int Run(Streams& streams) override;
+
+ private:
+  bool redo_;
+  std::string data_dir_;
+};
+
+}  // namespace korvan::app
