@@ -62,13 +62,9 @@ std::string KeyOf(int16_t id_lang, int16_t id_einheit) {
 
 }  // namespace
 
-TdmEinheit::TdmEinheit(TStdDb& db) : TSTDdataModule(kCDataId, "Einheit"), table_(db) {
+TdmEinheit::TdmEinheit(TStdDb& db)
+    : TTableListModule(kCDataId, "Einheit", table_, kRules, "Einheit"), table_(db) {
   CData1.SetStruktur(Definitions());
-}
-
-std::string TdmEinheit::CheckValue(int column, std::string_view value) const {
-  if (column < 0 || column >= kColumnCount) return "keine Spalte";
-  return FitsRule(kRules[column], value) ? std::string() : ExpectedForm(kRules[column]);
 }
 
 void TdmEinheit::CData1C_OnGetStruktur(TCData&, int, TStringList& t) {
@@ -114,45 +110,6 @@ void TdmEinheit::Fill(const TStringList& t) {
   r.FN004.Set(t[cFN004]);
 }
 
-bool TdmEinheit::Refuse(std::string message) {
-  last_error_ = std::move(message);
-  return false;
-}
-
-void TdmEinheit::CData1C_OnPutDaten(TCData& sender, int z, TStringList& t, const TStringList&, char,
-                                    bool& ok) {
-  last_error_.clear();
-  ok = false;
-  if (t.size() < kColumnCount) t.resize(kColumnCount);
-  for (int column = 0; column < kColumnCount; ++column) {
-    if (const std::string form = CheckValue(column, t[column]); !form.empty()) {
-      Refuse("Spalte \"" + sender.GetFeldName(column) + "\": erwartet " + form + ", nicht \"" +
-             t[column] + "\"");
-      return;
-    }
-  }
-  const std::string old_key = sender.GetKey(z);
-  const std::string new_key = KeyOf(Small(t[cIdLang]), Small(t[cIdEinheit]));
-  if (new_key != old_key && table_.ExistsRec(new_key, '1')) {
-    Refuse("Die Einheit " + t[cIdEinheit] + " der Sprache " + t[cIdLang] + " gibt es schon");
-    return;
-  }
-  if (old_key.empty()) {
-    table_.InitRecord();
-  } else if (!table_.GetKey(old_key, '1')) {
-    Refuse("Die Einheit der Zeile " + std::to_string(z) + " gibt es nicht mehr");
-    return;
-  }
-  Fill(t);
-  if (const int result = table_.UpDateRec(); result != storage::kOk) {
-    Refuse("Die Einheit " + t[cEinheit] +
-           " kann nicht gespeichert werden: " + table_.LastErrorText());
-    return;
-  }
-  if (new_key != old_key) sender.SetKey(z, new_key);
-  ok = true;
-}
-
 // A new unit is German, numbered after the highest unit of that language.
 void TdmEinheit::CData1C_OnInitData(TCData&, int, TStringList& t) {
   constexpr int16_t kGerman = 49;
@@ -174,11 +131,16 @@ void TdmEinheit::CData1C_OnInitData(TCData&, int, TStringList& t) {
        ""};
 }
 
-void TdmEinheit::CData1C_OnDeleteZeile(TCData&, int, const std::string& key, TOnDeleteMode,
-                                       bool& ok) {
-  last_error_.clear();
-  ok = table_.GetKey(key, '1') && table_.DeleteRec() == storage::kOk;
-  if (!ok) Refuse("Die Einheit " + key + " kann nicht gelöscht werden: " + table_.LastErrorText());
+std::string TdmEinheit::RowKey(const TStringList& t) const {
+  return KeyOf(Small(t[cIdLang]), Small(t[cIdEinheit]));
+}
+
+std::string TdmEinheit::DuplicateText(const TStringList& t) const {
+  return "Die Einheit " + t[cIdEinheit] + " der Sprache " + t[cIdLang] + " gibt es schon";
+}
+
+std::string TdmEinheit::RowName(const TStringList& t) const {
+  return t[cEinheit];
 }
 
 }  // namespace korvan::data

@@ -61,13 +61,9 @@ int32_t IdOf(const TStringList& t) {
 
 }  // namespace
 
-TdmWaehrung::TdmWaehrung(TStdDb& db) : TSTDdataModule(kCDataId, "Waehrung"), table_(db) {
+TdmWaehrung::TdmWaehrung(TStdDb& db)
+    : TTableListModule(kCDataId, "Waehrung", table_, kRules, "Währung"), table_(db) {
   CData1.SetStruktur(Definitions());
-}
-
-std::string TdmWaehrung::CheckValue(int column, std::string_view value) const {
-  if (column < 0 || column >= kColumnCount) return "keine Spalte";
-  return FitsRule(kRules[column], value) ? std::string() : ExpectedForm(kRules[column]);
 }
 
 void TdmWaehrung::CData1C_OnGetStruktur(TCData&, int, TStringList& t) {
@@ -113,45 +109,6 @@ void TdmWaehrung::Fill(const TStringList& t) {
   r.IdLand = static_cast<int32_t>(*ParseListInteger(t[cIdLand]));
 }
 
-bool TdmWaehrung::Refuse(std::string message) {
-  last_error_ = std::move(message);
-  return false;
-}
-
-void TdmWaehrung::CData1C_OnPutDaten(TCData& sender, int z, TStringList& t, const TStringList&,
-                                     char, bool& ok) {
-  last_error_.clear();
-  ok = false;
-  if (t.size() < kColumnCount) t.resize(kColumnCount);
-  for (int column = 0; column < kColumnCount; ++column) {
-    if (const std::string form = CheckValue(column, t[column]); !form.empty()) {
-      Refuse("Spalte \"" + sender.GetFeldName(column) + "\": erwartet " + form + ", nicht \"" +
-             t[column] + "\"");
-      return;
-    }
-  }
-  const std::string old_key = sender.GetKey(z);
-  const std::string new_key = KeyNumber(IdOf(t));
-  if (new_key != old_key && table_.ExistsRec(new_key, '1')) {
-    Refuse("Die Währung mit der ID " + t[cID] + " gibt es schon");
-    return;
-  }
-  if (old_key.empty()) {
-    table_.InitRecord();
-  } else if (!table_.GetKey(old_key, '1')) {
-    Refuse("Die Währung der Zeile " + std::to_string(z) + " gibt es nicht mehr");
-    return;
-  }
-  Fill(t);
-  if (const int result = table_.UpDateRec(); result != storage::kOk) {
-    Refuse("Die Währung " + t[cSymbol] +
-           " kann nicht gespeichert werden: " + table_.LastErrorText());
-    return;
-  }
-  if (new_key != old_key) sender.SetKey(z, new_key);
-  ok = true;
-}
-
 void TdmWaehrung::CData1C_OnInitData(TCData&, int, TStringList& t) {
   int32_t next_id = 1;
   for (bool found = table_.GetFirstKey("", '1'); found; found = table_.GetNextKey()) {
@@ -160,11 +117,16 @@ void TdmWaehrung::CData1C_OnInitData(TCData&, int, TStringList& t) {
   t = {std::to_string(next_id), "", "", "", "1", "2", "N", "N", "2", "0"};
 }
 
-void TdmWaehrung::CData1C_OnDeleteZeile(TCData&, int, const std::string& key, TOnDeleteMode,
-                                        bool& ok) {
-  last_error_.clear();
-  ok = table_.GetKey(key, '1') && table_.DeleteRec() == storage::kOk;
-  if (!ok) Refuse("Die Währung " + key + " kann nicht gelöscht werden: " + table_.LastErrorText());
+std::string TdmWaehrung::RowKey(const TStringList& t) const {
+  return KeyNumber(IdOf(t));
+}
+
+std::string TdmWaehrung::DuplicateText(const TStringList& t) const {
+  return "Die Währung mit der ID " + t[cID] + " gibt es schon";
+}
+
+std::string TdmWaehrung::RowName(const TStringList& t) const {
+  return t[cSymbol];
 }
 
 }  // namespace korvan::data
