@@ -62,9 +62,7 @@ int BlockCache::Open(int registration, int fd, const std::string& file_name, int
     caches_[registration] = MakeRandomAccessCache(fd, file_name, block_count,
                                                   settings_.write_by_release, settings_.monitoring);
   }
-  if (settings_.monitoring) {
-    monitored_files_.push_back({file_name, caches_[registration]->BlockCount()});
-  }
+  if (settings_.monitoring) RememberMonitoredFile(file_name, caches_[registration]->BlockCount());
   return kOk;
 }
 
@@ -121,6 +119,18 @@ int BlockCache::FlashCache() {
     retired_monitoring_.Record(MonitoredFunction::kFlashCache, t0, CacheMonitor::Now());
   }
   return result;
+}
+
+// A file opened again (the lock file is, for every lock operation) keeps one line with
+// its latest block count, so the list stays as long as the set of files.
+void BlockCache::RememberMonitoredFile(const std::string& file_name, int block_count) {
+  for (MonitoredFile& file : monitored_files_) {
+    if (file.name == file_name) {
+      file.block_count = block_count;
+      return;
+    }
+  }
+  monitored_files_.push_back({file_name, block_count});
 }
 
 CacheMonitor BlockCache::CollectMonitoring() const {

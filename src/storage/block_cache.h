@@ -112,6 +112,7 @@ class BlockCache {
   BlockCache() = default;
   FileCache& Get(int registration);
   CacheMonitor CollectMonitoring() const;
+  void RememberMonitoredFile(const std::string& file_name, int block_count);
 
   CacheSettings settings_;
   std::unique_ptr<FileCache> caches_[kMaxCacheRegistrations + 1];
