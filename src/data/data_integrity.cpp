@@ -1,12 +1,15 @@
 #include "data/data_integrity.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <map>
 
 #include "data/data_check.h"
 #include "data/table_key.h"
 #include "storage/data_file_check.h"
 #include "storage/db_error_translate.h"
 #include "storage/db_kernel.h"
+#include "storage/db_kernel_exception.h"
 #include "storage/key_tree_check.h"
 #include "storage/result_codes.h"
 
@@ -28,6 +31,21 @@ TDiSubLogItem ErrorItem(std::string data, std::string conclusion, std::string ac
 
 std::string KernelText(int code) {
   return std::to_string(code) + " " + storage::TDBErrorTranslate().GetErrorString(code);
+}
+
+std::string Printf(const char* format, auto... args) {
+  char text[512];
+  const int length = std::snprintf(text, sizeof text, format, args...);
+  return std::string(text, static_cast<size_t>(std::clamp(length, 0, 511)));
+}
+
+// A type letter as shown between quotes: control bytes are not shown.
+std::string Letter(char value) {
+  return static_cast<uint8_t>(value) < 0x20 ? std::string() : std::string(1, value);
+}
+
+unsigned Code(char value) {
+  return static_cast<uint8_t>(value);
 }
 
 }  // namespace
@@ -99,7 +117,7 @@ bool TDataIntegrity::CheckDBRecordCountDiff(TStdTB& table, int primary_keys, int
   return *records == primary_keys;
 }
 
-bool TDataIntegrity::CheckFiles(TStdDb& db) {
+bool TDataIntegrity::CheckFiles(TStdDb& db, std::vector<int32_t>& live_positions) {
   std::vector<std::string> problems;
   if (const int flushed = db.Flush(); flushed != storage::kOk) {
     problems.push_back("Flush: " + KernelText(flushed));
@@ -107,10 +125,17 @@ bool TDataIntegrity::CheckFiles(TStdDb& db) {
   for (std::string& problem : storage::CheckKeyFile(db.Handle())) {
     problems.push_back("Schlüsseldatei: " + std::move(problem));
   }
-  for (std::string& problem : storage::CheckDataFile(db.Handle()).problems) {
+  storage::DataFileReport data_file = storage::CheckDataFile(db.Handle());
+  for (std::string& problem : data_file.problems) {
     problems.push_back("Datendatei: " + std::move(problem));
   }
-  if (problems.empty()) return true;
+  if (problems.empty()) {
+    live_positions.clear();
+    for (const storage::DataFileBlock& block : data_file.blocks) {
+      if (block.live) live_positions.push_back(block.position);
+    }
+    return true;
+  }
   TDiLogItem& item = FLogItems.emplace_back();
   item.FDatabaseName = DataFileName(db);
   item.FTableName = "Dateien";
@@ -119,6 +144,49 @@ bool TDataIntegrity::CheckFiles(TStdDb& db) {
                                          "Tabellen nicht geprüft"));
   }
   return false;
+}
+
+bool TDataIntegrity::KnowsTable(const Entry& entry, char table_type) const {
+  const bool in_run = std::any_of(entry.tables.begin(), entry.tables.end(), [&](const auto& table) {
+    return table->TableType() == table_type;
+  });
+  return in_run || FRegistry.Find(entry.db->DbType(), table_type) != nullptr;
+}
+
+void TDataIntegrity::CheckUnknownTables(const Entry& entry,
+                                        const std::vector<int32_t>& live_positions) {
+  std::map<char, int> unknown;  // records per type letter
+  std::vector<TDiSubLogItem> unreadable;
+  for (int32_t position : live_positions) {
+    storage::TDbCoreHeader core{};
+    int32_t length = sizeof core;
+    try {
+      storage::iDK_RecordRead(entry.db->Handle(), position, &core, &length, true);
+    } catch (const storage::EDbKernelException& error) {
+      unreadable.push_back(ErrorItem("Position=" + std::to_string(position),
+                                     std::string("Datensatz nicht lesbar: ") + error.what(),
+                                     "Datensatz nicht geprüft"));
+      continue;
+    }
+    if (length == sizeof core && !KnowsTable(entry, core.RecTyp)) ++unknown[core.RecTyp];
+  }
+  if (unknown.empty() && unreadable.empty()) return;
+  TDiLogItem& item = FLogItems.emplace_back();
+  item.FDatabaseName = DataFileName(*entry.db);
+  item.FTableName = std::string(kUnknownTablesName);
+  item.FDISubItems = std::move(unreadable);
+  for (const auto& [letter, records] : unknown) {
+    TDiSubLogItem& finding = item.FDISubItems.emplace_back();
+    finding.FKind = TLogKind::lkConflict;
+    finding.FData = Printf("RecTyp='%s'($%x)", Letter(letter).c_str(), Code(letter));
+    finding.FProperties.push_back(
+        Printf("UnknownTable: RecTyp='%s'($%x) has no table class: %d Record(s)",
+               Letter(letter).c_str(), Code(letter), records));
+    finding.FConclusion = "Datensätze nicht prüfbar";
+    // Without its class a record's keys and rules are unknown, but the record may be
+    // data of a newer program version: deleting it could lose what nobody can restore.
+    finding.FAction = "Datensätze unverändert belassen";
+  }
 }
 
 void TDataIntegrity::CheckTable(TStdTB& table) {
@@ -176,8 +244,10 @@ int TDataIntegrity::Execute() {
                                            "Tabellen nicht geprüft"));
       continue;
     }
-    if (!CheckFiles(*entry.db)) continue;
+    std::vector<int32_t> live_positions;
+    if (!CheckFiles(*entry.db, live_positions)) continue;
     for (const auto& table : entry.tables) CheckTable(*table);
+    CheckUnknownTables(entry, live_positions);
     if (!FOnlyTest) entry.db->Flush();
   }
   for (const TDiLogItem& item : FLogItems) FProblemCount += item.ProblemCount();

@@ -21,12 +21,16 @@ namespace korvan::data {
 // Before the tables of a database are walked, its files are checked (key tree, data
 // blocks, free-space index); a database whose files are damaged is reported for a
 // rebuild and its tables are not walked, since repairs through a damaged key file
-// could only make things worse.
+// could only make things worse. Records whose type letter no table class is known for
+// are counted per letter and logged as conflicts; they are left as they are.
 class TDataIntegrity {
  public:
   using TNotifyEvent = std::function<void()>;
   // The table being checked, the records checked so far and the table's record count.
   using TProgressEvent = std::function<void(const TStdTB& table, int checked, int total)>;
+
+  // The table name under which a database's records of unknown type letters are logged.
+  static constexpr std::string_view kUnknownTablesName = "Unbekannte Tabellen";
 
   explicit TDataIntegrity(TTableRegistry registry = StandardTableRegistry());
   ~TDataIntegrity();
@@ -88,9 +92,14 @@ class TDataIntegrity {
   };
 
   TStdDb* FindDatabase(char db_type) const;
-  // False when the files of the database are damaged (logged).
-  bool CheckFiles(TStdDb& db);
+  // False when the files of the database are damaged (logged); else the positions of
+  // the live records of its data file.
+  bool CheckFiles(TStdDb& db, std::vector<int32_t>& live_positions);
   void CheckTable(TStdTB& table);
+  // Records of type letters for which neither the run nor the registry has a table
+  // class: nothing can check them, so each letter is a finding, never a repair.
+  void CheckUnknownTables(const Entry& entry, const std::vector<int32_t>& live_positions);
+  bool KnowsTable(const Entry& entry, char table_type) const;
 
   TTableRegistry FRegistry;
   std::vector<Entry> FDatabases;

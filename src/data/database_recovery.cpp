@@ -12,8 +12,10 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 
+#include "data/duplicate_guids.h"
 #include "data/table_key.h"
 #include "storage/db_error_translate.h"
 #include "storage/db_kernel.h"
@@ -281,26 +283,33 @@ class DatabaseCopier {
       return;
     }
     CopiedRecord copied{static_cast<int32_t>(end), {}, false};
+    std::optional<std::vector<uint8_t>> renewed;  // the record with a fresh GUID
     if (TStdTB* table = TableFor(letter)) {
       if (!KeysOf(*table, record.bytes, copied.keys)) {
         NotValid(record, letter);
         return;
       }
+      renewed = guids_.ReplaceDuplicateGUIDs(*table, record.bytes, record.position, report_.lines);
+      if (renewed) KeysOf(*table, *renewed, copied.keys);
       copied.has_keys = true;
       ++report_.records_with_keys;
     } else {
+      // Kept byte for byte but without keys: its keys cannot be built without its
+      // class, and dropping it would lose data a newer program version may own. The
+      // integrity check reports such records per type letter.
       ++report_.records_without_keys;
       report_.lines.push_back(
           Printf("Datensatz an Position %d: Tabelle \"%c\" unbekannt, ohne Schlüssel übernommen",
                  record.position, letter));
     }
-    if (end + static_cast<int64_t>(record.bytes.size()) >= 2147483647) {
+    const std::vector<uint8_t>& bytes = renewed ? *renewed : record.bytes;
+    if (end + static_cast<int64_t>(bytes.size()) >= 2147483647) {
       throw std::runtime_error(temp_base_ + "0: " + KernelText(storage::kDkFileWouldExceed2GB));
     }
-    if (!WriteFully(fd, end, record.bytes.data(), record.bytes.size())) {
+    if (!WriteFully(fd, end, bytes.data(), bytes.size())) {
       throw std::runtime_error(SystemError("Schreiben fehlgeschlagen", temp_base_ + "0"));
     }
-    end += static_cast<int64_t>(record.bytes.size());
+    end += static_cast<int64_t>(bytes.size());
     ++report_.records_copied;
     records_.push_back(std::move(copied));
   }
@@ -390,6 +399,7 @@ class DatabaseCopier {
   const TTableRegistry& registry_;
   TStdDb keys_db_;  // DB_TEMP, for the table objects and the key inserts
   std::map<char, std::unique_ptr<TStdTB>> tables_;
+  TDuplicateGuidReplacer guids_;
   std::vector<CopiedRecord> records_;
   DatabaseRebuild& report_;
 };

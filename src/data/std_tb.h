@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,16 @@
 namespace korvan::data {
 
 class TDataCheck;
+
+// Where a record keeps its GUID: a short string field (a length byte, then up to
+// `capacity` Windows-1252 characters) at `offset` from the start of the record.
+struct TGuidField {
+  int offset = 0;
+  int capacity = 0;  // 38 for the registry form with braces, 36 for the bare form
+  // Whether every record must have a GUID: an empty one is then replaced like a
+  // duplicate. Where it is optional, empty GUIDs are left alone.
+  bool mandatory = false;
+};
 
 // A table object: one table (one record layout, one type letter) of a database. It holds
 // the current record, builds the record's keys for each of its indexes, walks an index
@@ -52,6 +63,13 @@ class TStdTB {
   // operations of `check` for its fields (see data_check.h). Default: no rules.
   virtual void DoValidateRecord(TDataCheck& check) { (void)check; }
   virtual void ValidateRecordAfterRead() {}
+  // The GUID field of a stored record, or none (the default: most tables carry no
+  // GUID). The record may be of an older layout than the table's, so the table answers
+  // for the record's own layout. A rebuild keeps the GUIDs of a table unique by it.
+  virtual std::optional<TGuidField> GuidField(RecordView record) const {
+    (void)record;
+    return std::nullopt;
+  }
   // The length of a record in this layout (tables with a variable tail override).
   virtual int RecordLength(RecordView record) const;
   // Whether a stored record must be converted before use: its Version is older.
