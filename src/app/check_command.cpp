@@ -5,7 +5,9 @@
 
 #include <climits>
 #include <filesystem>
+#include <optional>
 #include <ostream>
+#include <set>
 #include <sstream>
 
 #include <CLI/CLI.hpp>
@@ -85,6 +87,28 @@ data::ControlUser MaintenanceTarget::Me() const {
   return {installation_.machine.SystemUserName(), HostName()};
 }
 
+void MaintenanceTarget::RequireNoOtherUsers(const std::vector<const data::DatabaseFile*>& files,
+                                            const std::string& action) const {
+  std::set<std::string> directories;
+  for (const data::DatabaseFile* file : files) directories.insert(file->directory());
+  for (const std::string& directory : directories) {
+    data::TControlList list(directory);
+    try {
+      if (list.Open(Me(), true)) {
+        list.Close();
+        continue;
+      }
+    } catch (const data::ControlFileError& error) {
+      throw CommandError(action + " abgebrochen, nichts geändert: " + error.what());
+    }
+    const std::optional<data::ControlEntry>& holder = list.GetLockUser();
+    std::string who = holder ? holder->DisplayName() : std::string(data::kStandardUser);
+    if (holder && !holder->machine.empty()) who += " (" + holder->machine + ")";
+    throw CommandError(action + " abgebrochen, nichts geändert: Verzeichnis \"" + directory +
+                       "\" wird benutzt von " + who);
+  }
+}
+
 int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group,
              Streams& streams) {
   const MaintenanceTarget target(base_dir, group);
@@ -96,6 +120,7 @@ int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group
   };
   int problems = rebuild.IntegrityCheck(run, dry_run, group);
   progress.End();
+  for (const std::string& line : rebuild.RecoveryLines()) streams.out << line << "\n";
   streams.out << LogText(run);
   const fs::path log_file = run.AddLogToFile(target.SysFolder());
   streams.out << run.RecordsChecked() << " Record(s) untersucht, " << problems << " Problem(e)"
@@ -106,6 +131,10 @@ int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group
     data::TDataIntegrity again;
     problems = rebuild.IntegrityCheck(again, true, group);
     streams.out << "nach der Reparatur: " << problems << " Problem(e)\n";
+  }
+  if (problems > 0 && !dry_run) {
+    streams.out << "Was die Prüfung nicht reparieren kann, behebt oft \"korvan rebuild\" "
+                   "(baut die Datenbanken aus ihren Datendateien neu auf).\n";
   }
   return problems > 0 ? kExitFailure : kExitOk;
 }

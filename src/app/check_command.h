@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "app/command.h"
 #include "app/installation.h"
@@ -24,6 +25,11 @@ class MaintenanceTarget {
   std::string SysFolder() const;
   // Who signs into the directories' control files.
   data::ControlUser Me() const;
+  // Throws CommandError, naming the user, when somebody else works in a directory of
+  // the files (its "DATA.QDC" lists them): `action` ("Neuaufbau", ...) then must not
+  // start, so that it changes nothing rather than only some of the databases.
+  void RequireNoOtherUsers(const std::vector<const data::DatabaseFile*>& files,
+                           const std::string& action) const;
 
  private:
   Installation installation_;

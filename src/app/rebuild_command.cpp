@@ -14,6 +14,7 @@ namespace korvan::app {
 int RunRebuild(const std::string& base_dir, const std::string& group, Streams& streams) {
   const MaintenanceTarget target(base_dir, group);
   data::TdmDataRebuild rebuild(target.files(), target.Me());
+  target.RequireNoOtherUsers(rebuild.ExistingFiles(group), "Neuaufbau");
   const std::vector<data::DatabaseRebuild> results =
       group.empty() ? rebuild.RebuildAll() : rebuild.RebuildGroup(group);
   int failed = 0;

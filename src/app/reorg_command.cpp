@@ -14,7 +14,13 @@ namespace korvan::app {
 int RunReorg(const std::string& base_dir, Streams& streams) {
   const MaintenanceTarget target(base_dir, "");
   data::TdmDataRebuild rebuild(target.files(), target.Me());
-  const data::TReorgResult result = data::doDmDataReorgWithCopy(rebuild, target.SysFolder());
+  target.RequireNoOtherUsers(rebuild.ExistingFiles(), "Reorganisation");
+  // The steps take minutes on large projects: say which one is running as it starts.
+  const auto announce = [&](const std::string& step) {
+    streams.err << step << " ...\n" << std::flush;
+  };
+  const data::TReorgResult result =
+      data::doDmDataReorgWithCopy(rebuild, target.SysFolder(), announce);
   for (const data::TReorgStep& step : result.steps) {
     streams.out << step.name << ": " << (step.ok ? "OK" : "FEHLER") << "\n";
     for (const std::string& detail : step.details) streams.out << "  " << detail << "\n";

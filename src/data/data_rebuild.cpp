@@ -65,9 +65,10 @@ int TdmDataRebuild::IntegrityCheck(TDataIntegrity& run, bool only_test, std::str
   run.Clear();
   run.SetOnlyTest(only_test);
   FOpenForCheck.clear();
+  FRecoveryLines.clear();
   for (const DatabaseFile* file : ExistingFiles(group)) {
-    for (const std::string& line : FinishInterruptedRebuilds(file->directory())) {
-      (void)line;  // what a crashed rebuild left is put right before anything is read
+    for (std::string& line : FinishInterruptedRebuilds(file->directory())) {
+      FRecoveryLines.push_back(std::move(line));
     }
     auto db = std::make_unique<TStdDb>(*file);
     db->SetModifiedById(FMe.user);

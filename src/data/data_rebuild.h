@@ -61,7 +61,11 @@ class TdmDataRebuild {
   // Runs the integrity check over the existing databases (of one group when `group` is
   // not empty). Databases that cannot be opened are logged as errors. Returns the
   // number of problems; the run keeps the log.
+  // A rebuild that crashed after its copy was committed is finished first, also in a
+  // dry run: until then the directory holds neither the old nor the new database whole.
   int IntegrityCheck(TDataIntegrity& run, bool only_test, std::string_view group = {});
+  // What the last IntegrityCheck put right before it read anything.
+  const std::vector<std::string>& RecoveryLines() const { return FRecoveryLines; }
 
   // The existing databases (data file present) of a group, or of all groups.
   std::vector<const DatabaseFile*> ExistingFiles(std::string_view group = {}) const;
@@ -73,6 +77,7 @@ class TdmDataRebuild {
   ControlUser FMe;
   TTableRegistry FRegistry;
   std::vector<std::unique_ptr<TStdDb>> FOpenForCheck;
+  std::vector<std::string> FRecoveryLines;
 };
 
 }  // namespace korvan::data

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "data/database_recovery.h"
+#include "data/std_db_datas.h"
 #include "storage/data_file_check.h"
 #include "storage/key_tree_check.h"
 #include "storage/result_codes.h"
@@ -43,10 +44,31 @@ std::string TimeStamp() {
   return text;
 }
 
+// A folder below `root` that does not exist yet: "Reorg_<time>", numbered when a run in
+// the same second made one already.
+fs::path NewBackupFolder(const fs::path& root) {
+  const std::string name = "Reorg_" + TimeStamp();
+  fs::path folder = root / name;
+  for (int number = 2; fs::exists(folder); ++number) {
+    folder = root / (name + "_" + std::to_string(number));
+  }
+  return folder;
+}
+
+bool IsDatabaseFileName(const std::string& name) {
+  return name.rfind("DB_", 0) == 0 && name.find(".Q") != std::string::npos;
+}
+
+// The "DB_*.Q*" files of the directories, as they are before the reorganisation.
+struct BackedUpFile {
+  fs::path original;
+  fs::path copy;
+};
+
 // Copies every "DB_*.Q*" file of the directories into numbered folders below `folder`.
-std::vector<std::string> BackUp(const std::vector<const DatabaseFile*>& files,
-                                const fs::path& folder) {
-  std::vector<std::string> copied;
+std::vector<BackedUpFile> BackUp(const std::vector<const DatabaseFile*>& files,
+                                 const fs::path& folder) {
+  std::vector<BackedUpFile> copied;
   std::set<std::string> directories;
   for (const DatabaseFile* file : files) directories.insert(file->directory());
   int number = 0;
@@ -55,15 +77,54 @@ std::vector<std::string> BackUp(const std::vector<const DatabaseFile*>& files,
     fs::create_directories(target);
     for (const auto& entry : fs::directory_iterator(directory)) {
       const std::string name = entry.path().filename().string();
-      if (!entry.is_regular_file() || name.rfind("DB_", 0) != 0 ||
-          name.find(".Q") == std::string::npos) {
-        continue;
-      }
+      if (!entry.is_regular_file() || !IsDatabaseFileName(name)) continue;
       fs::copy_file(entry.path(), target / name);
-      copied.push_back(entry.path().string() + " -> " + (target / name).string());
+      copied.push_back({entry.path(), target / name});
     }
   }
   return copied;
+}
+
+// What a rebuild may leave next to a database: kept backups "<file>.bak" and the
+// temporary database "DB_TEMP".
+bool IsRebuildLeftover(const std::string& name) {
+  return name.rfind("DB_TEMP.", 0) == 0 ||
+         (name.size() > 4 && name.compare(name.size() - 4, 4, ".bak") == 0);
+}
+
+// Puts the files of the backup back in place, each through a temporary name so that a
+// file is either the copy's or the backup's, and removes what the copy left next to
+// them that was not there before.
+std::vector<std::string> RestoreOriginals(const std::vector<const DatabaseFile*>& files,
+                                          const std::vector<BackedUpFile>& backup) {
+  for (const DatabaseFile* file : files) TStdDbDatas::Instance().FreeDBdata(file->BasePath());
+  std::vector<std::string> problems;
+  std::set<fs::path> originals;
+  std::set<fs::path> directories;
+  for (const BackedUpFile& saved : backup) {
+    originals.insert(saved.original);
+    directories.insert(saved.original.parent_path());
+    const fs::path temporary = saved.original.string() + ".restore";
+    std::error_code error;
+    fs::copy_file(saved.copy, temporary, fs::copy_options::overwrite_existing, error);
+    if (!error) fs::rename(temporary, saved.original, error);
+    if (error) {
+      problems.push_back(saved.original.string() + ": " + error.message());
+      fs::remove(temporary, error);
+    }
+  }
+  for (const fs::path& directory : directories) {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(directory, error)) {
+      const std::string name = entry.path().filename().string();
+      if (IsDatabaseFileName(name) && IsRebuildLeftover(name) &&
+          originals.count(entry.path()) == 0) {
+        std::error_code removed;
+        fs::remove(entry.path(), removed);
+      }
+    }
+  }
+  return problems;
 }
 
 std::vector<std::string> LoadAll(const std::vector<const DatabaseFile*>& files) {
@@ -126,10 +187,63 @@ std::vector<std::string> ComparePhases(const TDataPhase& before, const TDataPhas
   return differences;
 }
 
+namespace {
+
+// Steps 3 to 7; false when one of them failed.
+bool CopyAndCompare(TdmDataRebuild& rebuild, const std::vector<const DatabaseFile*>& files,
+                    const CheckSummary& before_check, const TDataPhase& before,
+                    const std::function<TReorgStep&(const char*)>& step) {
+  TReorgStep& copy = step("3. Daten kopieren");
+  for (DatabaseRebuild& done : rebuild.RebuildAll()) {
+    if (!done.ok()) copy.ok = false;
+    copy.details.push_back(
+        done.data_file + ": " +
+        (done.ok() ? std::to_string(done.records_copied) + " Datensätze" : done.error));
+    for (std::string& line : done.lines) copy.details.push_back("  " + line);
+  }
+  if (!copy.ok) return false;
+
+  TDataIntegrity second_check;
+  TReorgStep& check2 = step("4. I-Check nach Kopie");
+  check2.details.push_back(std::to_string(rebuild.IntegrityCheck(second_check, true)) +
+                           " Problem(e)");
+
+  TReorgStep& compare = step("5. I-Checks vergleichen");
+  const CheckSummary after_check = Summarize(second_check);
+  for (const auto& [table, summary] : before_check) {
+    auto found = after_check.find(table);
+    if (found == after_check.end() || found->second != summary) {
+      compare.ok = false;
+      compare.details.push_back(table + ": Ergebnis nach der Kopie verschieden");
+    }
+  }
+  if (after_check.size() != before_check.size()) {
+    compare.ok = false;
+    compare.details.push_back("andere Tabellen nach der Kopie");
+  }
+  if (!compare.ok) return false;
+
+  TReorgStep& phases = step("6. Phasenvergleich");
+  try {
+    phases.details = ComparePhases(before, TakeDataPhase(files));
+  } catch (const std::exception& error) {
+    phases.details.push_back(error.what());
+  }
+  phases.ok = phases.details.empty();
+  if (!phases.ok) return false;
+
+  TReorgStep& load = step("7. Projekt laden");
+  load.details = LoadAll(files);
+  load.ok = load.details.empty();
+  return load.ok;
+}
+
+}  // namespace
+
 TReorgResult doDmDataReorgWithCopy(TdmDataRebuild& rebuild, const fs::path& backup_root,
                                    const std::function<void(const std::string&)>& on_step) {
   TReorgResult result;
-  auto step = [&](const char* name) -> TReorgStep& {
+  const std::function<TReorgStep&(const char*)> step = [&](const char* name) -> TReorgStep& {
     if (on_step) on_step(name);
     return result.steps.emplace_back(TReorgStep{name, true, {}});
   };
@@ -152,53 +266,31 @@ TReorgResult doDmDataReorgWithCopy(TdmDataRebuild& rebuild, const fs::path& back
   }
 
   TReorgStep& backup = step("Datensicherung vor Reorganisieren");
-  result.backup_folder = backup_root / ("Reorg_" + TimeStamp());
+  std::vector<BackedUpFile> saved;
   try {
-    backup.details = BackUp(files, result.backup_folder);
+    result.backup_folder = NewBackupFolder(backup_root);
+    saved = BackUp(files, result.backup_folder);
+    for (const BackedUpFile& file : saved) {
+      backup.details.push_back(file.original.string() + " -> " + file.copy.string());
+    }
   } catch (const std::exception& error) {
     backup.ok = false;
     backup.details.push_back(error.what());
     return result;
   }
 
-  TReorgStep& copy = step("3. Daten kopieren");
-  for (DatabaseRebuild& done : rebuild.RebuildAll()) {
-    if (!done.ok()) copy.ok = false;
-    copy.details.push_back(
-        done.data_file + ": " +
-        (done.ok() ? std::to_string(done.records_copied) + " Datensätze" : done.error));
-    for (std::string& line : done.lines) copy.details.push_back("  " + line);
-  }
-  if (!copy.ok) return result;
-
-  TDataIntegrity second_check;
-  TReorgStep& check2 = step("4. I-Check nach Kopie");
-  check2.details.push_back(std::to_string(rebuild.IntegrityCheck(second_check, true)) +
-                           " Problem(e)");
-
-  TReorgStep& compare = step("5. I-Checks vergleichen");
-  const CheckSummary after_check = Summarize(second_check);
-  for (const auto& [table, summary] : before_check) {
-    auto found = after_check.find(table);
-    if (found == after_check.end() || found->second != summary) {
-      compare.ok = false;
-      compare.details.push_back(table + ": Ergebnis nach der Kopie verschieden");
+  if (!CopyAndCompare(rebuild, files, before_check, before, step)) {
+    // What went wrong may have left some databases copied and others not: the data go
+    // back to what they were before.
+    TReorgStep& restore = step("Originaldateien wiederhergestellt");
+    restore.details = RestoreOriginals(files, saved);
+    restore.ok = restore.details.empty();
+    if (!restore.ok) {
+      restore.details.push_back("die Datensicherung liegt in \"" + result.backup_folder.string() +
+                                "\"");
     }
+    result.restored = restore.ok;
   }
-  if (after_check.size() != before_check.size()) {
-    compare.ok = false;
-    compare.details.push_back("andere Tabellen nach der Kopie");
-  }
-  if (!compare.ok) return result;
-
-  TReorgStep& phases = step("6. Phasenvergleich");
-  phases.details = ComparePhases(before, TakeDataPhase(files));
-  phases.ok = phases.details.empty();
-  if (!phases.ok) return result;
-
-  TReorgStep& load = step("7. Projekt laden");
-  load.details = LoadAll(files);
-  load.ok = load.details.empty();
   return result;
 }
 

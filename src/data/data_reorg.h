@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -35,8 +36,9 @@ struct TReorgStep {
 };
 
 struct TReorgResult {
-  std::vector<TReorgStep> steps;
+  std::deque<TReorgStep> steps;  // a deque: a step stays where it is while others follow
   std::filesystem::path backup_folder;
+  bool restored = false;  // a step after the backup failed and the backup was put back
   bool ok() const {
     for (const TReorgStep& step : steps) {
       if (!step.ok) return false;
@@ -50,8 +52,10 @@ struct TReorgResult {
 // copy (rebuild of every group), the integrity check of the copy, the comparison of
 // the two checks (same tables, same record counts, same number of problems), the
 // comparison of the phases (every record taken over unchanged) and the loading of
-// every database. Stops at the first step that fails; `on_step` hears each step's name
-// when it starts.
+// every database. Stops at the first step that fails; when that is a step after the
+// backup, the backed-up files are put back in place (step "Originaldateien
+// wiederhergestellt"), so the data stay as they were. The backup goes into a new folder
+// "Reorg_<time>" below `backup_root`. `on_step` hears each step's name when it starts.
 TReorgResult doDmDataReorgWithCopy(TdmDataRebuild& rebuild,
                                    const std::filesystem::path& backup_root,
                                    const std::function<void(const std::string&)>& on_step = {});
