@@ -3,12 +3,14 @@
 #include "app/edit_command.h"
 
 #include <ostream>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "app/data_dir.h"
 #include "app/data_module_registry.h"
 #include "app/master_data_session.h"
+#include "data/list_operation.h"
 #include "data/text_catalogue.h"
 
 namespace korvan::app {
@@ -25,6 +27,17 @@ int FindColumn(const data::TColumnStructure& columns, const std::string& name) {
     }
   }
   return -1;
+}
+
+// A damaged journal must not keep the user from working: it was set aside, and the user
+// learns which steps are lost and where the damaged bytes are.
+void WarnSetAside(std::ostream& err, const std::vector<data::TSetAsideFile>& set_aside) {
+  for (const data::TSetAsideFile& file : set_aside) {
+    err << "Warnung: " << file.problem << '\n'
+        << "Das beschädigte Journal wurde als \"" << file.set_aside
+        << "\" beiseitegelegt und ein neues begonnen; die Schritte darin können nicht mehr "
+           "rückgängig gemacht oder wiederhergestellt werden.\n";
+  }
 }
 
 // A wrong call: the message is printed and the program ends with exit code 2.
@@ -48,7 +61,8 @@ int EditCommand::Run(Streams& streams) {
     return Usage(streams.err,
                  "Unbekanntes Datenmodul \"" + module_ + "\" (bekannt: " + DataModuleNames() + ")");
   }
-  MasterDataSession session(data_dir_, force_);
+  MasterDataSession session(data_dir_, force_, data::TDamagedFile::kSetAside);
+  WarnSetAside(streams.err, session.Journal().SetAsideFiles());
   const std::unique_ptr<DataModuleHandle> module = MakeDataModule(module_, session.Db());
   data::TCData& cdata = module->CData();
   if (row_ < 1 || row_ > cdata.GetRmax()) {
@@ -56,7 +70,10 @@ int EditCommand::Run(Streams& streams) {
                                   module_ + "\" nicht (Zeilen 1 bis " +
                                   std::to_string(cdata.GetRmax()) + ")");
   }
-  data::TStringList values = cdata.Data2Screen(row_);
+  // The row is opened for editing as the mask opens it: what it shows now is what a
+  // change by another user before the store is compared with.
+  cdata.ListOperation(row_, data::loChangeRecordIndex);
+  data::TStringList values = cdata.CurrentRecord();
   const data::TColumnStructure& columns = cdata.Struktur();
   for (const std::string& assignment : assignments_) {
     const size_t equals = assignment.find('=');

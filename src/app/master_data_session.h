@@ -12,22 +12,36 @@
 
 namespace korvan::app {
 
+// The journal of the data directory `data_dir`, opened as `damaged` says; a journal that
+// cannot be opened gives a CommandError that says which file, where, and what to do.
+std::unique_ptr<data::TUndoRedo> OpenJournal(const std::string& data_dir,
+                                             data::TDamagedFile damaged);
+
 // The master data of the installation in `data_dir`, open for one command, with the
 // journal of the data directory ("UNDO.QUJ", "REDO.QUJ") recording every record change
-// while the session lasts. The concurrency question is answered by `overwrite`.
+// from its first use on. The concurrency question is answered by `overwrite`. A damaged
+// journal is reported (CommandError naming file and byte) or, for commands that must not
+// be stopped by it, set aside as `damaged` says.
 class MasterDataSession {
  public:
-  MasterDataSession(const std::string& data_dir, bool overwrite);
+  MasterDataSession(const std::string& data_dir, bool overwrite,
+                    data::TDamagedFile damaged = data::TDamagedFile::kReport);
   ~MasterDataSession();
   MasterDataSession(const MasterDataSession&) = delete;
   MasterDataSession& operator=(const MasterDataSession&) = delete;
 
   data::TStdDb& Db() { return *db_; }
-  data::TUndoRedo& Journal() { return *journal_; }
-  data::UserActionScope& Actions() { return *actions_; }
+  // The journal, opened on first use; from then on it records every record change of the
+  // session. CommandError when it cannot be opened.
+  data::TUndoRedo& Journal();
+  data::UserActionScope& Actions();
 
  private:
   class RowReloader;
+  void OpenJournalOnce();
+
+  std::string data_dir_;
+  data::TDamagedFile damaged_;
   std::unique_ptr<data::DatabaseFiles> files_;
   std::unique_ptr<data::TStdDb> db_;
   data::TFixedConcurrencyAnswer answer_;

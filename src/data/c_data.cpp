@@ -114,6 +114,87 @@ char TCData::ZeilenartPerKey(const std::string& key) const {
   return z == 0 ? ' ' : FRows[z].ZArt;
 }
 
+// --- Rows taken back or made again by the undo journal ----------------------------------
+
+bool TCData::RefuseRowChange(std::string message) {
+  FLastError = "Liste " + std::to_string(FC_ID) + ": " + std::move(message);
+  return false;
+}
+
+bool TCData::MoveRow(int from, int to) {
+  if (FBusy) return RefuseRowChange("eine Listenoperation läuft noch");
+  for (int z : {from, to}) {
+    if (!FRows.Valid(z)) {
+      return RefuseRowChange("Zeile " + std::to_string(z) + " gibt es nicht, die Liste hat " +
+                             std::to_string(FRows.Count()) + " Zeilen");
+    }
+  }
+  FRows.Move(from, to);
+  if (FCurrentRecordIndex == from) {
+    FCurrentRecordIndex = to;
+  } else if (from < FCurrentRecordIndex && FCurrentRecordIndex <= to) {
+    --FCurrentRecordIndex;
+  } else if (to <= FCurrentRecordIndex && FCurrentRecordIndex < from) {
+    ++FCurrentRecordIndex;
+  }
+  FListModified = true;
+  return true;
+}
+
+bool TCData::RemoveRowWithKey(int z, const std::string& key) {
+  if (FBusy) return RefuseRowChange("eine Listenoperation läuft noch");
+  if (!FRows.Valid(z)) {
+    return RefuseRowChange("Zeile " + std::to_string(z) + " mit dem Schlüssel \"" + key +
+                           "\" gibt es nicht, die Liste hat " + std::to_string(FRows.Count()) +
+                           " Zeilen");
+  }
+  if (FRows[z].Key != key) {
+    return RefuseRowChange("in Zeile " + std::to_string(z) + " steht der Schlüssel \"" +
+                           FRows[z].Key + "\", nicht \"" + key + "\"");
+  }
+  RememberRemoved(FRows[z]);
+  RemoveRowAt(z);
+  return true;
+}
+
+bool TCData::RestoreRow(int z, const std::string& key) {
+  if (FBusy) return RefuseRowChange("eine Listenoperation läuft noch");
+  if (z < 1 || z > FRows.Count() + 1) {
+    return RefuseRowChange("Zeile " + std::to_string(z) + " für den Schlüssel \"" + key +
+                           "\" liegt außerhalb der Liste mit " + std::to_string(FRows.Count()) +
+                           " Zeilen");
+  }
+  if (key.size() > kMaxRowKeyLength) {
+    return RefuseRowChange("der Schlüssel \"" + key + "\" ist länger als " +
+                           std::to_string(kMaxRowKeyLength) + " Zeichen");
+  }
+  if (FRows.Count() >= FLZmax) {
+    return RefuseRowChange("die Liste hat bereits die höchste Zeilenzahl " +
+                           std::to_string(FLZmax));
+  }
+  TCDataRow row;
+  if (auto removed = FRemovedRows.find(key); removed != FRemovedRows.end()) {
+    row = std::move(removed->second);
+    FRemovedRows.erase(removed);
+  }
+  row.Key = key;
+  InsertRowAt(z, std::move(row));
+  Data2Screen(z);
+  FRowsToReread.push_back(key);
+  return true;
+}
+
+// Bounded by the row limit: a list that forgot what a removed row carried still puts
+// it back, only with the kind and marks its module gives it.
+void TCData::RememberRemoved(const TCDataRow& row) {
+  if (row.Key.empty()) return;
+  if (static_cast<int>(FRemovedRows.size()) >= FLZmax) FRemovedRows.clear();
+  TCDataRow kept = row;
+  kept.Cutted = false;
+  kept.Locked = false;
+  FRemovedRows[row.Key] = std::move(kept);
+}
+
 // --- Current row ---------------------------------------------------------------------
 
 TStringList TCData::Sized(TStringList values) const {
@@ -150,6 +231,11 @@ TScreen2DataResult TCData::Screen2Data(int z, const TStringList& values) {
   FBusy = false;
   if (Events.C_onLockZeile) Events.C_onLockZeile(key, key, foreign_locked, true);
   if (!ok) return TScreen2DataResult::Refused;
+  if (FUndo != nullptr && FRows.Valid(z) && FRows[z].Key != key) {
+    // A new key is a different record: undo must show the row with the old one again.
+    FUndo->RowDeleted(FC_ID, key, z);
+    FUndo->RowInserted(FC_ID, FRows[z].Key, z);
+  }
 
   FPrevRecordIndex = FCurrentRecordIndex;
   FCurrentRecordIndex = z;
@@ -213,8 +299,27 @@ void TCData::ModifiedByChild() {
   if (Events.C_onModifiedByChild) Events.C_onModifiedByChild(*this);
 }
 
+void TCData::SetRegistry(TCDataRegistry* registry) {
+  if (registry == nullptr) {
+    FRegistration.Detach();
+  } else {
+    FRegistration.Attach(*registry, *this);
+  }
+}
+
 void TCData::UndoRedo() {
-  LeseIndexVonPlatte();
+  if (FRegistration.Attached()) {
+    for (const std::string& key : FRowsToReread) {
+      if (const int z = ZeileFromKey(key); z != 0) Data2Screen(z);
+    }
+    if (FRows.Valid(FCurrentRecordIndex)) {
+      FCurrentRecord = Data2Screen(FCurrentRecordIndex);
+      FUnalteredRecord = FCurrentRecord;
+    }
+  } else {
+    LeseIndexVonPlatte();
+  }
+  FRowsToReread.clear();
   if (Events.OnAfterUndo) Events.OnAfterUndo(*this);
   AktualListenStatus();
 }

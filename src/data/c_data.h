@@ -1,9 +1,11 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
 #include "data/c_data_events.h"
+#include "data/c_data_registry.h"
 #include "data/c_data_rows.h"
 #include "data/c_data_undo.h"
 #include "data/clip_block.h"
@@ -61,6 +63,9 @@ class TCData {
   // to the shell.
 
   void SetUndoJournal(UserActionScope* journal) { FUndo = journal; }
+  // Enters the component into the registry through which the undo journal finds it
+  // (nullptr: leaves it); the entry ends with the component.
+  void SetRegistry(TCDataRegistry* registry);
   void SetClipboard(TCDataClipboard* clipboard) { FClipboard = clipboard; }
 
   // --- Column structure -------------------------------------------------------------
@@ -101,6 +106,21 @@ class TCData {
   bool isMarkiertPerKey(const std::string& key) const;
   char ZeilenartPerKey(const std::string& key) const;
 
+  // --- Rows taken back or made again by the undo journal -----------------------------
+  // These change the row list only; the records are put back by the journal itself, and
+  // nothing here is recorded. Rows are numbered as they stand when the call is made.
+  // false with LastError() (German, naming list, row and key) when the rows are not as
+  // the journal left them; the list is then unchanged.
+  //
+  // Row `from` becomes row `to`.
+  bool MoveRow(int from, int to);
+  // Takes out row z, which must carry `key`.
+  bool RemoveRowWithKey(int z, const std::string& key);
+  // Puts a row with `key` back as row z (1 to GetRmax() + 1) and reads it through
+  // `C_OnGetDaten`; a row this component took out keeps its kind, level and marks. As
+  // the journal may put the record back only after the row, UndoRedo() reads it again.
+  bool RestoreRow(int z, const std::string& key);
+
   // --- Current row ------------------------------------------------------------------
   // Asks the module for row z's values (`C_OnGetDaten`) and takes mark, button and row
   // kind from the answer. Empty for a row that does not exist.
@@ -128,6 +148,10 @@ class TCData {
   void GoActive();
   void GoDeActive();
   void ModifiedByChild();
+  // After the undo journal took a step back or made it again. A registered component
+  // reads the rows the journal put back and its current row again (its row list is kept
+  // in step by the journal); one without registry reloads its rows from the tables.
+  // Raises `OnAfterUndo`.
   void UndoRedo();
 
  private:
@@ -163,6 +187,12 @@ class TCData {
   // Inserts rows with the given values before z and stores them through
   // `C_OnInitData`/`C_OnPutDaten`; a refused row is taken out again. Rows inserted.
   int InsertValueRows(int z, const std::vector<TBlockRow>& rows);
+  // Keeps what a removed row carried (kind, level, marks) for when undo puts it back.
+  void RememberRemoved(const TCDataRow& row);
+  // Tells the journal how the row list changed from the keys `before` to the rows now,
+  // as removals (bottom first), moves and additions (top first).
+  void RecordRowChanges(const std::vector<std::string>& before);
+  bool RefuseRowChange(std::string message);
   TStringList ReadRow(int z);
   TStringList Sized(TStringList values) const;
   void Notify(const TEventInfo& info);
@@ -185,6 +215,10 @@ class TCData {
   std::string FLastError;
   UserActionScope* FUndo = nullptr;
   TCDataClipboard* FClipboard = nullptr;
+  std::map<std::string, TCDataRow> FRemovedRows;  // by key, see RememberRemoved
+  std::vector<std::string> FRowsToReread;         // keys of rows put back by undo
+  // Last, so that the registry forgets the component before any of it is gone.
+  TCDataRegistration FRegistration;
 };
 
 }  // namespace korvan::data

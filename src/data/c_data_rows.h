@@ -46,6 +46,8 @@ class TCDataRows {
   int MoveRows(const std::vector<int>& rows, int target);
   // Puts the rows into the given order: new row i is old row order[i - 1].
   void Reorder(const std::vector<int>& order);
+  // Takes row `from` out and puts it back so that it becomes row `to`; both must exist.
+  void Move(int from, int to);
 
   // The first row carrying the key, or 0.
   int ZeileFromKey(const std::string& key) const;
@@ -55,5 +57,27 @@ class TCDataRows {
  private:
   std::vector<TCDataRow> rows_;
 };
+
+// One row taken out at `From` and put back so that it becomes row `To`.
+struct TRowMove {
+  int From = 0;
+  int To = 0;
+  bool operator==(const TRowMove&) const = default;
+};
+
+// The order of `count` rows after the rows `rows` (ascending) were taken out and put,
+// in their order, before row `target` (count + 1: at the end); entry i is the old
+// number of new row i + 1.
+std::vector<int> BlockMoveOrder(int count, const std::vector<int>& rows, int target);
+
+// The old rows of `order` that must move so that the others keep their relative order:
+// all but one longest ascending run, so that as few rows as possible move.
+std::vector<int> RowsOutOfOrder(const std::vector<int>& order);
+
+// Single-row moves that, made one after the other, turn rows 1..n into `order`. Only the
+// rows in `moving` are moved; the others must already stand in ascending order within
+// `order`. Each move names the rows as they are numbered at the moment it is made, so
+// the moves taken back newest first, each from `To` to `From`, give back the old order.
+std::vector<TRowMove> SingleMoves(const std::vector<int>& order, const std::vector<int>& moving);
 
 }  // namespace korvan::data

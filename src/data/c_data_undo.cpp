@@ -38,7 +38,6 @@ TOperationKind OperationKind(int operation) {
 }  // namespace
 
 void TCDataUndoJournal::StartUndoRedo(int c_id, int operation, const std::string& caption) {
-  if (journal_.TransactionDepth() == 0) c_id_ = c_id;
   journal_.StartTransaction(TStartItem(c_id, OperationKind(operation), caption));
 }
 
@@ -46,15 +45,21 @@ void TCDataUndoJournal::EndUndoRedo() {
   journal_.EndTransaction();
 }
 
-void TCDataUndoJournal::RowMoved(int source_row, int target_row) {
-  TCDataUndoRedoItem item(c_id_);
+void TCDataUndoJournal::RowMoved(int c_id, int source_row, int target_row) {
+  TCDataUndoRedoItem item(c_id);
   item.AddMove(source_row, target_row);
   journal_.Push(item);
 }
 
-void TCDataUndoJournal::RowDeleted(const std::string& key, int source_row) {
-  TCDataUndoRedoItem item(c_id_);
+void TCDataUndoJournal::RowDeleted(int c_id, const std::string& key, int source_row) {
+  TCDataUndoRedoItem item(c_id);
   item.AddDelete(key, source_row);
+  journal_.Push(item);
+}
+
+void TCDataUndoJournal::RowInserted(int c_id, const std::string& key, int target_row) {
+  TCDataUndoRedoItem item(c_id);
+  item.AddInsert(key, target_row);
   journal_.Push(item);
 }
 

@@ -13,8 +13,12 @@ class UserActionScope {
   // `operation` is the list operation (TListOp) or 0 for an edit of a row.
   virtual void StartUndoRedo(int c_id, int operation, const std::string& caption) = 0;
   virtual void EndUndoRedo() = 0;
-  virtual void RowMoved(int source_row, int target_row) = 0;
-  virtual void RowDeleted(const std::string& key, int source_row) = 0;
+  // Row changes of component `c_id`, numbered as the rows stand when the change is made.
+  // The component is named with each change because one action may change the rows of
+  // another list too (a cut finished by a paste elsewhere).
+  virtual void RowMoved(int c_id, int source_row, int target_row) = 0;
+  virtual void RowDeleted(int c_id, const std::string& key, int source_row) = 0;
+  virtual void RowInserted(int c_id, const std::string& key, int target_row) = 0;
 };
 
 // Brackets one user action for its lifetime; does nothing without a journal.
@@ -43,12 +47,12 @@ class TCDataUndoJournal : public UserActionScope {
   explicit TCDataUndoJournal(TUndoRedo& journal) : journal_(journal) {}
   void StartUndoRedo(int c_id, int operation, const std::string& caption) override;
   void EndUndoRedo() override;
-  void RowMoved(int source_row, int target_row) override;
-  void RowDeleted(const std::string& key, int source_row) override;
+  void RowMoved(int c_id, int source_row, int target_row) override;
+  void RowDeleted(int c_id, const std::string& key, int source_row) override;
+  void RowInserted(int c_id, const std::string& key, int target_row) override;
 
  private:
   TUndoRedo& journal_;
-  int c_id_ = 0;
 };
 
 }  // namespace korvan::data

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <map>
+#include <numeric>
 #include <optional>
 
 #include "data/c_data.h"
@@ -264,8 +266,9 @@ bool TCData::DeleteRow(int z, TOnDeleteMode mode) {
   bool ok = true;
   if (Events.C_OnDeleteZeile) Events.C_OnDeleteZeile(*this, z, key, mode, ok);
   if (!ok) return false;
+  RememberRemoved(FRows[z]);
   RemoveRowAt(z);
-  if (FUndo != nullptr) FUndo->RowDeleted(key, z);
+  if (FUndo != nullptr) FUndo->RowDeleted(FC_ID, key, z);
   Notify(TDeleteRowEventInfo(z, key));
   return true;
 }
@@ -298,12 +301,13 @@ TListOpResult TCData::OpMoveBlock(int z) {
   if (z < 1 || z > FRows.Count() + 1) return TListOpResult::InvalidRow;
   const std::string current_key =
       FRows.Valid(FCurrentRecordIndex) ? FRows[FCurrentRecordIndex].Key : std::string();
-  int first = FRows.MoveRows(rows, z);
+  const std::vector<int> order = BlockMoveOrder(FRows.Count(), rows, z);
   if (FUndo != nullptr) {
-    for (size_t i = 0; i < rows.size(); ++i) {
-      FUndo->RowMoved(rows[i], first + static_cast<int>(i));
+    for (const TRowMove& move : SingleMoves(order, rows)) {
+      FUndo->RowMoved(FC_ID, move.From, move.To);
     }
   }
+  const int first = FRows.MoveRows(rows, z);
   if (!current_key.empty()) FCurrentRecordIndex = FRows.ZeileFromKey(current_key);
   FListModified = true;
   Notify(TListOpEventInfo(loMoveBlock, first, static_cast<int>(rows.size())));
@@ -335,6 +339,7 @@ int TCData::InsertValueRows(int z, const std::vector<TBlockRow>& rows) {
       RemoveRowAt(at);
       continue;
     }
+    if (FUndo != nullptr) FUndo->RowInserted(FC_ID, FRows[at].Key, at);
     ++at;
   }
   return at - z;
@@ -379,7 +384,11 @@ TListOpResult TCData::OpSortBlock(int z, const TListOpArgs& args) {
   for (int r = 1; r <= FRows.Count(); ++r) order.push_back(r);
   for (size_t i = 0; i < rows.size(); ++i) {
     order[static_cast<size_t>(rows[i] - 1)] = entries[i].row;
-    if (FUndo != nullptr && entries[i].row != rows[i]) FUndo->RowMoved(entries[i].row, rows[i]);
+  }
+  if (FUndo != nullptr) {
+    for (const TRowMove& move : SingleMoves(order, RowsOutOfOrder(order))) {
+      FUndo->RowMoved(FC_ID, move.From, move.To);
+    }
   }
   FRows.Reorder(order);
   for (size_t i = 0; i < rows.size(); ++i) {
@@ -388,6 +397,42 @@ TListOpResult TCData::OpSortBlock(int z, const TListOpArgs& args) {
   FListModified = true;
   Notify(TListOpEventInfo(loSortBlock, z, static_cast<int>(rows.size())));
   return TListOpResult::Done;
+}
+
+// Rows before and after are paired by key, the n-th row with a key before with the n-th
+// row with that key after. Unpaired rows before were removed, unpaired rows after added.
+void TCData::RecordRowChanges(const std::vector<std::string>& before) {
+  if (FUndo == nullptr) return;
+  std::map<std::string, std::vector<int>> after_rows;  // key -> rows after, ascending
+  for (int r = FRows.Count(); r >= 1; --r) after_rows[FRows[r].Key].push_back(r);
+  std::vector<int> paired(before.size(), 0);  // before row -> row after, 0: removed
+  std::vector<bool> kept(static_cast<size_t>(FRows.Count()) + 1, false);
+  for (size_t i = 0; i < before.size(); ++i) {
+    std::vector<int>& candidates = after_rows[before[i]];
+    if (candidates.empty()) continue;
+    paired[i] = candidates.back();
+    kept[static_cast<size_t>(candidates.back())] = true;
+    candidates.pop_back();
+  }
+  for (size_t i = before.size(); i-- > 0;) {
+    if (paired[i] == 0) FUndo->RowDeleted(FC_ID, before[i], static_cast<int>(i) + 1);
+  }
+  // The rows left, numbered 1..n, must take the relative order they have after.
+  std::vector<int> left_after;
+  for (int row : paired) {
+    if (row != 0) left_after.push_back(row);
+  }
+  std::vector<int> order(left_after.size());
+  std::iota(order.begin(), order.end(), 1);
+  std::sort(order.begin(), order.end(), [&](int a, int b) {
+    return left_after[static_cast<size_t>(a - 1)] < left_after[static_cast<size_t>(b - 1)];
+  });
+  for (const TRowMove& move : SingleMoves(order, RowsOutOfOrder(order))) {
+    FUndo->RowMoved(FC_ID, move.From, move.To);
+  }
+  for (int r = 1; r <= FRows.Count(); ++r) {
+    if (!kept[static_cast<size_t>(r)]) FUndo->RowInserted(FC_ID, FRows[r].Key, r);
+  }
 }
 
 // --- Blocks in files -----------------------------------------------------------------
@@ -465,12 +510,25 @@ TListOpResult TCData::OpPaste(int z, TClipPasteType mode) {
   }
   if (!CanPaste()) return TListOpResult::NotAllowed;
   TClipContent content = *FClipboard->Content();
+  // The handler pastes into the stored row list, which is then read back: it must hold
+  // the rows as the user sees them (moved, sorted, put back by undo).
+  SchreibeIndexAufPlatte(false);
+  std::vector<std::string> before;
+  std::vector<std::string> cut;  // the reload below forgets which rows wait for the paste
+  for (const TCDataRow& row : FRows.All()) {
+    before.push_back(row.Key);
+    if (row.Cutted) cut.push_back(row.Key);
+  }
   FPrevRecordIndex = FCurrentRecordIndex;
   FCurrentRecordIndex = z;  // the paste handler inserts at the current row
   if (Events.C_OnClipPaste)
     Events.C_OnClipPaste(content.SourcePath, content.SourceId, content.Keys, mode);
   if (mode == TClipPasteType::CLIP_NONE) return TListOpResult::Cancelled;
   if (!LeseIndexVonPlatte()) return TListOpResult::Failed;
+  for (const std::string& key : cut) {
+    if (const int r = FRows.ZeileFromKey(key); r != 0) FRows[r].Cutted = true;
+  }
+  RecordRowChanges(before);
   if (content.Mode == TClipPasteType::CLIP_CUT) {
     if (content.Source != nullptr) content.Source->FinishCut(content.Keys);
     FClipboard->Clear();

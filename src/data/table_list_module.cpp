@@ -1,5 +1,12 @@
 #include "data/table_list_module.h"
 
+#include <algorithm>
+#include <cstring>
+
+#include "data/concurrency_question.h"
+#include "data/cp1252.h"
+#include "data/date_time.h"
+#include "storage/record_header.h"
 #include "storage/result_codes.h"
 
 namespace korvan::data {
@@ -32,8 +39,37 @@ bool TTableListModule::CheckRow(const TCData& sender, TStringList& t) {
   return true;
 }
 
-void TTableListModule::CData1C_OnPutDaten(TCData& sender, int z, TStringList& t, const TStringList&,
-                                          char, bool& ok) {
+// The record is read again just before it is written, so the kernel's own conflict check
+// cannot see a change made after the row was shown; comparing the values it shows now
+// with those the user edited does.
+bool TTableListModule::MayOverwrite(TCData& sender, int z, const TStringList& shown) {
+  TStringList now;
+  bool mark = false;
+  char button = ' ';
+  char kind = ' ';
+  CData1C_OnGetDaten(sender, z, now, mark, button, kind);  // leaves the record loaded
+  TStringList before = shown;
+  now.resize(rules_.size());
+  before.resize(rules_.size());
+  if (now == before) return true;
+  const std::vector<uint8_t>& record = table_.CurrentRecord();
+  storage::TDbRecordHeader header{};
+  std::memcpy(&header, record.data(), std::min(record.size(), sizeof header));
+  const size_t length = std::min<size_t>(header.ModifiedById[0], sizeof header.ModifiedById - 1);
+  const std::string user = table_.Db().UserName(
+      Cp1252ToUtf8({reinterpret_cast<const char*>(header.ModifiedById + 1), length}));
+  const std::string when = FormatDateTime(header.LastModified);
+  IConcurrencyQuestion* question = table_.Db().ConcurrencyQuestion();
+  if (question != nullptr && question->AskOverwrite(ConcurrencyQuestionText(
+                                 table_.Db().Name(), table_.CurrentRecordToString(), when, user))) {
+    return true;
+  }
+  return Refuse("Die " + noun_ + " " + RowName(now) + " wurde inzwischen am " + when + " von \"" +
+                user + "\" geändert; nichts gespeichert, die Änderung bleibt erhalten");
+}
+
+void TTableListModule::CData1C_OnPutDaten(TCData& sender, int z, TStringList& t,
+                                          const TStringList& shown, char, bool& ok) {
   last_error_.clear();
   ok = false;
   if (!CheckRow(sender, t)) return;
@@ -47,6 +83,8 @@ void TTableListModule::CData1C_OnPutDaten(TCData& sender, int z, TStringList& t,
     table_.InitRecord();
   } else if (!table_.GetKey(old_key, '1')) {
     Refuse("Die " + noun_ + " der Zeile " + std::to_string(z) + " gibt es nicht mehr");
+    return;
+  } else if (!MayOverwrite(sender, z, shown)) {
     return;
   }
   Fill(t);

@@ -42,6 +42,9 @@ class TTableListModule : public TSTDdataModule {
  private:
   bool Refuse(std::string message);
   bool CheckRow(const TCData& sender, TStringList& t);
+  // Whether the stored record may be overwritten: it still shows the values `shown` the
+  // user edited, or the user answers the concurrency question with yes.
+  bool MayOverwrite(TCData& sender, int z, const TStringList& shown);
 
   TStdTB& table_;
   std::span<const TValueRule> rules_;

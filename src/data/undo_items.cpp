@@ -184,19 +184,39 @@ void TCDataUndoRedoItem::AddDelete(std::string source_key, int32_t source_row) {
   FCDataInfos.push_back(std::move(info));
 }
 
-int TCDataUndoRedoItem::ApplyOne(TCDataRowRestorer& rows, const TCDataCustomItem& info,
-                                 bool backwards, std::string& error) const {
-  if (info.kind == TCDataCustomItem::Kind::kMove) {
-    return backwards ? rows.MoveRow(FCDataId, info.move.TargetRow, info.move.SourceRow, error)
-                     : rows.MoveRow(FCDataId, info.move.SourceRow, info.move.TargetRow, error);
-  }
-  return backwards
-             ? rows.RestoreRow(FCDataId, info.deleted.SourceKey, info.deleted.SourceRow, error)
-             : rows.RemoveRow(FCDataId, info.deleted.SourceKey, info.deleted.SourceRow, error);
+void TCDataUndoRedoItem::AddInsert(std::string target_key, int32_t target_row) {
+  TCDataCustomItem info;
+  info.kind = TCDataCustomItem::Kind::kInsert;
+  info.inserted = {std::move(target_key), target_row};
+  FCDataInfos.push_back(std::move(info));
 }
 
-// Undo takes the row changes back newest first; redo makes them again in their order.
-// When one fails, those already made are taken back, so the rows stay as they were.
+// Every change is the exact opposite of its reverse: a move from A to B is taken back by
+// a move from B to A, a removal by putting the row back where it was, an addition by
+// removing it again.
+int TCDataUndoRedoItem::ApplyOne(TCDataRowRestorer& rows, const TCDataCustomItem& info,
+                                 bool backwards, std::string& error) const {
+  switch (info.kind) {
+    case TCDataCustomItem::Kind::kMove:
+      return backwards ? rows.MoveRow(FCDataId, info.move.TargetRow, info.move.SourceRow, error)
+                       : rows.MoveRow(FCDataId, info.move.SourceRow, info.move.TargetRow, error);
+    case TCDataCustomItem::Kind::kDelete:
+      return backwards
+                 ? rows.RestoreRow(FCDataId, info.deleted.SourceKey, info.deleted.SourceRow, error)
+                 : rows.RemoveRow(FCDataId, info.deleted.SourceKey, info.deleted.SourceRow, error);
+    case TCDataCustomItem::Kind::kInsert:
+      return backwards
+                 ? rows.RemoveRow(FCDataId, info.inserted.TargetKey, info.inserted.TargetRow, error)
+                 : rows.RestoreRow(FCDataId, info.inserted.TargetKey, info.inserted.TargetRow,
+                                   error);
+  }
+  return kUndoOk;
+}
+
+// Each change numbers the rows as they stood when it was made, so undo must take the
+// changes back newest first (each then finds the rows as that change left them) and
+// redo make them again oldest first. When one fails, those already made are taken back,
+// so the rows stay as they were.
 int TCDataUndoRedoItem::Apply(const TUndoTargets& targets, std::string& error) {
   if (targets.rows == nullptr) {
     error = "No data component to restore rows of component " + std::to_string(FCDataId);
@@ -220,7 +240,8 @@ int TCDataUndoRedoItem::Apply(const TUndoTargets& targets, std::string& error) {
 }
 
 // Stream form: the component id, the number of row changes, then per change its kind
-// (1 move, 2 delete) and either source and target row or the row's key (UTF-16) and row.
+// (1 move, 2 delete, 3 insert) and either source and target row or the row's key
+// (UTF-16) and row.
 void TCDataUndoRedoItem::SaveData(TUndoWriter& out) const {
   out.WriteI32(FCDataId);
   out.WriteU32(static_cast<uint32_t>(FCDataInfos.size()));
@@ -229,9 +250,12 @@ void TCDataUndoRedoItem::SaveData(TUndoWriter& out) const {
     if (info.kind == TCDataCustomItem::Kind::kMove) {
       out.WriteI32(info.move.SourceRow);
       out.WriteI32(info.move.TargetRow);
-    } else {
+    } else if (info.kind == TCDataCustomItem::Kind::kDelete) {
       out.WriteUtf16(info.deleted.SourceKey);
       out.WriteI32(info.deleted.SourceRow);
+    } else {
+      out.WriteUtf16(info.inserted.TargetKey);
+      out.WriteI32(info.inserted.TargetRow);
     }
   }
 }
@@ -248,6 +272,9 @@ void TCDataUndoRedoItem::LoadData(TUndoReader& in) {
     } else if (kind == static_cast<uint8_t>(TCDataCustomItem::Kind::kDelete)) {
       std::string key = in.ReadUtf16();
       AddDelete(std::move(key), in.ReadI32());
+    } else if (kind == static_cast<uint8_t>(TCDataCustomItem::Kind::kInsert)) {
+      std::string key = in.ReadUtf16();
+      AddInsert(std::move(key), in.ReadI32());
     } else {
       in.Fail("unknown row change kind " + std::to_string(kind));
     }

@@ -18,6 +18,8 @@ inline constexpr int kUndoConflict = -3;       // the stored data changed meanwh
 inline constexpr int kUndoDamaged = -4;        // the journal cannot be read
 inline constexpr int kUndoInTransaction = -5;  // a transaction is still open
 inline constexpr int kUndoBadImage = -6;       // an image that does not fit its table
+inline constexpr int kUndoRowMismatch = -7;    // a list's rows are not as the journal left them
+inline constexpr int kUndoListAmbiguous = -8;  // several open lists carry the component id
 
 // Whether an item takes a change back (undo) or makes it again (redo).
 enum class TUndoRedoItemKind : uint8_t { ikUndo = 0, ikRedo = 1 };
@@ -154,8 +156,9 @@ class TDBUndoRedoItem : public TCustomUndoRedoItem {
   int32_t FStaticLen = 0;
 };
 
-// How the rows of data components are moved back and restored; the data component
-// implements it.
+// How the rows of data components are moved back and restored; TCDataRegistry
+// implements it for the open lists. Rows are numbered from 1 as they stand when the call
+// is made; `row` of RestoreRow is the number the row gets.
 class TCDataRowRestorer {
  public:
   virtual ~TCDataRowRestorer() = default;
@@ -174,14 +177,20 @@ struct TCDataDeleteItem {
   std::string SourceKey;
   int32_t SourceRow = 0;
 };
+// A row that appeared: pasted, copied in or given its key by an edit.
+struct TCDataInsertItem {
+  std::string TargetKey;
+  int32_t TargetRow = 0;
+};
 struct TCDataCustomItem {
-  enum class Kind : uint8_t { kMove = 1, kDelete = 2 } kind = Kind::kMove;
+  enum class Kind : uint8_t { kMove = 1, kDelete = 2, kInsert = 3 } kind = Kind::kMove;
   TCDataMoveItem move;
   TCDataDeleteItem deleted;
+  TCDataInsertItem inserted;
 };
 
-// Changes to the rows of one data component: rows moved and rows removed, in the order
-// they happened.
+// Changes to the rows of one data component: rows moved, removed and added, in the order
+// they happened, each numbered as the rows stood at that moment.
 class TCDataUndoRedoItem : public TCustomUndoRedoItem {
  public:
   TCDataUndoRedoItem() = default;
@@ -191,6 +200,7 @@ class TCDataUndoRedoItem : public TCustomUndoRedoItem {
   std::unique_ptr<TCustomUndoRedoItem> Clone() const override;
   void AddMove(int32_t source_row, int32_t target_row);
   void AddDelete(std::string source_key, int32_t source_row);
+  void AddInsert(std::string target_key, int32_t target_row);
   int32_t CDataId() const { return FCDataId; }
   const std::vector<TCDataCustomItem>& Infos() const { return FCDataInfos; }
 

@@ -45,16 +45,29 @@ constexpr const char* kUndoFileName = "UNDO.QUJ";
 constexpr const char* kRedoFileName = "REDO.QUJ";
 }  // namespace
 
-std::unique_ptr<TUndoRedo> TUndoRedo::OpenPersistent(const std::string& data_directory) {
+std::vector<std::string> TUndoRedo::PersistentFiles(const std::string& data_directory) {
   const std::filesystem::path dir = data_directory;
-  auto undo = TVirtualStack::OpenPersistent((dir / kUndoFileName).string());
-  auto redo = TVirtualStack::OpenPersistent((dir / kRedoFileName).string());
+  return {(dir / kUndoFileName).string(), (dir / kRedoFileName).string()};
+}
+
+std::unique_ptr<TUndoRedo> TUndoRedo::OpenPersistent(const std::string& data_directory,
+                                                     TDamagedFile damaged) {
+  const std::vector<std::string> files = PersistentFiles(data_directory);
+  auto undo = TVirtualStack::OpenPersistent(files[0], damaged);
+  auto redo = TVirtualStack::OpenPersistent(files[1], damaged);
   return std::unique_ptr<TUndoRedo>(new TUndoRedo(std::move(undo), std::move(redo)));
 }
 
-void TUndoRedo::RemovePersistent(const std::string& data_directory) {
-  const std::filesystem::path dir = data_directory;
-  TVirtualStack::RemovePersistent({(dir / kUndoFileName).string(), (dir / kRedoFileName).string()});
+std::vector<std::string> TUndoRedo::RemovePersistent(const std::string& data_directory) {
+  return TVirtualStack::RemovePersistent(PersistentFiles(data_directory));
+}
+
+std::vector<TSetAsideFile> TUndoRedo::SetAsideFiles() const {
+  std::vector<TSetAsideFile> files;
+  for (const TVirtualStack* stack : {FUndoStack.get(), FRedoStack.get()}) {
+    if (stack->SetAside()) files.push_back(*stack->SetAside());
+  }
+  return files;
 }
 
 void TUndoRedo::Notify() {
@@ -163,12 +176,12 @@ TUndoOutcome TUndoRedo::Transfer(TVirtualStack& from, TVirtualStack& to) {
   TUndoOutcome outcome;
   if (FTransactions > 0) {
     outcome.code = kUndoInTransaction;
-    outcome.error = "A transaction is still open";
+    outcome.error = "ein Schritt ist noch nicht abgeschlossen";
     return outcome;
   }
   if (from.TransactionCount() == 0) {
     outcome.code = kUndoNothingToDo;
-    outcome.error = "Nothing to take back or make again";
+    outcome.error = "es gibt keinen Schritt";
     return outcome;
   }
   TUndoTransaction step;

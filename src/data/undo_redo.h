@@ -32,12 +32,17 @@ class TUndoRedo : public TableChangeObserver {
   // processes that died are removed first.
   explicit TUndoRedo(const std::string& directory = ".");
   // The journal of a data directory, kept in "UNDO.QUJ" and "REDO.QUJ" there across runs
-  // of the program until cleared. Throws UndoJournalError when the files are damaged or
-  // in use by another process.
-  static std::unique_ptr<TUndoRedo> OpenPersistent(const std::string& data_directory);
-  // Deletes the journal of a data directory when the project is closed; a damaged journal
-  // can be deleted too. Throws UndoJournalError while another process has it open.
-  static void RemovePersistent(const std::string& data_directory);
+  // of the program until cleared. Throws UndoJournalError when the files are in use by
+  // another process, and when one is damaged unless `damaged` says to set it aside
+  // (SetAsideFiles() then tells which).
+  static std::unique_ptr<TUndoRedo> OpenPersistent(const std::string& data_directory,
+                                                   TDamagedFile damaged = TDamagedFile::kReport);
+  // Deletes the journal of a data directory (the user clears it; closing a project will
+  // do the same); a damaged journal is deleted too. Returns the files that existed.
+  // Throws UndoJournalError while another process has the journal open.
+  static std::vector<std::string> RemovePersistent(const std::string& data_directory);
+  // The files of the persistent journal of a data directory: undo stack, redo stack.
+  static std::vector<std::string> PersistentFiles(const std::string& data_directory);
   ~TUndoRedo() override = default;
   TUndoRedo(const TUndoRedo&) = delete;
   TUndoRedo& operator=(const TUndoRedo&) = delete;
@@ -83,6 +88,9 @@ class TUndoRedo : public TableChangeObserver {
   // Called when the undo state changed: a step was recorded, taken back or made again,
   // or the journal was cleared. The shell refreshes its undo and redo commands.
   void SetOnChange(std::function<void()> on_change) { FOnChange = std::move(on_change); }
+
+  // The damaged files that opening set aside, undo stack first.
+  std::vector<TSetAsideFile> SetAsideFiles() const;
 
   TVirtualStack& UndoStack() { return *FUndoStack; }
   TVirtualStack& RedoStack() { return *FRedoStack; }

@@ -95,13 +95,15 @@ void TUndoWriter::WriteBlob(std::span<const uint8_t> bytes) {
 }
 
 void TUndoReader::Fail(const std::string& problem) const {
-  throw UndoJournalError(what_ + ": " + problem + " at byte " + std::to_string(offset_));
+  const int64_t position = base_ + static_cast<int64_t>(offset_);
+  throw UndoJournalError(what_ + ": " + problem + " (Byte " + std::to_string(position) + ")",
+                         UndoJournalError::Reason::kDamaged, position);
 }
 
 std::span<const uint8_t> TUndoReader::Take(size_t count) {
   if (count > data_.size() - offset_) {
-    Fail("data ends early (" + std::to_string(count) + " bytes wanted, " +
-         std::to_string(data_.size() - offset_) + " left)");
+    Fail("die Daten enden zu früh (" + std::to_string(count) + " Bytes erwartet, " +
+         std::to_string(data_.size() - offset_) + " vorhanden)");
   }
   const std::span<const uint8_t> part = data_.subspan(offset_, count);
   offset_ += count;
@@ -121,7 +123,7 @@ uint32_t TUndoReader::ReadU32() {
 std::string TUndoReader::ReadUtf16() {
   const uint32_t count = ReadU32();
   if (count > (data_.size() - offset_) / 2)
-    Fail("text length " + std::to_string(count) + " too large");
+    Fail("Textlänge " + std::to_string(count) + " ist zu groß");
   const std::span<const uint8_t> bytes = Take(size_t{count} * 2);
   std::u16string text(count, u'\0');
   for (size_t i = 0; i < count; ++i) {
@@ -137,7 +139,8 @@ std::vector<uint8_t> TUndoReader::ReadBlob() {
 }
 
 void TUndoReader::ExpectEnd() {
-  if (!AtEnd()) Fail(std::to_string(data_.size() - offset_) + " unexpected bytes after the item");
+  if (!AtEnd())
+    Fail(std::to_string(data_.size() - offset_) + " überzählige Bytes nach dem Eintrag");
 }
 
 std::u16string Utf8ToUtf16(std::string_view utf8) {

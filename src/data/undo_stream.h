@@ -10,10 +10,24 @@
 namespace korvan::data {
 
 // A journal file or item that cannot be read or written: the message names the file or
-// the item and what was wrong.
+// the item and what was wrong, in words for the user.
 class UndoJournalError : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  // Damaged: the bytes are not a journal this program wrote (cut, scrambled, foreign);
+  // in use: another process holds the file; failed: the system refused a read or write.
+  enum class Reason { kDamaged, kInUse, kFailed };
+
+  explicit UndoJournalError(const std::string& message, Reason reason = Reason::kFailed,
+                            int64_t position = -1)
+      : std::runtime_error(message), reason_(reason), position_(position) {}
+  Reason reason() const { return reason_; }
+  bool Damaged() const { return reason_ == Reason::kDamaged; }
+  // The byte of the file where the damage was found; -1 when not known.
+  int64_t Position() const { return position_; }
+
+ private:
+  Reason reason_;
+  int64_t position_;
 };
 
 // Little-endian writer of the journal's item data.
@@ -34,11 +48,12 @@ class TUndoWriter {
 };
 
 // Reader of item data; anything past the end or out of range throws UndoJournalError
-// naming `what` and the byte offset, so a damaged item is reported, never trusted.
+// (damaged) naming `what` and the byte, so a damaged item is reported, never trusted.
+// `base` is the position of the data in its file, so that bytes are counted in the file.
 class TUndoReader {
  public:
-  TUndoReader(std::span<const uint8_t> data, std::string what)
-      : data_(data), what_(std::move(what)) {}
+  TUndoReader(std::span<const uint8_t> data, std::string what, int64_t base = 0)
+      : data_(data), what_(std::move(what)), base_(base) {}
   uint8_t ReadU8();
   int32_t ReadI32() { return static_cast<int32_t>(ReadU32()); }
   uint32_t ReadU32();
@@ -54,6 +69,7 @@ class TUndoReader {
 
   std::span<const uint8_t> data_;
   std::string what_;
+  int64_t base_;
   size_t offset_ = 0;
 };
 

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
+#include "data/cp1252.h"
+#include "data/date_time.h"
 #include "data/table_key.h"
 #include "data/undo_items.h"
 #include "storage/db_kernel.h"
@@ -44,14 +47,29 @@ int Guarded(const std::function<int()>& write) {
   }
 }
 
+// "der Tabelle "Waehrung" (W) in "/daten/STAMMDATEN/DB_Stamm""
 std::string Describe(const TStdTB& table) {
-  return "table \"" + table.TableName() + "\" of \"" + table.Db().BasePath() + "\"";
+  return "der Tabelle \"" + table.TableName() + "\" (" + std::string(1, table.TableType()) +
+         ") in \"" + table.Db().BasePath() + "\"";
 }
 
 int KernelFailure(const TStdTB& table, const char* step, int code, std::string& error) {
-  error = std::string("Undo: ") + step + " failed in " + Describe(table) + " (code " +
+  error = std::string("Fehler beim ") + step + " " + Describe(table) + " (Code " +
           std::to_string(code) + ")";
   return code;
+}
+
+// Who wrote a stored record last and when, from its header: " (zuletzt am 03.02.2025
+// 14:05 von "BOB")"; empty when the header is too short to tell.
+std::string LastWriter(const TStdTB& table, const std::vector<uint8_t>& stored) {
+  if (stored.size() < sizeof(TDbRecordHeader)) return {};
+  TDbRecordHeader header{};
+  std::memcpy(&header, stored.data(), sizeof header);
+  const size_t length = std::min<size_t>(header.ModifiedById[0], sizeof header.ModifiedById - 1);
+  const std::string id =
+      Cp1252ToUtf8({reinterpret_cast<const char*>(header.ModifiedById + 1), length});
+  return " (zuletzt am " + FormatDateTime(header.LastModified) + " von \"" +
+         table.Db().UserName(id) + "\")";
 }
 
 // Replaces the keys whose string changed; on failure the old keys are back in place.
@@ -115,54 +133,55 @@ int TTableRecordRestorer::RestoreRecord(const TableTarget& target, JournalImage 
                                         JournalImage image, std::string& error) {
   TStdTB* table = resolver_ ? resolver_(target) : nullptr;
   if (table == nullptr || !table->Db().IsOpen()) {
-    error = std::string("Undo: no open table of type \"") + target.table_type + "\" in \"" +
-            target.db_file + "\"";
+    error = std::string("die Tabelle vom Typ \"") + target.table_type + "\" in \"" +
+            target.db_file +
+            "\" ist nicht geöffnet; ihre Datensätze können nicht zurückgeschrieben werden";
     return kUndoNoTarget;
   }
   for (JournalImage one : {expected, image}) {
     if (!one.empty() &&
         (one.size() < static_cast<size_t>(kRecordHeaderSize) ||
          static_cast<char>(one[offsetof(TDbRecordHeader, RecTyp)]) != table->TableType())) {
-      error = "Undo: a record image does not belong to " + Describe(*table);
+      error = "ein Datensatzabbild im Journal passt nicht zu " + Describe(*table);
       return kUndoBadImage;
     }
   }
   const JournalImage identity = expected.empty() ? image : expected;
   if (identity.empty()) {
-    error = "Undo: a record change without images in " + Describe(*table);
+    error = "eine Datensatzänderung ohne Abbilder im Journal, " + Describe(*table);
     return kUndoBadImage;
   }
   const TRecordKeys keys = table->BuildKeys(identity);
   const size_t unique = static_cast<size_t>(table->UniqueIndex() - '1');
   if (unique >= keys.keys.size() || !keys.entered[unique]) {
-    error = "Undo: a record without unique key in " + Describe(*table);
+    error = "ein Datensatz ohne eindeutigen Schlüssel im Journal, " + Describe(*table);
     return kUndoBadImage;
   }
   bool found = false;
   uint32_t position = 0;
   if (int result = table->Db().FindExactKey(keys.keys[unique], &found, &position); result != kOk) {
-    return KernelFailure(*table, "finding the record", result, error);
+    return KernelFailure(*table, "Suchen des Datensatzes", result, error);
   }
   const std::string record_name =
-      "record \"" + KeyStringOf(keys.keys[unique]) + "\" of " + Describe(*table);
+      "der Datensatz \"" + KeyStringOf(keys.keys[unique]) + "\" " + Describe(*table);
   if (expected.empty()) {
     if (found) {
-      error = "Undo: " + record_name + " exists again; it was created meanwhile";
+      error = record_name + " wurde inzwischen neu angelegt";
       return kUndoConflict;
     }
     return Insert(*table, image, error);
   }
   if (!found) {
-    error = "Undo: " + record_name + " no longer exists; it was deleted meanwhile";
+    error = record_name + " wurde inzwischen gelöscht";
     return kUndoConflict;
   }
   std::vector<uint8_t> stored;
   const auto at = static_cast<int32_t>(position);
   if (int result = table->Db().ReadRaw(at, stored); result != kOk) {
-    return KernelFailure(*table, "reading the record", result, error);
+    return KernelFailure(*table, "Lesen des Datensatzes", result, error);
   }
   if (!SameRecordContent(stored, expected)) {
-    error = "Undo: " + record_name + " was changed meanwhile";
+    error = record_name + " wurde inzwischen geändert" + LastWriter(*table, stored);
     return kUndoConflict;
   }
   return image.empty() ? Delete(*table, at, stored, error)
@@ -175,7 +194,7 @@ int TTableRecordRestorer::Insert(TStdTB& table, JournalImage image, std::string&
   TStdDb& db = table.Db();
   const TRecordKeys keys = table.BuildKeys(image);
   if (int result = db.CheckUniqueKeys(keys, 0); result != kOk) {
-    return KernelFailure(table, "checking the keys", result, error);
+    return KernelFailure(table, "Prüfen der Schlüssel", result, error);
   }
   std::vector<uint8_t> record(image.begin(), image.end());
   const auto length = static_cast<int32_t>(record.size());
@@ -184,7 +203,7 @@ int TTableRecordRestorer::Insert(TStdTB& table, JournalImage image, std::string&
   int result = Guarded([&] {
     return storage::iDK_RecordInsert(db.Handle(), record.data(), length, true, &position);
   });
-  if (result != kOk) return KernelFailure(table, "inserting the record", result, error);
+  if (result != kOk) return KernelFailure(table, "Einfügen des Datensatzes", result, error);
   result = db.iIO_KeysInsert(keys, position);
   if (result == kOk) {
     std::copy(image.begin(), image.end(), record.begin());
@@ -196,7 +215,7 @@ int TTableRecordRestorer::Insert(TStdTB& table, JournalImage image, std::string&
   if (result != kOk) {
     std::vector<uint8_t> header(image.begin(), image.begin() + kRecordHeaderSize);
     Guarded([&] { return storage::iDK_RecordDelete(db.Handle(), header.data(), position); });
-    return KernelFailure(table, "inserting the record", result, error);
+    return KernelFailure(table, "Einfügen des Datensatzes", result, error);
   }
   return kOk;
 }
@@ -210,7 +229,7 @@ int TTableRecordRestorer::Replace(TStdTB& table, int32_t position,
   std::vector<bool> changed(new_keys.keys.size());
   for (size_t i = 0; i < changed.size(); ++i) changed[i] = new_keys.keys[i] != old_keys.keys[i];
   if (int result = db.CheckUniqueKeys(new_keys, position, changed); result != kOk) {
-    return KernelFailure(table, "checking the keys", result, error);
+    return KernelFailure(table, "Prüfen der Schlüssel", result, error);
   }
   std::vector<uint8_t> record(image.begin(), image.end());
   const auto length = static_cast<int32_t>(record.size());
@@ -229,14 +248,14 @@ int TTableRecordRestorer::Replace(TStdTB& table, int32_t position,
     }
     return kOk;
   }
-  if (result != kOk) return KernelFailure(table, "updating the record", result, error);
+  if (result != kOk) return KernelFailure(table, "Ändern des Datensatzes", result, error);
   if (result = ReplaceKeys(db, old_keys, new_keys, position); result != kOk) {
     std::vector<uint8_t> back = stored;
     Guarded([&] {
       return storage::iDK_RecordUpdate(db.Handle(), back.data(), static_cast<int32_t>(back.size()),
                                        position, static_cast<int32_t>(back.size()));
     });
-    return KernelFailure(table, "replacing the keys", result, error);
+    return KernelFailure(table, "Ersetzen der Schlüssel", result, error);
   }
   return kOk;
 }
@@ -249,9 +268,9 @@ int TTableRecordRestorer::Delete(TStdTB& table, int32_t position,
   const TNoConflictCheck no_check;
   const int result =
       Guarded([&] { return storage::iDK_RecordDelete(db.Handle(), header.data(), position); });
-  if (result != kOk) return KernelFailure(table, "deleting the record", result, error);
+  if (result != kOk) return KernelFailure(table, "Löschen des Datensatzes", result, error);
   if (int removed = db.iIO_KeysDelete(keys, position); removed != kOk) {
-    return KernelFailure(table, "removing the keys", removed, error);
+    return KernelFailure(table, "Entfernen der Schlüssel", removed, error);
   }
   return kOk;
 }

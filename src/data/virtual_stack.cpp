@@ -19,6 +19,7 @@ constexpr uint32_t kFormatVersion = 1;
 constexpr int64_t kHeaderSize = 16;
 constexpr int64_t kFrameHead = 5;  // kind and data length
 constexpr int64_t kFrameTail = 4;  // CRC-32
+constexpr const char* kSetAsideSuffix = ".defekt";
 
 std::string ErrnoText() {
   return std::strerror(errno);
@@ -55,8 +56,8 @@ TVirtualStack::TVirtualStack(const std::string& directory) {
   // mkstemps creates the file new (O_EXCL) under a name no other file has.
   FStream = mkstemps(pattern.data(), 4);
   if (FStream < 0) {
-    throw UndoJournalError("Cannot create undo journal file in \"" + directory +
-                           "\": " + ErrnoText());
+    throw UndoJournalError("Rückgängig-Journal kann in \"" + directory +
+                           "\" nicht angelegt werden: " + ErrnoText());
   }
   FFileName = pattern;
   fcntl(FStream, F_SETFD, FD_CLOEXEC);
@@ -70,33 +71,71 @@ TVirtualStack::TVirtualStack(const std::string& directory) {
   }
 }
 
-TVirtualStack::TVirtualStack(const std::string& path, PersistentTag) : FTemporary(false) {
+TVirtualStack::TVirtualStack(const std::string& path, TDamagedFile damaged, PersistentTag)
+    : FTemporary(false) {
   FFileName = path;
-  FStream = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-  if (FStream < 0)
-    throw UndoJournalError("Cannot open undo journal \"" + path + "\": " + ErrnoText());
   try {
-    LockOrThrow();
-    struct stat info {};
-    if (fstat(FStream, &info) != 0) Fail("cannot read its size: " + ErrnoText());
-    FSize = info.st_size;
-    if (FSize == 0) {
-      WriteHeader();
-    } else {
-      ReadBack();
+    OpenNamed();
+  } catch (const UndoJournalError& error) {
+    if (!error.Damaged() || damaged != TDamagedFile::kSetAside) {
+      CloseStream();
+      throw;
     }
-  } catch (...) {
-    close(FStream);
-    throw;
+    MoveAside(error);
+    CloseStream();
+    try {
+      OpenNamed();
+    } catch (...) {
+      CloseStream();
+      throw;
+    }
   }
 }
 
-std::unique_ptr<TVirtualStack> TVirtualStack::OpenPersistent(const std::string& path) {
-  return std::unique_ptr<TVirtualStack>(new TVirtualStack(path, PersistentTag{}));
+void TVirtualStack::CloseStream() {
+  if (FStream >= 0) close(FStream);
+  FStream = -1;
 }
 
-void TVirtualStack::RemovePersistent(const std::vector<std::string>& paths) {
+// Opens the named file, takes its lock and reads it back; an empty or new file gets the
+// header. On failure the descriptor is left for the caller to close.
+void TVirtualStack::OpenNamed() {
+  FStartList.clear();
+  FLastStartItem.reset();
+  FSize = 0;
+  FStream = open(FFileName.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+  if (FStream < 0) Fail("kann nicht geöffnet werden: " + ErrnoText());
+  LockOrThrow();
+  struct stat info {};
+  if (fstat(FStream, &info) != 0) Fail("kann nicht gelesen werden: " + ErrnoText());
+  if (!S_ISREG(info.st_mode)) Fail("ist keine gewöhnliche Datei");
+  FSize = info.st_size;
+  if (FSize == 0) {
+    WriteHeader();
+  } else {
+    ReadBack();
+  }
+}
+
+// Renamed while this process holds the lock, so nobody else reads or writes the damaged
+// bytes in the meantime; an older damaged copy of the same name is replaced.
+void TVirtualStack::MoveAside(const UndoJournalError& damage) {
+  const std::string target = FFileName + kSetAsideSuffix;
+  if (rename(FFileName.c_str(), target.c_str()) != 0) {
+    Fail(std::string("ist beschädigt und kann nicht nach \"") + target +
+         "\" umbenannt werden: " + ErrnoText() + " (" + damage.what() + ")");
+  }
+  FSetAside = TSetAsideFile{FFileName, target, damage.what(), damage.Position()};
+}
+
+std::unique_ptr<TVirtualStack> TVirtualStack::OpenPersistent(const std::string& path,
+                                                             TDamagedFile damaged) {
+  return std::unique_ptr<TVirtualStack>(new TVirtualStack(path, damaged, PersistentTag{}));
+}
+
+std::vector<std::string> TVirtualStack::RemovePersistent(const std::vector<std::string>& paths) {
   std::vector<int> held;
+  std::vector<std::string> existing;
   const auto release = [&] {
     for (int fd : held) close(fd);
   };
@@ -105,26 +144,33 @@ void TVirtualStack::RemovePersistent(const std::vector<std::string>& paths) {
     if (fd < 0 && errno == ENOENT) continue;
     if (fd < 0) {
       release();
-      throw UndoJournalError("Cannot open undo journal \"" + path + "\": " + ErrnoText());
+      throw UndoJournalError("Rückgängig-Journal \"" + path +
+                             "\" kann nicht geöffnet werden: " + ErrnoText());
     }
     held.push_back(fd);
+    existing.push_back(path);
     if (!TryLockWhole(fd)) {
       release();
-      throw UndoJournalError("Undo journal \"" + path + "\": is in use by another process");
+      throw UndoJournalError(
+          "Rückgängig-Journal \"" + path + "\" wird gerade von einem anderen Programm verwendet",
+          UndoJournalError::Reason::kInUse);
     }
   }
   // All are locked by this call now: nobody can open them until they are gone.
   std::string failed;
   for (const std::string& path : paths) {
-    if (unlink(path.c_str()) != 0 && errno != ENOENT) failed = path + "\": " + ErrnoText();
+    if (unlink(path.c_str()) != 0 && errno != ENOENT) failed = path + "\" (" + ErrnoText() + ")";
   }
   release();
-  if (!failed.empty()) throw UndoJournalError("Cannot delete undo journal \"" + failed);
+  if (!failed.empty()) {
+    throw UndoJournalError("Rückgängig-Journal \"" + failed + " kann nicht gelöscht werden");
+  }
+  return existing;
 }
 
 TVirtualStack::~TVirtualStack() {
   if (FTemporary) unlink(FFileName.c_str());
-  close(FStream);
+  CloseStream();
 }
 
 int TVirtualStack::RemoveLeftoverFiles(const std::string& directory) {
@@ -151,18 +197,34 @@ int TVirtualStack::RemoveLeftoverFiles(const std::string& directory) {
 }
 
 void TVirtualStack::Fail(const std::string& problem) const {
-  throw UndoJournalError("Undo journal \"" + FFileName + "\": " + problem);
+  throw UndoJournalError("Rückgängig-Journal \"" + FFileName + "\" " + problem);
+}
+
+void TVirtualStack::Damaged(const std::string& problem, int64_t position) const {
+  throw UndoJournalError("Rückgängig-Journal \"" + FFileName + "\" ist beschädigt: " + problem +
+                             " (Byte " + std::to_string(position) + ")",
+                         UndoJournalError::Reason::kDamaged, position);
+}
+
+// How the reader of an item names it when its data is damaged.
+std::string TVirtualStack::DamagedWhat(int64_t position, const char* entry) const {
+  return "Rückgängig-Journal \"" + FFileName + "\" ist beschädigt: " + entry + " bei Byte " +
+         std::to_string(position);
 }
 
 void TVirtualStack::LockOrThrow() {
-  if (!TryLockWhole(FStream)) Fail("is in use by another process");
+  if (!TryLockWhole(FStream)) {
+    throw UndoJournalError(
+        "Rückgängig-Journal \"" + FFileName + "\" wird gerade von einem anderen Programm verwendet",
+        UndoJournalError::Reason::kInUse);
+  }
 }
 
 void TVirtualStack::WriteHeader() {
   std::array<uint8_t, kHeaderSize> header{};
   std::memcpy(header.data(), kMagic.data(), kMagic.size());
   StoreU32(header.data() + 8, kFormatVersion);
-  if (ftruncate(FStream, 0) != 0) Fail("cannot be emptied: " + ErrnoText());
+  if (ftruncate(FStream, 0) != 0) Fail("kann nicht geleert werden: " + ErrnoText());
   FSize = 0;
   WriteAt(0, header.data(), header.size());
   FSize = kHeaderSize;
@@ -175,7 +237,7 @@ void TVirtualStack::WriteAt(int64_t position, const void* data, size_t size) {
     const ssize_t wrote =
         pwrite(FStream, bytes + done, size - done, position + static_cast<int64_t>(done));
     if (wrote < 0 && errno == EINTR) continue;
-    if (wrote <= 0) Fail("cannot be written: " + ErrnoText());
+    if (wrote <= 0) Fail("kann nicht geschrieben werden: " + ErrnoText());
     done += static_cast<size_t>(wrote);
   }
 }
@@ -187,45 +249,54 @@ void TVirtualStack::ReadAt(int64_t position, void* data, size_t size) const {
     const ssize_t got =
         pread(FStream, bytes + done, size - done, position + static_cast<int64_t>(done));
     if (got < 0 && errno == EINTR) continue;
-    if (got < 0) Fail("cannot be read: " + ErrnoText());
-    if (got == 0)
-      Fail("ends early at byte " + std::to_string(position + static_cast<int64_t>(done)));
+    if (got < 0) Fail("kann nicht gelesen werden: " + ErrnoText());
+    if (got == 0) Damaged("die Datei endet zu früh", position + static_cast<int64_t>(done));
     done += static_cast<size_t>(got);
   }
 }
 
-// Rebuilds the entry list of an existing file, checking every frame.
+// Rebuilds the entry list of an existing file, checking every frame and every item, so
+// that damage is found on opening, not halfway through taking a step back.
 void TVirtualStack::ReadBack() {
-  if (FSize < kHeaderSize) Fail("is too short for its header");
+  if (FSize < kHeaderSize) Damaged("die Datei ist zu kurz für ihren Kopf", FSize);
   std::array<uint8_t, kHeaderSize> header{};
   ReadAt(0, header.data(), header.size());
-  if (std::memcmp(header.data(), kMagic.data(), kMagic.size()) != 0) Fail("is not an undo journal");
-  if (LoadU32(header.data() + 8) != kFormatVersion) {
-    Fail("has unknown format version " + std::to_string(LoadU32(header.data() + 8)));
+  if (std::memcmp(header.data(), kMagic.data(), kMagic.size()) != 0) {
+    Damaged("die Datei ist kein Rückgängig-Journal (Kennung fehlt)", 0);
   }
-  if (LoadU32(header.data() + 12) != 0) Fail("has a damaged header");
+  if (LoadU32(header.data() + 8) != kFormatVersion) {
+    Damaged("unbekannte Formatversion " + std::to_string(LoadU32(header.data() + 8)), 8);
+  }
+  if (LoadU32(header.data() + 12) != 0) Damaged("der Dateikopf ist beschädigt", 12);
   int64_t position = kHeaderSize;
   while (position < FSize) {
     if (FSize - position < kFrameHead + kFrameTail) {
-      Fail("is cut off in the entry at byte " + std::to_string(position));
+      Damaged("der Eintrag ist abgeschnitten", position);
     }
     std::array<uint8_t, kFrameHead> head{};
     ReadAt(position, head.data(), head.size());
     if (head[0] > static_cast<uint8_t>(TStackEntryKind::kCData)) {
-      Fail("has an entry of unknown kind " + std::to_string(head[0]) + " at byte " +
-           std::to_string(position));
+      Damaged("Eintrag unbekannter Art " + std::to_string(head[0]), position);
     }
     if (FStartList.empty() && head[0] != static_cast<uint8_t>(TStackEntryKind::kStart)) {
-      Fail("has items before the first transaction start");
+      Damaged("Änderungen vor dem Beginn des ersten Schritts", position);
     }
     const int64_t length = LoadU32(head.data() + 1);
     if (length > FSize - position - kFrameHead - kFrameTail) {
-      Fail("is cut off in the entry at byte " + std::to_string(position));
+      Damaged("die Länge des Eintrags (" + std::to_string(length) +
+                  " Bytes) reicht über das Dateiende hinaus",
+              position + 1);
     }
     FStartList.push_back({static_cast<TStackEntryKind>(head[0]), position});
     position += kFrameHead + length + kFrameTail;
   }
-  for (size_t i = 0; i < FStartList.size(); ++i) ReadFrameData(i);  // checks every CRC
+  for (size_t i = 0; i < FStartList.size(); ++i) {
+    if (FStartList[i].kind == TStackEntryKind::kStart) {
+      LoadStart(i);
+    } else {
+      LoadEntry(i);
+    }
+  }
 }
 
 std::vector<uint8_t> TVirtualStack::MakeFrame(TStackEntryKind kind,
@@ -251,32 +322,35 @@ int64_t TVirtualStack::AppendFrame(TStackEntryKind kind, const std::vector<uint8
 
 std::vector<uint8_t> TVirtualStack::ReadFrameData(size_t index) const {
   const Entry& entry = FStartList[index];
-  const std::string where = " in the entry at byte " + std::to_string(entry.position);
   const int64_t end = index + 1 < FStartList.size() ? FStartList[index + 1].position : FSize;
-  if (end - entry.position < kFrameHead + kFrameTail) Fail("is cut off" + where);
+  if (end - entry.position < kFrameHead + kFrameTail) {
+    Damaged("der Eintrag ist abgeschnitten", entry.position);
+  }
   std::vector<uint8_t> frame(static_cast<size_t>(end - entry.position));
   ReadAt(entry.position, frame.data(), frame.size());
   const size_t length = LoadU32(frame.data() + 1);
   if (frame[0] != static_cast<uint8_t>(entry.kind) ||
       length != frame.size() - kFrameHead - kFrameTail) {
-    Fail("has a damaged frame" + where);
+    Damaged("der Rahmen des Eintrags ist beschädigt", entry.position);
   }
   const uint32_t crc = Crc32({frame.data(), kFrameHead + length});
-  if (crc != LoadU32(frame.data() + kFrameHead + length)) Fail("has a checksum error" + where);
+  if (crc != LoadU32(frame.data() + kFrameHead + length)) {
+    Damaged("Prüfsummenfehler im Eintrag", entry.position);
+  }
   return {frame.begin() + kFrameHead, frame.begin() + kFrameHead + static_cast<int64_t>(length)};
 }
 
 std::unique_ptr<TCustomUndoRedoItem> TVirtualStack::LoadEntry(size_t index) const {
   const std::vector<uint8_t> data = ReadFrameData(index);
-  TUndoReader in(data, "Undo journal \"" + FFileName + "\", entry at byte " +
-                           std::to_string(FStartList[index].position));
+  const int64_t position = FStartList[index].position;
+  TUndoReader in(data, DamagedWhat(position, "Eintrag"), position + kFrameHead);
   return LoadUndoRedoItem(FStartList[index].kind, in);
 }
 
 TStartItem TVirtualStack::LoadStart(size_t index) const {
   const std::vector<uint8_t> data = ReadFrameData(index);
-  TUndoReader in(data, "Undo journal \"" + FFileName + "\", transaction start at byte " +
-                           std::to_string(FStartList[index].position));
+  const int64_t position = FStartList[index].position;
+  TUndoReader in(data, DamagedWhat(position, "Beginn eines Schritts"), position + kFrameHead);
   TStartItem start;
   start.LoadFromStream(in);
   in.ExpectEnd();
@@ -285,7 +359,7 @@ TStartItem TVirtualStack::LoadStart(size_t index) const {
 
 void TVirtualStack::CutAt(size_t index) {
   const int64_t position = FStartList[index].position;
-  if (ftruncate(FStream, position) != 0) Fail("cannot be cut: " + ErrnoText());
+  if (ftruncate(FStream, position) != 0) Fail("kann nicht gekürzt werden: " + ErrnoText());
   FSize = position;
   FStartList.resize(index);
   FModified = true;
@@ -351,7 +425,7 @@ void TVirtualStack::UpdateLastStartItem() {
 // so that a large transaction is not held in memory.
 void TVirtualStack::UpdateStartItemAtStackItem(size_t index, const TStartItem& item) {
   if (index >= FStartList.size() || FStartList[index].kind != TStackEntryKind::kStart) {
-    Fail("entry " + std::to_string(index) + " is no transaction start");
+    Fail("hat an Eintrag " + std::to_string(index) + " keinen Beginn eines Schritts");
   }
   const int64_t start = FStartList[index].position;
   const int64_t tail_start = index + 1 < FStartList.size() ? FStartList[index + 1].position : FSize;
@@ -363,7 +437,7 @@ void TVirtualStack::UpdateStartItemAtStackItem(size_t index, const TStartItem& i
   MoveBytes(tail_start, new_tail_start, tail_size);
   WriteAt(start, frame.data(), frame.size());
   FSize = new_tail_start + tail_size;
-  if (ftruncate(FStream, FSize) != 0) Fail("cannot be cut: " + ErrnoText());
+  if (ftruncate(FStream, FSize) != 0) Fail("kann nicht gekürzt werden: " + ErrnoText());
   for (size_t i = index + 1; i < FStartList.size(); ++i) {
     FStartList[i].position += new_tail_start - tail_start;
   }
@@ -419,7 +493,7 @@ std::vector<std::string> TVirtualStack::GetTransactions() const {
 
 TUndoTransaction TVirtualStack::ReadLastTransaction() const {
   const int index = LastStartTransaction();
-  if (index < 0) Fail("holds no transaction");
+  if (index < 0) Fail("enthält keinen Schritt");
   TUndoTransaction transaction;
   transaction.start = LoadStart(static_cast<size_t>(index));
   for (size_t i = static_cast<size_t>(index) + 1; i < FStartList.size(); ++i) {

@@ -10,6 +10,20 @@
 
 namespace korvan::data {
 
+// What opening a persistent stack does with a file that is damaged.
+enum class TDamagedFile {
+  kReport,    // throw UndoJournalError (damaged), leave the file as it is
+  kSetAside,  // rename it to "<name>.defekt" and start an empty stack in its place
+};
+
+// A damaged journal file that opening moved aside.
+struct TSetAsideFile {
+  std::string file;       // the journal's name
+  std::string set_aside;  // where the damaged bytes are now
+  std::string problem;    // what was wrong with them, as UndoJournalError said
+  int64_t position = -1;  // the byte where the damage was found
+};
+
 // The items of one transaction, oldest first, with its start item.
 struct TUndoTransaction {
   TStartItem start;
@@ -20,8 +34,9 @@ struct TUndoTransaction {
 //
 // File form: the 16-byte header "KorvUndo", version (32-bit), zero (32-bit); then one
 // frame per stack entry: entry kind (1 byte), data length (32-bit), the item's data, and
-// the CRC-32 of kind, length and data. Every frame is checked when read; a damaged or
-// cut file is reported with UndoJournalError and never applied.
+// the CRC-32 of kind, length and data. Every frame is checked when read, and a persistent
+// file is checked whole, frames and items, when it is opened; a damaged or cut file is
+// reported with UndoJournalError (damaged, with the byte) and never applied.
 //
 // A temporary stack lives in a new file "~*.tmp" that only this process may write: the
 // file carries a write lock on an open file description for as long as the stack lives,
@@ -30,11 +45,15 @@ class TVirtualStack {
  public:
   // A temporary stack in `directory` ("." when empty).
   explicit TVirtualStack(const std::string& directory = ".");
-  // A stack in a named file that outlives the process; an existing file is read back.
-  static std::unique_ptr<TVirtualStack> OpenPersistent(const std::string& path);
-  // Deletes persistent stacks' files without reading them (damaged ones too). When
-  // another process has one of them open, UndoJournalError is thrown and none is deleted.
-  static void RemovePersistent(const std::vector<std::string>& paths);
+  // A stack in a named file that outlives the process; an existing file is read back
+  // and checked. An empty file (as a crash right after creating it leaves) is an empty
+  // stack. A damaged file is reported or set aside as `damaged` says.
+  static std::unique_ptr<TVirtualStack> OpenPersistent(
+      const std::string& path, TDamagedFile damaged = TDamagedFile::kReport);
+  // Deletes persistent stacks' files without reading them (damaged ones too) and returns
+  // those that existed. When another process has one of them open, UndoJournalError is
+  // thrown and none is deleted.
+  static std::vector<std::string> RemovePersistent(const std::vector<std::string>& paths);
   ~TVirtualStack();
   TVirtualStack(const TVirtualStack&) = delete;
   TVirtualStack& operator=(const TVirtualStack&) = delete;
@@ -74,6 +93,8 @@ class TVirtualStack {
   void DropLastTransaction();
 
   const std::string& FileName() const { return FFileName; }
+  // The damaged file that opening moved aside, if it did.
+  const std::optional<TSetAsideFile>& SetAside() const { return FSetAside; }
   bool Modified() const { return FModified; }
   void SetModified(bool modified) { FModified = modified; }
 
@@ -83,8 +104,11 @@ class TVirtualStack {
     int64_t position;
   };
   struct PersistentTag {};
-  TVirtualStack(const std::string& path, PersistentTag);
+  TVirtualStack(const std::string& path, TDamagedFile damaged, PersistentTag);
 
+  void OpenNamed();
+  void CloseStream();
+  void MoveAside(const UndoJournalError& damage);
   void LockOrThrow();
   void WriteHeader();
   void ReadBack();
@@ -98,6 +122,8 @@ class TVirtualStack {
   void WriteAt(int64_t position, const void* data, size_t size);
   void ReadAt(int64_t position, void* data, size_t size) const;
   [[noreturn]] void Fail(const std::string& problem) const;
+  [[noreturn]] void Damaged(const std::string& problem, int64_t position) const;
+  std::string DamagedWhat(int64_t position, const char* entry) const;
 
   int FStream = -1;  // file descriptor
   std::vector<Entry> FStartList;
@@ -106,6 +132,7 @@ class TVirtualStack {
   std::string FFileName;
   int64_t FSize = 0;
   std::unique_ptr<TStartItem> FLastStartItem;
+  std::optional<TSetAsideFile> FSetAside;
 };
 
 }  // namespace korvan::data

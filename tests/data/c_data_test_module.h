@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,8 +38,27 @@ class FakeModule {
   bool refuse_delete = false;
   bool cancel_before = false;
   int next_key = 100;
+  // Told of every record change (nullptr: no record before / after), as a table tells
+  // the undo journal.
+  std::function<void(const std::string& key, const TStringList* before, const TStringList* after)>
+      on_record_change;
 
  private:
+  void Store(const std::string& key, const TStringList& values) {
+    auto it = records.find(key);
+    const std::optional<TStringList> before =
+        it == records.end() ? std::nullopt : std::optional<TStringList>(it->second);
+    records[key] = values;
+    if (on_record_change) on_record_change(key, before ? &*before : nullptr, &values);
+  }
+  void Erase(const std::string& key) {
+    auto it = records.find(key);
+    if (it == records.end()) return;
+    const TStringList before = it->second;
+    records.erase(it);
+    if (on_record_change) on_record_change(key, &before, nullptr);
+  }
+
   static std::string Join(const TStringList& values) {
     std::string text;
     for (const std::string& v : values) text += (text.empty() ? "" : "|") + v;
@@ -66,7 +87,7 @@ class FakeModule {
     };
     e.C_OnDatenSchreiben = [this](TCData& sender, int z, TStringList& t) {
       log.push_back("DatenSchreiben " + std::to_string(z) + " " + sender.GetKey(z));
-      records[sender.GetKey(z)] = t;
+      Store(sender.GetKey(z), t);
     };
     e.C_OnInitData = [this](TCData&, int z, TStringList& t) {
       log.push_back("InitData " + std::to_string(z));
@@ -84,7 +105,7 @@ class FakeModule {
         key = "K" + std::to_string(next_key++);
         sender.SetKey(z, key);
       }
-      records[key] = t;
+      Store(key, t);
     };
     e.C_OnDeleteZeile = [this](TCData&, int z, const std::string& key, TOnDeleteMode mode,
                                bool& ok) {
@@ -94,7 +115,7 @@ class FakeModule {
         ok = false;
         return;
       }
-      records.erase(key);
+      Erase(key);
       std::erase(order, key);
     };
     e.C_OnCopyData = [this](TCData&, int z, int q) {
@@ -135,7 +156,8 @@ class FakeModule {
       size_t at = std::min(order.size(), static_cast<size_t>(cdata_.CurrentRecordIndex() - 1));
       for (const std::string& key : keys) {
         std::string copy = "K" + std::to_string(next_key++);
-        records[copy] = records[key];
+        auto source = records.find(key);
+        Store(copy, source == records.end() ? TStringList{} : source->second);
         order.insert(order.begin() + static_cast<long>(at++), copy);
       }
     };
@@ -152,11 +174,14 @@ class FakeJournal : public UserActionScope {
                   caption);
   }
   void EndUndoRedo() override { log.push_back("end"); }
-  void RowMoved(int source_row, int target_row) override {
+  void RowMoved(int, int source_row, int target_row) override {
     log.push_back("moved " + std::to_string(source_row) + "->" + std::to_string(target_row));
   }
-  void RowDeleted(const std::string& key, int source_row) override {
+  void RowDeleted(int, const std::string& key, int source_row) override {
     log.push_back("deleted " + key + " " + std::to_string(source_row));
+  }
+  void RowInserted(int, const std::string& key, int target_row) override {
+    log.push_back("inserted " + key + " " + std::to_string(target_row));
   }
   std::vector<std::string> log;
 };

@@ -105,7 +105,7 @@ TEST_F(UndoTablesTest, InsertUpdateDeleteAreTakenBackByUniqueKey) {
   const Records foreign = Snapshot();
   const TUndoOutcome refused = journal_.PopRedo();
   EXPECT_EQ(refused.code, kUndoConflict);
-  EXPECT_NE(refused.error.find("changed meanwhile"), std::string::npos) << refused.error;
+  EXPECT_NE(refused.error.find("wurde inzwischen geändert"), std::string::npos) << refused.error;
   EXPECT_EQ(Snapshot(), foreign);
 }
 

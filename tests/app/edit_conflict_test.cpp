@@ -1,0 +1,127 @@
+// Storing an edited row of a master-data list when another user changed the same record
+// after the row was read: refused without --force, stored with it.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "app/data_module_registry.h"
+#include "app/installation.h"
+#include "app/master_data_session.h"
+#include "data/db_groups.h"
+#include "data/list_operation.h"
+#include "data/std_db.h"
+#include "data/tb_waehrung.h"
+#include "testing/run_korvan.h"
+#include "testing/temp_dir.h"
+
+namespace korvan::app {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kBez = 2;     // column "Währung"
+constexpr int kFaktor = 4;  // column "Faktor"
+
+// The master data of the installation opened as another user ("BOB") would: a database
+// object and table of its own on the same files.
+class OtherUser {
+ public:
+  explicit OtherUser(const fs::path& base) {
+    const Installation installation = LoadInstallation(base);
+    files_ = std::make_unique<data::DatabaseFiles>(installation.machine.ToDatabaseDirectories());
+    const data::DatabaseFile* stamm = files_->Find("DB_Stamm", data::kPathStammdaten);
+    EXPECT_NE(stamm, nullptr);
+    db_ = std::make_unique<data::TStdDb>(*stamm);
+    db_->SetModifiedById("BOB");
+    opened_ = db_->DbOpen(true);
+  }
+  ~OtherUser() {
+    if (opened_ == 0) db_->DbClose();
+  }
+  int opened() const { return opened_; }
+  // Renames the currency with unique key `key`; 0 when written.
+  int Rename(const std::string& key, const std::string& name) {
+    data::TTbWaehrung table(*db_);
+    if (!table.GetKey(key, '1')) return -1;
+    table.Rec().Bez.Set(name);
+    return table.UpDateRec();
+  }
+  std::string NameOf(const std::string& key) {
+    data::TTbWaehrung table(*db_);
+    return table.GetKey(key, '1') ? table.Rec().Bez.Get() : std::string("<fehlt>");
+  }
+
+ private:
+  std::unique_ptr<data::DatabaseFiles> files_;
+  std::unique_ptr<data::TStdDb> db_;
+  int opened_ = -1;
+};
+
+// Conflicts are only detected while the kernel's detection is on, as a shared
+// installation configures it.
+class DetectionOn {
+ public:
+  DetectionOn() : previous_(data::TStdDb::DisableConcurrencyDetection()) {
+    data::TStdDb::RestoreConcurrencyDetection(true);
+  }
+  ~DetectionOn() { data::TStdDb::RestoreConcurrencyDetection(previous_); }
+
+ private:
+  bool previous_;
+};
+
+// The row of the list that shows `name` in column "Währung"; 0 if none.
+int RowNamed(data::TCData& cdata, const std::string& name) {
+  for (int row = 1; row <= cdata.GetRmax(); ++row) {
+    if (cdata.Data2Screen(row)[kBez] == name) return row;
+  }
+  return 0;
+}
+
+TEST(EditConflict, ARecordChangedByAnotherUserIsRefusedUnlessOverwriteIsAnswered) {
+  korvan::testing::TempDir dir;
+  const fs::path base = dir.path() / "sample";
+  ASSERT_EQ(korvan::testing::RunKorvanBinary({"demo", "-d", base.string()}).exit_code, 0);
+  const DetectionOn detection;
+
+  for (const bool overwrite : {false, true}) {
+    SCOPED_TRACE(overwrite ? "overwrite" : "refuse");
+    MasterDataSession session(base.string(), overwrite);
+    const std::unique_ptr<DataModuleHandle> module = MakeDataModule("waehrung", session.Db());
+    ASSERT_NE(module, nullptr);
+    data::TCData& cdata = module->CData();
+    const std::string shown_name = overwrite ? "Franken (Bob)" : "Schweizer Franken";
+    const int row = RowNamed(cdata, shown_name);
+    ASSERT_GT(row, 0);
+    const std::string key = cdata.GetKey(row);
+    // This user opens the row for editing, as the mask does.
+    ASSERT_EQ(cdata.ListOperation(row, data::loChangeRecordIndex), data::TListOpResult::Done);
+    data::TStringList values = cdata.CurrentRecord();
+    values[kFaktor] = overwrite ? "0,99" : "0,97";
+
+    OtherUser bob(base);
+    ASSERT_EQ(bob.opened(), 0);
+    ASSERT_EQ(bob.Rename(key, overwrite ? "Franken (neu)" : "Franken (Bob)"), 0);
+
+    cdata.SetUndoJournal(&session.Actions());
+    const data::TScreen2DataResult result = cdata.Screen2Data(row, values);
+    cdata.SetUndoJournal(nullptr);
+    if (!overwrite) {
+      EXPECT_EQ(result, data::TScreen2DataResult::Refused);
+      const std::string& why = module->LastError();
+      EXPECT_NE(why.find("BOB"), std::string::npos) << why;
+      EXPECT_NE(why.find("geändert"), std::string::npos) << why;
+      EXPECT_EQ(bob.NameOf(key), "Franken (Bob)");  // the other user's change stays
+      EXPECT_TRUE(session.Journal().Empty());       // nothing stored, nothing to undo
+    } else {
+      EXPECT_EQ(result, data::TScreen2DataResult::Stored) << module->LastError();
+      EXPECT_EQ(bob.NameOf(key), "Franken (Bob)");  // this user's row overwrote it
+      EXPECT_EQ(session.Journal().UndoCaptions().size(), 1u);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace korvan::app
