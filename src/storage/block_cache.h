@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "storage/btree_walk_hint.h"
 #include "storage/cache_monitoring.h"
 #include "storage/cache_usage_error.h"
 
@@ -70,6 +71,13 @@ class FileCache {
   virtual const std::string& FileName() const = 0;
   // The statistics of this cache, or nullptr when it was opened without monitoring.
   virtual const CacheMonitor* Monitoring() const { return nullptr; }
+
+  // Where the last search or in-order step on this file as a key file ended. It lives
+  // and dies with the registration; the key-file layer checks it before every use.
+  WalkHint& walk_hint() { return walk_hint_; }
+
+ private:
+  WalkHint walk_hint_;
 };
 
 // The process-wide block cache: one FileCache per registration number, all of the kind

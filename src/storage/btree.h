@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "storage/block_cache.h"
+#include "storage/btree_walk_hint.h"
 #include "storage/key_block_pins.h"
 #include "storage/key_file.h"
 #include "storage/key_file_header.h"
@@ -30,10 +31,12 @@ class BTree {
   int KeyLength(int* key_length);
   int Insert(const KeyEntry& entry);
   int Delete(const KeyEntry& entry);
-  int FirstMatch(KeyEntry& entry);
-  int LastMatch(KeyEntry& entry);
-  int Next(KeyEntry& cursor);
-  int Prev(KeyEntry& cursor);
+  // `hint` is where the previous search or step of this registration ended; each of these
+  // sets it to where it ends (see btree_walk_hint.h).
+  int FirstMatch(KeyEntry& entry, WalkHint& hint);
+  int LastMatch(KeyEntry& entry, WalkHint& hint);
+  int Next(KeyEntry& cursor, WalkHint& hint);
+  int Prev(KeyEntry& cursor, WalkHint& hint);
   int MatchesCount(const uint8_t* pattern, int significant_length, bool count_tilde,
                    uint32_t* count);
   int MatchesList(const uint8_t* pattern, int significant_length, bool count_tilde,
@@ -71,10 +74,14 @@ class BTree {
   int PinNeighbour(const PathStep& parent_step, int* slot);
 
   // First/last match: descends towards the leftmost or rightmost match.
-  int FindMatch(KeyEntry& entry, bool last);
+  int FindMatch(KeyEntry& entry, bool last, WalkHint& hint);
   // Next/previous: the in-order neighbour of the cursor's pair.
-  int Step(KeyEntry& cursor, bool forward);
-  int DescendToEdge(uint32_t node, int depth, bool leftmost, Entry* result);
+  int Step(KeyEntry& cursor, bool forward, WalkHint& hint);
+  // The step inside the hinted leaf, when the leaf qualifies; false to descend instead.
+  bool StepInHintedLeaf(const KeyEntry& cursor, bool forward, WalkHint& hint, Entry* result);
+  // The first (leftmost) or last entry of the subtree at `node`; *leaf receives the leaf
+  // block that holds it and its index there.
+  int DescendToEdge(uint32_t node, int depth, bool leftmost, Entry* result, WalkHint* leaf);
 
   // In-order walk over the entries matching the first `length` bytes of the pattern;
   // `visit(node, i)` returns false to stop.

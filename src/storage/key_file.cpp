@@ -20,17 +20,18 @@ FileCache& CacheOf(int registration) {
 // header (which stays pinned for the operation); other versions give 4232.
 template <class Operation>
 int Dispatch(int registration, Operation operation) {
-  BlockPins pins(CacheOf(registration), KeyFileV3::kFatalCaption, KeyFileV3::kStepPrefix);
+  FileCache& cache = CacheOf(registration);
+  BlockPins pins(cache, KeyFileV3::kFatalCaption, KeyFileV3::kStepPrefix);
   int slot = 0;
   if (const int rc = pins.Read(0, &slot); rc != kOk) return rc;
   const uint8_t version = pins.data(slot)[0];
   if (version == KeyFileV3::kVersion) {
     BTree<KeyFileV3> tree(pins);
-    return operation(tree);
+    return operation(tree, cache.walk_hint());
   }
   if (version == KeyFileV2::kVersion) {
     BTree<KeyFileV2> tree(pins);
-    return operation(tree);
+    return operation(tree, cache.walk_hint());
   }
   return kKeyFileUnknownVersion;
 }
@@ -57,6 +58,7 @@ int KeyFileInit(int version, int registration, int key_length) {
     return kKeyLengthOutOfRange;
   }
   FileCache& cache = CacheOf(registration);
+  cache.walk_hint() = WalkHint{};
   return version == KeyFileV3::kVersion ? WriteEmptyHeader<KeyFileV3>(cache, key_length)
                                         : WriteEmptyHeader<KeyFileV2>(cache, key_length);
 }
@@ -71,44 +73,56 @@ int KeyFileVersion(int registration, int* version) {
 }
 
 int KeyFileKeyLength(int registration, int* key_length) {
-  return Dispatch(registration, [&](auto& tree) { return tree.KeyLength(key_length); });
+  return Dispatch(registration, [&](auto& tree, WalkHint&) { return tree.KeyLength(key_length); });
 }
 
 int KeyInsert(int registration, const KeyEntry& entry) {
-  return Dispatch(registration, [&](auto& tree) { return tree.Insert(entry); });
+  // A walk after a change starts from the root.
+  return Dispatch(registration, [&](auto& tree, WalkHint& hint) {
+    hint = WalkHint{};
+    return tree.Insert(entry);
+  });
 }
 
 int KeyDelete(int registration, const KeyEntry& entry) {
-  return Dispatch(registration, [&](auto& tree) { return tree.Delete(entry); });
+  // A walk after a change starts from the root.
+  return Dispatch(registration, [&](auto& tree, WalkHint& hint) {
+    hint = WalkHint{};
+    return tree.Delete(entry);
+  });
 }
 
 int KeyFirstMatch(int registration, KeyEntry& entry) {
-  return Dispatch(registration, [&](auto& tree) { return tree.FirstMatch(entry); });
+  return Dispatch(registration,
+                  [&](auto& tree, WalkHint& hint) { return tree.FirstMatch(entry, hint); });
 }
 
 int KeyLastMatch(int registration, KeyEntry& entry) {
-  return Dispatch(registration, [&](auto& tree) { return tree.LastMatch(entry); });
+  return Dispatch(registration,
+                  [&](auto& tree, WalkHint& hint) { return tree.LastMatch(entry, hint); });
 }
 
 int KeyNext(int registration, KeyEntry& cursor) {
-  return Dispatch(registration, [&](auto& tree) { return tree.Next(cursor); });
+  return Dispatch(registration,
+                  [&](auto& tree, WalkHint& hint) { return tree.Next(cursor, hint); });
 }
 
 int KeyPrev(int registration, KeyEntry& cursor) {
-  return Dispatch(registration, [&](auto& tree) { return tree.Prev(cursor); });
+  return Dispatch(registration,
+                  [&](auto& tree, WalkHint& hint) { return tree.Prev(cursor, hint); });
 }
 
 int MatchesCount(int registration, const uint8_t* pattern, int significant_length, bool count_tilde,
                  uint32_t* count) {
   *count = 0;
-  return Dispatch(registration, [&](auto& tree) {
+  return Dispatch(registration, [&](auto& tree, WalkHint&) {
     return tree.MatchesCount(pattern, significant_length, count_tilde, count);
   });
 }
 
 int MatchesList(int registration, const uint8_t* pattern, int significant_length, bool count_tilde,
                 std::vector<uint32_t>* positions) {
-  return Dispatch(registration, [&]<class Tree>(Tree& tree) {
+  return Dispatch(registration, [&]<class Tree>(Tree& tree, WalkHint&) {
     // Older key files do not offer the list.
     if constexpr (std::is_same_v<Tree, BTree<KeyFileV2>>) {
       return kKeyFileUnknownVersion;
@@ -121,7 +135,7 @@ int MatchesList(int registration, const uint8_t* pattern, int significant_length
 int KeyMatchEx(int registration, const uint8_t* pattern, int significant_length, uint32_t position,
                bool* found, uint8_t* key_out) {
   *found = false;
-  return Dispatch(registration, [&](auto& tree) {
+  return Dispatch(registration, [&](auto& tree, WalkHint&) {
     return tree.MatchEx(pattern, significant_length, position, found, key_out);
   });
 }
