@@ -4,27 +4,10 @@
 #include <cstdio>
 
 #include "data/data_integrity.h"
+#include "data/message_format.h"
 #include "storage/result_codes.h"
 
 namespace korvan::data {
-namespace {
-
-std::string Printf(const char* format, auto... args) {
-  char text[512];
-  const int length = std::snprintf(text, sizeof text, format, args...);
-  return std::string(text, static_cast<size_t>(std::clamp(length, 0, 511)));
-}
-
-// A code letter as shown between quotes: control bytes are not shown.
-std::string Letter(char value) {
-  return static_cast<uint8_t>(value) < 0x20 ? std::string() : std::string(1, value);
-}
-
-unsigned Code(char value) {
-  return static_cast<uint8_t>(value);
-}
-
-}  // namespace
 
 // --- Check items -------------------------------------------------------------------
 

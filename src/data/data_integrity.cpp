@@ -5,6 +5,7 @@
 #include <map>
 
 #include "data/data_check.h"
+#include "data/message_format.h"
 #include "data/table_key.h"
 #include "storage/data_file_check.h"
 #include "storage/db_error_translate.h"
@@ -31,21 +32,6 @@ TDiSubLogItem ErrorItem(std::string data, std::string conclusion, std::string ac
 
 std::string KernelText(int code) {
   return std::to_string(code) + " " + storage::TDBErrorTranslate().GetErrorString(code);
-}
-
-std::string Printf(const char* format, auto... args) {
-  char text[512];
-  const int length = std::snprintf(text, sizeof text, format, args...);
-  return std::string(text, static_cast<size_t>(std::clamp(length, 0, 511)));
-}
-
-// A type letter as shown between quotes: control bytes are not shown.
-std::string Letter(char value) {
-  return static_cast<uint8_t>(value) < 0x20 ? std::string() : std::string(1, value);
-}
-
-unsigned Code(char value) {
-  return static_cast<uint8_t>(value);
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include <stdexcept>
 
 #include "data/duplicate_guids.h"
+#include "data/message_format.h"
 #include "data/table_key.h"
 #include "storage/db_error_translate.h"
 #include "storage/db_kernel.h"
@@ -32,12 +33,6 @@ constexpr int kVersionOffset = 40;
 constexpr int kVersionAndStampSize = 12;  // file version and time stamp
 constexpr char kTempGroup[] = "DB_TEMP";
 constexpr char kCommitSuffix[] = ".commit";
-
-std::string Printf(const char* format, auto... args) {
-  char text[512];
-  const int length = std::snprintf(text, sizeof text, format, args...);
-  return std::string(text, static_cast<size_t>(std::clamp(length, 0, 511)));
-}
 
 std::string SystemError(const std::string& what, const std::string& path) {
   return what + " \"" + path + "\": " + std::strerror(errno);

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <string>
 
+#include "data/message_format.h"
 #include "data/std_tb.h"
 #include "data/table_key.h"
 #include "storage/db_kernel.h"
@@ -14,12 +15,6 @@ namespace korvan::data {
 namespace {
 
 constexpr int32_t kFirstRecordPosition = 80;
-
-std::string Printf(const char* format, auto... args) {
-  char text[256];
-  const int length = std::snprintf(text, sizeof text, format, args...);
-  return std::string(text, static_cast<size_t>(length < 0 ? 0 : std::min(length, 255)));
-}
 
 bool IsTableLetter(char letter) {
   return letter >= 'A' && letter <= 'Z';

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "data/message_format.h"
 #include "data/table_key.h"
 #include "storage/db_error_translate.h"
 #include "storage/db_kernel.h"
@@ -24,12 +25,6 @@ TDbRecordHeader HeaderOf(RecordView record) {
   TDbRecordHeader header{};
   std::memcpy(&header, record.data(), std::min(record.size(), sizeof header));
   return header;
-}
-
-std::string Printf(const char* format, auto... args) {
-  char text[512];
-  const int length = std::snprintf(text, sizeof text, format, args...);
-  return std::string(text, static_cast<size_t>(std::clamp(length, 0, 511)));
 }
 
 // FNV-1a: the same name in every process for the same key.

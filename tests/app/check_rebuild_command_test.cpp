@@ -43,12 +43,9 @@ namespace korvan {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::Contains;
 using testing::ProgramResult;
 using testing::RunKorvanBinary;
-
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
 
 // What a sanitizer or an uncaught exception leaves on standard error.
 bool Crashed(const ProgramResult& result) {

@@ -8,6 +8,7 @@
 
 #include "app/installation.h"
 #include "app/korvan_main.h"
+#include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::app {
@@ -36,9 +37,7 @@ std::string ReadAll(const fs::path& path) {
   return text.str();
 }
 
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
+using testing::Contains;
 
 TEST(ConfigCommand, ShowsTheDefaultsOfAFreshInstallation) {
   TempDir base;

@@ -51,9 +51,7 @@ void Patch(const std::string& path, int64_t offset, const std::vector<uint8_t>& 
              static_cast<std::streamsize>(bytes.size()));
 }
 
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
+using testing::Contains;
 
 TEST(DbCommand, ShellMadeDatabaseIsDescribedByInfoDumpKeysAndCheck) {
   testing::TempDir dir;

@@ -13,12 +13,9 @@ namespace korvan {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::Contains;
 using testing::ProgramResult;
 using testing::RunKorvanBinary;
-
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
 
 fs::path Install(const testing::TempDir& dir) {
   const fs::path base = dir.path() / "ava";

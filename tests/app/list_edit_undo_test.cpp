@@ -18,12 +18,9 @@ namespace korvan::app {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::Contains;
 using testing::ProgramResult;
 using testing::RunKorvanBinary;
-
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
 
 // The row number `korvan list` shows in front of the line that holds `text`; 0 if none.
 int RowOf(const std::string& listing, const std::string& text) {

@@ -16,4 +16,9 @@ struct ProgramResult {
 // with the given arguments and optional standard input.
 ProgramResult RunKorvanBinary(const std::vector<std::string>& args, const std::string& input = "");
 
+// Whether a program's output contains `part`.
+inline bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
 }  // namespace korvan::testing
