@@ -23,16 +23,6 @@ namespace korvan::app {
 namespace fs = std::filesystem;
 namespace {
 
-fs::path RequireInstallation(const std::string& base_dir) {
-  const fs::path base = fs::absolute(base_dir).lexically_normal();
-  std::error_code error;
-  if (!fs::is_directory(base / kSystemFolderName, error)) {
-    throw CommandError("in \"" + base.string() + "\" ist keine Installation eingerichtet (" +
-                       "\"korvan init -d " + base.string() + "\")");
-  }
-  return base;
-}
-
 std::string HostName() {
   char name[HOST_NAME_MAX + 1] = {};
   return ::gethostname(name, sizeof name - 1) == 0 ? std::string(name) : std::string();

@@ -156,22 +156,10 @@ class InfoReport {
   std::vector<std::string> checked_files_;
 };
 
-void RequireInstallation(const fs::path& base) {
-  std::error_code error;
-  if (!fs::is_directory(base, error)) {
-    throw CommandError("Basisverzeichnis \"" + base.string() + "\" gibt es nicht");
-  }
-  if (!fs::is_directory(base / kSystemFolderName, error)) {
-    throw CommandError("in \"" + base.string() + "\" ist keine Installation eingerichtet (" +
-                       "\"korvan init -d " + base.string() + "\")");
-  }
-}
-
 }  // namespace
 
 int RunInfo(const std::string& base_dir, Streams& streams) {
-  const fs::path base = fs::absolute(base_dir).lexically_normal();
-  RequireInstallation(base);
+  const fs::path base = RequireInstallation(base_dir);
   Installation installation = LoadInstallation(base);
   OpenCurrentProject(installation);
   const data::TMachineConfig& machine = installation.machine;

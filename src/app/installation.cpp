@@ -1,5 +1,6 @@
 #include "app/installation.h"
 
+#include "app/command_error.h"
 #include "data/helvio_ini.h"
 
 #ifndef KORVAN_VERSION
@@ -31,6 +32,19 @@ Installation LoadInstallation(const std::filesystem::path& base_dir) {
 
 std::filesystem::path HelvioIniFile(const data::TMachineConfig& machine) {
   return data::THelvioIni::FindIn(machine.SystemDirectory());
+}
+
+std::filesystem::path RequireInstallation(const std::string& base_dir) {
+  const std::filesystem::path base = std::filesystem::absolute(base_dir).lexically_normal();
+  std::error_code error;
+  if (!std::filesystem::is_directory(base, error)) {
+    throw CommandError("Basisverzeichnis \"" + base.string() + "\" gibt es nicht");
+  }
+  if (!std::filesystem::is_directory(base / kSystemFolderName, error)) {
+    throw CommandError("in \"" + base.string() + "\" ist keine Installation eingerichtet (" +
+                       "\"korvan init -d " + base.string() + "\")");
+  }
+  return base;
 }
 
 }  // namespace korvan::app

@@ -31,6 +31,10 @@ data::TMachineEnvironment InstallationEnvironment(const std::filesystem::path& b
 // EAvaConfigError when a file exists but cannot be read or is of the wrong kind.
 Installation LoadInstallation(const std::filesystem::path& base_dir);
 
+// `base_dir` made absolute, after checking that it is there and holds an installation;
+// otherwise a CommandError that names the directory and how to set one up.
+std::filesystem::path RequireInstallation(const std::string& base_dir);
+
 // The shared configuration file "Helvio.ini" of an installation: it lives in the system
 // directory, which every user of the data directory shares.
 std::filesystem::path HelvioIniFile(const data::TMachineConfig& machine);

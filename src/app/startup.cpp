@@ -1,9 +1,9 @@
 #include "app/startup.h"
 
 #include <algorithm>
-#include <cctype>
 #include <ostream>
 
+#include "data/ascii_text.h"
 #include "data/helvio_ini.h"
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_locks.h"
@@ -15,13 +15,6 @@ namespace {
 
 // A running instance that is ending gets this long to let go of its lock.
 constexpr std::chrono::milliseconds kEndingInstanceWait{5000};
-
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return std::tolower(static_cast<unsigned char>(x)) ==
-                  std::tolower(static_cast<unsigned char>(y));
-         });
-}
 
 std::string_view WithoutSwitchPrefix(std::string_view parameter) {
   if (parameter.starts_with("--")) return parameter.substr(2);
@@ -43,7 +36,7 @@ std::vector<std::string> Parameters(const StartupOptions& options) {
 
 bool HasSwitch(const std::vector<std::string>& parameters, std::string_view name) {
   return std::any_of(parameters.begin(), parameters.end(), [name](const std::string& parameter) {
-    return EqualsIgnoringCase(WithoutSwitchPrefix(parameter), name);
+    return data::EqualsIgnoringCase(WithoutSwitchPrefix(parameter), name);
   });
 }
 

@@ -1,9 +1,9 @@
 #include "data/data_reorg.h"
 
-#include <ctime>
 #include <set>
 
 #include "data/database_recovery.h"
+#include "data/stamped_path.h"
 #include "data/std_db_datas.h"
 #include "storage/data_file_check.h"
 #include "storage/key_tree_check.h"
@@ -33,26 +33,6 @@ CheckSummary Summarize(const TDataIntegrity& run) {
     entry.second += item.ProblemCount();
   }
   return summary;
-}
-
-std::string TimeStamp() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  char text[32];
-  std::strftime(text, sizeof text, "%Y%m%d_%H%M%S", &local);
-  return text;
-}
-
-// A folder below `root` that does not exist yet: "Reorg_<time>", numbered when a run in
-// the same second made one already.
-fs::path NewBackupFolder(const fs::path& root) {
-  const std::string name = "Reorg_" + TimeStamp();
-  fs::path folder = root / name;
-  for (int number = 2; fs::exists(folder); ++number) {
-    folder = root / (name + "_" + std::to_string(number));
-  }
-  return folder;
 }
 
 bool IsDatabaseFileName(const std::string& name) {
@@ -268,7 +248,7 @@ TReorgResult doDmDataReorgWithCopy(TdmDataRebuild& rebuild, const fs::path& back
   TReorgStep& backup = step("Datensicherung vor Reorganisieren");
   std::vector<BackedUpFile> saved;
   try {
-    result.backup_folder = NewBackupFolder(backup_root);
+    result.backup_folder = NewStampedPath(backup_root, "Reorg_", "");
     saved = BackUp(files, result.backup_folder);
     for (const BackedUpFile& file : saved) {
       backup.details.push_back(file.original.string() + " -> " + file.copy.string());

@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "data/ascii_text.h"
 #include "data/config_error.h"
 #include "data/cp1252.h"
 
@@ -18,13 +19,6 @@ namespace {
 constexpr std::string_view kUtf8Bom = "\xEF\xBB\xBF";
 // Configuration files are a few kilobytes; anything this large is not one of them.
 constexpr std::size_t kMaxFileSize = 16 * 1024 * 1024;
-
-std::string_view Trim(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  const auto last = text.find_last_not_of(" \t");
-  return text.substr(first, last - first + 1);
-}
 
 // Windows drops one pair of double quotes around a value; writing quotes around values
 // that need them makes leading and trailing blanks survive a round trip.

@@ -6,9 +6,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <ctime>
 #include <sstream>
 #include <stdexcept>
+
+#include "data/stamped_path.h"
 
 namespace korvan::data {
 namespace fs = std::filesystem;
@@ -41,25 +42,6 @@ void WriteSubItem(const TDiSubLogItem& item, std::ostream& out) {
   for (const std::string& property : item.FProperties) out << "            " << property << "\r\n";
   out << "      Folgerung: <" << item.FConclusion << ">\r\n";
   out << "      Aktion: <" << item.FAction << ">\r\n";
-}
-
-std::string TimeStampText() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  char text[32];
-  std::strftime(text, sizeof text, "%Y%m%d_%H%M%S", &local);
-  return text;
-}
-
-// A file name in the folder that no earlier log took.
-fs::path FreeLogName(const fs::path& folder) {
-  const std::string stamp = TimeStampText();
-  fs::path path = folder / ("Integrity_" + stamp + ".log");
-  for (int n = 2; fs::exists(path); ++n) {
-    path = folder / ("Integrity_" + stamp + "_" + std::to_string(n) + ".log");
-  }
-  return path;
 }
 
 [[noreturn]] void Fail(const fs::path& path, const char* what) {
@@ -100,7 +82,7 @@ fs::path AddLogToFile(const std::vector<TDiLogItem>& items, const fs::path& fold
   fs::create_directories(folder, error);
   std::ostringstream text;
   AddLogToStream(items, text);
-  const fs::path path = FreeLogName(folder);
+  const fs::path path = NewStampedPath(folder, "Integrity_", ".log");
   fs::path temporary = path;
   temporary += ".tmp";
   WriteDurably(temporary, text.str());

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstdio>
 
+#include "data/ascii_text.h"
 #include "data/config_error.h"
 #include "data/int_date.h"
 
@@ -13,15 +14,6 @@ namespace {
 constexpr std::string_view kOpen = "{*";
 constexpr std::string_view kClose = "*}";
 constexpr int kMaxWidth = 20;
-
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    auto upper = [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; };
-    if (upper(a[i]) != upper(b[i])) return false;
-  }
-  return true;
-}
 
 // "%W.P+" or "&W.P+" without the prefix.
 struct CounterFormat {
