@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
@@ -10,51 +8,82 @@
 namespace korvan {
 namespace {
 
+using testing::Contains;
 using testing::RunKorvanBinary;
 
 TEST(CommandLine, HelpAndVersion) {
-  auto help = RunKorvanBinary({"--help"});
-  EXPECT_EQ(help.exit_code, 0);
-  EXPECT_NE(help.out.find("demo"), std::string::npos) << help.out;
-  EXPECT_NE(help.out.find("help"), std::string::npos);
-
-  auto version = RunKorvanBinary({"--version"});
-  EXPECT_EQ(version.exit_code, 0);
-  EXPECT_EQ(version.out.rfind("korvan ", 0), 0u) << version.out;
-
-  auto command_help = RunKorvanBinary({"help", "demo"});
-  EXPECT_EQ(command_help.exit_code, 0);
-  EXPECT_NE(command_help.out.find("--data"), std::string::npos) << command_help.out;
+  testing::ExpectKorvan({"--help"}, 0, {"demo"});
+  testing::ExpectKorvan({"help", "demo"}, 0, {"--data"});
+  EXPECT_EQ(testing::ExpectKorvan({"--version"}, 0).out.rfind("korvan ", 0), 0u);
 }
 
-TEST(CommandLine, WrongCallsExitWithTwoAndNameTheCulprit) {
-  auto unknown = RunKorvanBinary({"frobnicate"});
-  EXPECT_EQ(unknown.exit_code, 2);
-  EXPECT_NE(unknown.err.find("frobnicate"), std::string::npos) << unknown.err;
-  EXPECT_EQ(std::count(unknown.err.begin(), unknown.err.end(), '\n'), 1) << unknown.err;
-  EXPECT_TRUE(unknown.out.empty());
-
-  auto bad_option = RunKorvanBinary({"demo", "--bogus"});
-  EXPECT_EQ(bad_option.exit_code, 2);
-  EXPECT_NE(bad_option.err.find("--bogus"), std::string::npos) << bad_option.err;
-
-  auto unknown_help = RunKorvanBinary({"help", "frobnicate"});
-  EXPECT_EQ(unknown_help.exit_code, 2);
-  EXPECT_NE(unknown_help.err.find("frobnicate"), std::string::npos);
-}
-
-TEST(CommandLine, DemoCreatesItsDataDirectoryAndFailsCleanlyWhereItCannot) {
+// Every wrong call exits with 2, names what was wrong (where there is a culprit) and
+// changes nothing in the installation.
+TEST(CommandLine, WrongCallsExitWithTwoNameTheCulpritAndChangeNothing) {
   testing::TempDir dir;
-  auto target = (dir.path() / "sample").string();
-  auto demo = RunKorvanBinary({"demo", "-d", target});
-  EXPECT_EQ(demo.exit_code, 0) << demo.err;
-  EXPECT_TRUE(std::filesystem::is_directory(target));
-
-  // A data directory below a plain file cannot be created: a failure of the work.
-  std::ofstream(dir.File("plain")) << "x";
-  auto blocked = RunKorvanBinary({"demo", "-d", dir.File("plain") + "/sub"});
-  EXPECT_EQ(blocked.exit_code, 1);
-  EXPECT_NE(blocked.err.find("plain/sub"), std::string::npos) << blocked.err;
+  const std::string base = testing::MakeInstallation(dir).string();
+  const std::string stamm = base + "/STAMMDATEN/DB_Stamm.QE";
+  const std::string db = dir.File("t");
+  const auto before = testing::FileContents(base);
+  struct Case {
+    std::vector<std::string> args;
+    std::vector<std::string> named;
+  };
+  const Case cases[] = {
+      {{"frobnicate"}, {"frobnicate"}},
+      {{"demo", "--bogus"}, {"--bogus"}},
+      {{"help", "frobnicate"}, {"frobnicate"}},
+      {{"db"}, {}},
+      {{"db", "frobnicate", db}, {}},
+      {{"db", "info"}, {}},
+      {{"db", "create", db, "--type", "TT", "--keylen", "20"}, {"TT"}},
+      {{"db", "create", db, "--type", "T", "--keylen", "11"}, {"11"}},
+      {{"db", "create", db, "--keylen", "20"}, {"--type"}},
+      {{"db", "dump", "--table", "WE", stamm}, {"WE"}},
+      {{"init", "-d", dir.File("neu"), "--project", "../nebenan"}, {"../nebenan"}},
+      {{"check", "-d", base, "--group", "DB_Gibtsnicht"}, {"DB_Gibtsnicht"}},
+      {{"config", "-d", base}, {}},
+      {{"config", "show", "--user", "--system", "-d", base}, {}},
+      {{"config", "set", "-d", base, "Strings.OZFormat"}, {}},
+      {{"config", "set", "-d", base, "OZFormat", "1.PPPP"}, {"<Abschnitt>.<Schlüssel>"}},
+      {{"config", "set", "-d", base, "Numerics.Gibtsnicht", "1"},
+       {"unbekannter Schlüssel \"Numerics.Gibtsnicht\""}},
+      // The option narrows the search for the key to one file.
+      {{"config", "set", "--user", "-d", base, "Strings.OZFormat", "1.PPPP"}, {"OZFormat"}},
+      {{"list", "kunden", "-d", base}, {"\"kunden\""}},
+      {{"edit", "kunden", "1", "Land=X", "-d", base}, {"\"kunden\""}},
+      {{"edit", "waehrung", "99", "Land=X", "-d", base}, {"Zeile 99"}},
+      {{"edit", "waehrung", "1", "Farbe=rot", "-d", base}, {"\"Farbe\""}},
+      {{"edit", "waehrung", "1", "Faktor=viel", "-d", base}, {"\"Faktor\"", "Zahl"}},
+      {{"edit", "waehrung", "1", "Symbol=EURO1", "-d", base},
+       {"\"Symbol\"", "höchstens 4 Zeichen"}},
+      {{"edit", "waehrung", "1", "kzBasis=vielleicht", "-d", base}, {"\"kzBasis\"", "J oder N"}},
+      {{"edit", "einheit", "1", "Preisanteile=Z", "-d", base}, {"\"Preisanteile\"", "1 2 3 A B"}},
+      {{"edit", "waehrung", "1", "Land", "-d", base}, {"\"Land\"", "Zuweisung"}},
+      {{"undo", "--list", "--clear", "-d", base}, {}},
+      {{"redo", "--list", "-d", base}, {}},
+  };
+  for (const Case& c : cases) {
+    const testing::ProgramResult result = RunKorvanBinary(c.args);
+    const std::string call = c.args[0] + " " + (c.args.size() > 1 ? c.args[1] : "");
+    EXPECT_EQ(result.exit_code, 2) << call << ": " << result.err;
+    EXPECT_FALSE(result.err.empty()) << call;
+    EXPECT_FALSE(testing::Crashed(result)) << call << ": " << result.err;
+    EXPECT_TRUE(result.out.empty()) << call << ": " << result.out;
+    for (const std::string& name : c.named) {
+      EXPECT_TRUE(Contains(result.err, name)) << call << ": " << name << " in " << result.err;
+    }
+  }
+  // A refused edit may leave an empty undo journal behind, but records no step.
+  auto after = testing::FileContents(base);
+  std::erase_if(after, [](const auto& entry) { return entry.first.ends_with(".QUJ"); });
+  for (const auto& [path, content] : after) {
+    EXPECT_TRUE(before.count(path) && before.at(path) == content) << path << " changed";
+  }
+  EXPECT_EQ(after.size(), before.size());
+  testing::ExpectKorvan({"undo", "-d", base}, 1, {"Es gibt nichts rückgängig zu machen"});
+  EXPECT_FALSE(std::filesystem::exists(db + "0"));
+  EXPECT_FALSE(std::filesystem::exists(dir.File("neu")));
 }
 
 }  // namespace

@@ -24,39 +24,23 @@ namespace fs = std::filesystem;
 constexpr int kBez = 2;     // column "Währung"
 constexpr int kFaktor = 4;  // column "Faktor"
 
-// The master data of the installation opened as another user ("BOB") would: a database
-// object and table of its own on the same files.
-class OtherUser {
- public:
-  explicit OtherUser(const fs::path& base) {
-    const Installation installation = LoadInstallation(base);
-    files_ = std::make_unique<data::DatabaseFiles>(installation.machine.ToDatabaseDirectories());
-    const data::DatabaseFile* stamm = files_->Find("DB_Stamm", data::kPathStammdaten);
-    EXPECT_NE(stamm, nullptr);
-    db_ = std::make_unique<data::TStdDb>(*stamm);
-    db_->SetModifiedById("BOB");
-    opened_ = db_->DbOpen(true);
+// The master data opened as another user ("BOB") would: a database object of its own on
+// the same files.
+struct OtherUser {
+  explicit OtherUser(const fs::path& base)
+      : db(*data::DatabaseFiles(LoadInstallation(base).machine.ToDatabaseDirectories())
+                .Find("DB_Stamm", data::kPathStammdaten)) {
+    db.SetModifiedById("BOB");
   }
-  ~OtherUser() {
-    if (opened_ == 0) db_->DbClose();
+  // The name of the currency with unique key `key`, renamed first when `new_name` is given.
+  std::string Name(const std::string& key, const std::string& new_name = "") {
+    data::TTbWaehrung table(db);
+    if (!table.GetKey(key, '1')) return "<fehlt>";
+    if (new_name.empty()) return table.Rec().Bez.Get();
+    table.Rec().Bez.Set(new_name);
+    return table.UpDateRec() == 0 ? new_name : "<nicht geschrieben>";
   }
-  int opened() const { return opened_; }
-  // Renames the currency with unique key `key`; 0 when written.
-  int Rename(const std::string& key, const std::string& name) {
-    data::TTbWaehrung table(*db_);
-    if (!table.GetKey(key, '1')) return -1;
-    table.Rec().Bez.Set(name);
-    return table.UpDateRec();
-  }
-  std::string NameOf(const std::string& key) {
-    data::TTbWaehrung table(*db_);
-    return table.GetKey(key, '1') ? table.Rec().Bez.Get() : std::string("<fehlt>");
-  }
-
- private:
-  std::unique_ptr<data::DatabaseFiles> files_;
-  std::unique_ptr<data::TStdDb> db_;
-  int opened_ = -1;
+  data::TStdDb db;
 };
 
 // Conflicts are only detected while the kernel's detection is on, as a shared
@@ -82,8 +66,7 @@ int RowNamed(data::TCData& cdata, const std::string& name) {
 
 TEST(EditConflict, ARecordChangedByAnotherUserIsRefusedUnlessOverwriteIsAnswered) {
   korvan::testing::TempDir dir;
-  const fs::path base = dir.path() / "sample";
-  ASSERT_EQ(korvan::testing::RunKorvanBinary({"demo", "-d", base.string()}).exit_code, 0);
+  const fs::path base = korvan::testing::MakeInstallation(dir);
   const DetectionOn detection;
 
   for (const bool overwrite : {false, true}) {
@@ -102,8 +85,9 @@ TEST(EditConflict, ARecordChangedByAnotherUserIsRefusedUnlessOverwriteIsAnswered
     values[kFaktor] = overwrite ? "0,99" : "0,97";
 
     OtherUser bob(base);
-    ASSERT_EQ(bob.opened(), 0);
-    ASSERT_EQ(bob.Rename(key, overwrite ? "Franken (neu)" : "Franken (Bob)"), 0);
+    ASSERT_EQ(bob.db.DbOpen(true), 0);
+    const std::string bobs_name = overwrite ? "Franken (neu)" : "Franken (Bob)";
+    ASSERT_EQ(bob.Name(key, bobs_name), bobs_name);
 
     cdata.SetUndoJournal(&session.Actions());
     const data::TScreen2DataResult result = cdata.Screen2Data(row, values);
@@ -113,11 +97,11 @@ TEST(EditConflict, ARecordChangedByAnotherUserIsRefusedUnlessOverwriteIsAnswered
       const std::string& why = module->LastError();
       EXPECT_NE(why.find("BOB"), std::string::npos) << why;
       EXPECT_NE(why.find("geändert"), std::string::npos) << why;
-      EXPECT_EQ(bob.NameOf(key), "Franken (Bob)");  // the other user's change stays
-      EXPECT_TRUE(session.Journal().Empty());       // nothing stored, nothing to undo
+      EXPECT_EQ(bob.Name(key), "Franken (Bob)");  // the other user's change stays
+      EXPECT_TRUE(session.Journal().Empty());     // nothing stored, nothing to undo
     } else {
       EXPECT_EQ(result, data::TScreen2DataResult::Stored) << module->LastError();
-      EXPECT_EQ(bob.NameOf(key), "Franken (Bob)");  // this user's row overwrote it
+      EXPECT_EQ(bob.Name(key), "Franken (Bob)");  // this user's row overwrote it
       EXPECT_EQ(session.Journal().UndoCaptions().size(), 1u);
     }
   }

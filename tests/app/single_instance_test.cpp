@@ -1,6 +1,5 @@
 #include "app/single_instance.h"
 
-#include <fcntl.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -8,10 +7,7 @@
 
 #include <atomic>
 #include <chrono>
-#include <cstdlib>
-#include <fstream>
 #include <optional>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -21,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include "app_test_support.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 
@@ -30,90 +27,47 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
-using korvan::testing::RunKorvanBinary;
+using korvan::testing::Contains;
+using korvan::testing::ExpectKorvan;
 using korvan::testing::TempDir;
 
 constexpr auto kPollInterval = 5ms;
 constexpr auto kProcessLimit = 20s;
 
-std::string ReadAll(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-// The user's runtime directory of every instance started by one test.
-class RuntimeDir {
- public:
-  RuntimeDir() { setenv(kRuntimeDirVariable, dir_.path().c_str(), 1); }
-  ~RuntimeDir() { unsetenv(kRuntimeDirVariable); }
-  const fs::path& path() const { return dir_.path(); }
-
- private:
-  TempDir dir_;
-};
-
 // The korvan binary running in the background, its output going to files.
 class KorvanProcess {
  public:
-  explicit KorvanProcess(const std::vector<std::string>& args) {
-    const char* binary = std::getenv("KORVAN_BINARY");
-    if (binary == nullptr) throw std::runtime_error("KORVAN_BINARY is not set (run through ctest)");
-    pid_ = fork();
-    if (pid_ < 0) throw std::runtime_error("fork failed");
-    if (pid_ == 0) Exec(binary, args);
-  }
+  explicit KorvanProcess(const std::vector<std::string>& args)
+      : pid_(korvan::testing::StartKorvanBinary(args, io_)) {}
   ~KorvanProcess() {
     if (!exit_code_) {
       kill(pid_, SIGKILL);
       waitpid(pid_, nullptr, 0);
     }
   }
-  KorvanProcess(const KorvanProcess&) = delete;
-  KorvanProcess& operator=(const KorvanProcess&) = delete;
 
-  pid_t pid() const { return pid_; }
-  std::string Out() const { return ReadAll(io_.File("out")); }
-  std::string Err() const { return ReadAll(io_.File("err")); }
+  std::string Out() const { return korvan::testing::ReadFile(io_.File("out")); }
+  std::string Err() const { return korvan::testing::ReadFile(io_.File("err")); }
 
   // True as soon as the output holds `text`; false when the limit passes first or the
   // process ends without writing it.
   bool WaitForOutput(const std::string& text) {
-    const auto deadline = Clock::now() + kProcessLimit;
-    while (Clock::now() < deadline) {
-      if (Out().find(text) != std::string::npos) return true;
-      if (Exited()) return Out().find(text) != std::string::npos;
-      std::this_thread::sleep_for(kPollInterval);
-    }
-    return false;
+    WaitUntil([&] { return Contains(Out(), text) || Exited(); });
+    return Contains(Out(), text);
   }
-
   // The exit code, or nullopt when the process still runs after the limit.
   std::optional<int> WaitForExit() {
-    const auto deadline = Clock::now() + kProcessLimit;
-    while (!Exited() && Clock::now() < deadline) std::this_thread::sleep_for(kPollInterval);
+    WaitUntil([&] { return Exited(); });
     return exit_code_;
   }
-
   void Signal(int signal) { kill(pid_, signal); }
 
  private:
-  [[noreturn]] void Exec(const char* binary, const std::vector<std::string>& args) {
-    const int out = open(io_.File("out").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    const int err = open(io_.File("err").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    const int in = open("/dev/null", O_RDONLY);
-    if (out < 0 || err < 0 || in < 0) _exit(126);
-    dup2(in, 0);
-    dup2(out, 1);
-    dup2(err, 2);
-    std::vector<char*> argv{const_cast<char*>(binary)};
-    for (const auto& arg : args) argv.push_back(const_cast<char*>(arg.c_str()));
-    argv.push_back(nullptr);
-    execv(binary, argv.data());
-    _exit(127);
+  template <typename Done>
+  static void WaitUntil(Done done) {
+    const auto deadline = Clock::now() + kProcessLimit;
+    while (!done() && Clock::now() < deadline) std::this_thread::sleep_for(kPollInterval);
   }
-
   bool Exited() {
     if (exit_code_) return true;
     int status = 0;
@@ -136,82 +90,46 @@ TEST(SingleInstance, SecondStartHandsItsParametersToTheRunningInstance) {
   KorvanProcess first({"serve", "-d", base});
   ASSERT_TRUE(first.WaitForOutput(kRunning)) << first.Err();
 
-  const auto second = RunKorvanBinary({"serve", "-d", base, "Projekt 1", "LV-7"});
-  EXPECT_EQ(second.exit_code, 0) << second.err;
-  EXPECT_NE(second.out.find("Eine Programminstanz läuft bereits!\nkorvan\n"), std::string::npos)
-      << second.out;
-  EXPECT_EQ(second.out.find(kRunning), std::string::npos) << "the second instance started";
+  // An instance started with the check skipped runs fully beside it and gets nothing.
+  KorvanProcess skipping({"serve", "-d", base, "--skipinstancecheck"});
+  EXPECT_TRUE(skipping.WaitForOutput(kRunning)) << skipping.Out() << skipping.Err();
+  EXPECT_FALSE(Contains(skipping.Out(), "Eine Programminstanz"));
+
+  const auto second = ExpectKorvan({"serve", "-d", base, "Projekt 1", "LV-7"}, 0,
+                                   {"Eine Programminstanz läuft bereits!\nkorvan\n"});
+  EXPECT_FALSE(Contains(second.out, kRunning)) << "the second instance started";
   EXPECT_TRUE(first.WaitForOutput("Parameterübergabe: serve -d " + fs::absolute(base).string() +
                                   " Projekt 1 LV-7\n"))
       << first.Out();
   EXPECT_FALSE(fs::exists(runtime.path() / kQParamsFileName));
+  EXPECT_FALSE(Contains(skipping.Out(), "Parameterübergabe"));
+  skipping.Signal(SIGTERM);
+  EXPECT_EQ(skipping.WaitForExit(), 0) << skipping.Err();
 
-  // A hand-over asking for the end stops the running instance.
-  const auto stop = RunKorvanBinary({"serve", "-d", base, "--stop"});
-  EXPECT_EQ(stop.exit_code, 0) << stop.err;
-  EXPECT_EQ(first.WaitForExit(), 0) << first.Err();
-  EXPECT_NE(first.Out().find("--stop"), std::string::npos);
-  EXPECT_NE(first.Out().find("Korvan beendet."), std::string::npos);
-
-  // With no instance left, a stop request starts nothing.
-  const auto nothing = RunKorvanBinary({"serve", "-d", base, "--stop"});
-  EXPECT_EQ(nothing.exit_code, 0) << nothing.err;
-  EXPECT_NE(nothing.out.find("Keine Programminstanz läuft."), std::string::npos) << nothing.out;
-  EXPECT_EQ(nothing.out.find(kRunning), std::string::npos);
-}
-
-TEST(SingleInstance, SkipInstanceCheckStartsAFullSecondInstance) {
-  RuntimeDir runtime;
-  TempDir data;
-  const std::string base = data.path().string();
-  KorvanProcess first({"serve", "-d", base});
-  ASSERT_TRUE(first.WaitForOutput(kRunning)) << first.Err();
-
-  KorvanProcess option({"serve", "-d", base, "--skipinstancecheck"});
-  KorvanProcess word({"serve", "-d", base, "skipinstancecheck"});
-  EXPECT_TRUE(option.WaitForOutput(kRunning)) << option.Out() << option.Err();
-  EXPECT_TRUE(word.WaitForOutput(kRunning)) << word.Out() << word.Err();
-  EXPECT_EQ(option.Out().find("Eine Programminstanz"), std::string::npos);
-
-  // The first instance still holds the lock and its socket: a normal start hands over.
-  const auto third = RunKorvanBinary({"serve", "-d", base, "drei"});
-  EXPECT_EQ(third.exit_code, 0) << third.err;
-  EXPECT_TRUE(first.WaitForOutput(" drei\n")) << first.Out();
-  EXPECT_EQ(option.Out().find("Parameterübergabe"), std::string::npos);
-
-  for (KorvanProcess* process : {&first, &option, &word}) {
-    process->Signal(SIGTERM);
-    EXPECT_EQ(process->WaitForExit(), 0) << process->Err();
-  }
-}
-
-TEST(SingleInstance, HandOverToAHungInstanceTimesOut) {
-  RuntimeDir runtime;
-  TempDir data;
-  const std::string base = data.path().string();
-  KorvanProcess first({"serve", "-d", base});
-  ASSERT_TRUE(first.WaitForOutput(kRunning)) << first.Err();
-
+  // A hung instance: the hand-over times out and is withdrawn.
   first.Signal(SIGSTOP);
   const auto start = Clock::now();
-  const auto second = RunKorvanBinary({"serve", "-d", base, "verloren"});
+  ExpectKorvan({"serve", "-d", base, "verloren"}, 1,
+               {"Eine Programminstanz läuft bereits!", "antwortet nicht"});
   const auto elapsed = Clock::now() - start;
   first.Signal(SIGCONT);
-
-  EXPECT_EQ(second.exit_code, 1);
-  EXPECT_NE(second.out.find("Eine Programminstanz läuft bereits!"), std::string::npos);
-  EXPECT_NE(second.err.find("antwortet nicht"), std::string::npos) << second.err;
   EXPECT_GE(elapsed, kHandOverTimeout);
   EXPECT_LT(elapsed, kHandOverTimeout + 5s);
   EXPECT_FALSE(fs::exists(runtime.path() / kQParamsFileName));
-
-  // Awake again, the first instance finds the hand-over withdrawn and goes on serving.
-  const auto later = RunKorvanBinary({"serve", "-d", base, "spaeter"});
-  EXPECT_EQ(later.exit_code, 0) << later.err;
+  // Awake again, it finds the hand-over withdrawn and goes on serving.
+  ExpectKorvan({"serve", "-d", base, "spaeter"}, 0);
   EXPECT_TRUE(first.WaitForOutput(" spaeter\n")) << first.Out();
-  EXPECT_EQ(first.Out().find("verloren"), std::string::npos) << first.Out();
-  first.Signal(SIGINT);
-  EXPECT_EQ(first.WaitForExit(), 0);
+  EXPECT_FALSE(Contains(first.Out(), "verloren")) << first.Out();
+
+  // A hand-over asking for the end stops the running instance.
+  ExpectKorvan({"serve", "-d", base, "--stop"}, 0);
+  EXPECT_EQ(first.WaitForExit(), 0) << first.Err();
+  EXPECT_TRUE(Contains(first.Out(), "--stop"));
+  EXPECT_TRUE(Contains(first.Out(), "Korvan beendet."));
+  // With no instance left, a stop request starts nothing.
+  const auto nothing =
+      ExpectKorvan({"serve", "-d", base, "--stop"}, 0, {"Keine Programminstanz läuft."});
+  EXPECT_FALSE(Contains(nothing.out, kRunning));
 }
 
 // Runs an instance server on a thread of the test until the object goes away.

@@ -4,7 +4,6 @@
 
 #include "data/c_data.h"
 #include "data/c_data_test_module.h"
-#include "data/undo_redo.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::data {
@@ -135,30 +134,6 @@ TEST_F(CDataClipTest, SaveAndReadBlockThroughTheComponent) {
   EXPECT_EQ(second.ListOperationEx(1, loReadBlock, {.File = path}), TListOpResult::Failed);
   EXPECT_NE(second.LastError().find("Zeile 4"), std::string::npos) << second.LastError();
   EXPECT_EQ(second.GetRmax(), 3);
-}
-
-TEST_F(CDataClipTest, EachUserActionIsOneUndoStep) {
-  korvan::testing::TempDir dir;
-  TUndoRedo undo(dir.path().string());
-  TCDataUndoJournal journal(undo);
-  first.SetUndoJournal(&journal);
-
-  first.GetR(1).Markiert = true;
-  ASSERT_EQ(first.ListOperation(4, loMoveBlock), TListOpResult::Done);
-  EXPECT_EQ(undo.UndoCaptions(), (Log{"Block verschieben"}));
-  EXPECT_EQ(undo.TransactionDepth(), 0);
-
-  // Selecting, a cancelled operation and an action that changed nothing leave no step.
-  ASSERT_EQ(first.ListOperation(0, loSelectAll), TListOpResult::Done);
-  first_module.cancel_before = true;
-  EXPECT_EQ(first.ListOperation(1, loDeleteBlock), TListOpResult::Cancelled);
-  first_module.cancel_before = false;
-  ASSERT_EQ(first.ListOperation(0, loSum), TListOpResult::Done);
-  EXPECT_EQ(undo.UndoCaptions().size(), 1u);
-
-  ASSERT_EQ(first.ListOperation(2, loDeleteBlock), TListOpResult::Done);
-  EXPECT_EQ(undo.UndoCaptions().size(), 2u);
-  EXPECT_EQ(undo.TransactionDepth(), 0);
 }
 
 }  // namespace

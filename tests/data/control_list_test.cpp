@@ -6,200 +6,142 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
-#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "config_test_support.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::data {
 namespace {
 
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
+using testing::Contains;
+using testing::ReadBytes;
 
-void WriteFile(const std::string& path, const std::string& text) {
-  std::ofstream(path, std::ios::binary | std::ios::trunc) << text;
-}
-
-// A one-byte signal between two processes.
-class Signal {
+// Another program, in a child process, signed into a directory until it leaves.
+class OtherProgram {
  public:
-  Signal() { EXPECT_EQ(::pipe(fds_), 0); }
-  ~Signal() {
-    ::close(fds_[0]);
-    ::close(fds_[1]);
+  OtherProgram(const std::string& directory, const std::string& user, bool exclusive) {
+    EXPECT_EQ(::pipe(signed_in_), 0);
+    EXPECT_EQ(::pipe(leave_), 0);
+    pid_ = ::fork();
+    if (pid_ == 0) {
+      TControlList list(directory);
+      if (!list.Open({user, "child-pc"}, exclusive)) ::_exit(2);
+      (void)!::write(signed_in_[1], "x", 1);
+      char end = 0;
+      (void)!::read(leave_[0], &end, 1);
+      if (end == 's') list.Close();
+      ::_exit(0);  // no destructors: after a crash the entry stays behind
+    }
+    ::close(signed_in_[1]);  // a child that fails to sign in ends the wait
+    char byte = 0;
+    EXPECT_EQ(::read(signed_in_[0], &byte, 1), 1);
   }
-  void Send() { (void)!::write(fds_[1], "x", 1); }
-  bool Wait() {
-    char byte;
-    return ::read(fds_[0], &byte, 1) == 1;
+  ~OtherProgram() {
+    if (pid_ > 0) Leave();
+    for (int fd : {signed_in_[0], leave_[0], leave_[1]}) ::close(fd);
+  }
+  pid_t pid() const { return pid_; }
+
+  // Ends the program, signing off or as a crash would; returns its exit status.
+  int Leave(bool sign_off = true) {
+    (void)!::write(leave_[1], sign_off ? "s" : "c", 1);
+    int status = 0;
+    ::waitpid(std::exchange(pid_, 0), &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
  private:
-  int fds_[2] = {-1, -1};
+  int signed_in_[2] = {-1, -1};
+  int leave_[2] = {-1, -1};
+  pid_t pid_ = 0;
 };
 
-enum class ChildEnd { kSignOff, kCrash };
-
-// Runs a child process that signs `user` into the directory, reports back, waits for
-// the word to leave, and then signs off or ends without doing so.
-pid_t StartChild(const std::string& directory, const std::string& user, bool exclusive,
-                 ChildEnd end, Signal& signed_in, Signal& leave) {
-  const pid_t pid = ::fork();
-  if (pid != 0) return pid;
-  int status = 0;
+TEST(ControlListProcesses, ExclusiveAndSharedUseAcrossProcesses) {
+  korvan::testing::TempDir temp;
+  const std::string directory = temp.path().string();
   {
-    TControlList list(directory);
-    if (!list.Open({user, "child-pc"}, exclusive)) ::_exit(2);
-    signed_in.Send();
-    leave.Wait();
-    if (end == ChildEnd::kCrash) ::_exit(0);  // no destructor: the entry stays behind
-    list.Close();
+    OtherProgram anna(directory, "Anna", true);
+    // Even a shared sign-in is refused while Anna works exclusively.
+    ExclusiveLockingResult check = CheckExclusiveLocking(directory, false, false, {"Bernd", "pc2"});
+    EXPECT_TRUE(check.held_by_other);
+    ASSERT_TRUE(check.holder.has_value());
+    EXPECT_EQ(check.holder->machine, "child-pc");
+    EXPECT_EQ(check.holder->process_id, anna.pid());
+    EXPECT_TRUE(Contains(check.message, "\"Anna\"")) << check.message;
+    EXPECT_EQ(check.list, nullptr);
+    EXPECT_FALSE(Contains(ReadBytes(temp.File("DATA.QDC")), "Bernd"));
+    EXPECT_EQ(anna.Leave(), 0);
+    ExclusiveLockingResult after = CheckExclusiveLocking(directory, true, false, {"Bernd", "pc2"});
+    ASSERT_NE(after.list, nullptr);
+    ASSERT_EQ(after.list->Users().size(), 1u);
+    EXPECT_TRUE(after.list->Users()[0].exclusive);
   }
-  ::_exit(status);
-}
-
-int WaitForChild(pid_t pid) {
-  int status = 0;
-  ::waitpid(pid, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-TEST(ControlListProcesses, ExclusiveHolderIsNamedToTheOtherProcess) {
-  testing::TempDir temp;
-  const std::string directory = temp.path().string();
-  Signal signed_in, leave;
-  const pid_t child = StartChild(directory, "Anna", true, ChildEnd::kSignOff, signed_in, leave);
-  ASSERT_TRUE(signed_in.Wait());
-
-  // Even a shared sign-in is refused while Anna works exclusively.
-  ExclusiveLockingResult check = CheckExclusiveLocking(directory, false, false, {"Bernd", "pc2"});
-  EXPECT_TRUE(check.held_by_other);
-  ASSERT_TRUE(check.holder.has_value());
-  EXPECT_EQ(check.holder->DisplayName(), "Anna");
-  EXPECT_EQ(check.holder->machine, "child-pc");
-  EXPECT_EQ(check.holder->process_id, child);
-  EXPECT_NE(check.message.find("\"Anna\""), std::string::npos) << check.message;
-  EXPECT_EQ(check.list, nullptr);
-  EXPECT_EQ(ReadFile(temp.File("DATA.QDC")).find("Bernd"), std::string::npos);
-
-  leave.Send();
-  EXPECT_EQ(WaitForChild(child), 0);
-
-  ExclusiveLockingResult after = CheckExclusiveLocking(directory, true, false, {"Bernd", "pc2"});
-  EXPECT_FALSE(after.held_by_other);
-  ASSERT_NE(after.list, nullptr);
-  const std::vector<ControlEntry> users = after.list->Users();
-  ASSERT_EQ(users.size(), 1u);
-  EXPECT_EQ(users[0].user, "Bernd");
-  EXPECT_TRUE(users[0].exclusive);
-}
-
-TEST(ControlListProcesses, SharedUsersCoexistButBlockAnExclusiveWish) {
-  testing::TempDir temp;
-  const std::string directory = temp.path().string();
-  Signal signed_in, leave;
-  const pid_t child = StartChild(directory, "Anna", false, ChildEnd::kSignOff, signed_in, leave);
-  ASSERT_TRUE(signed_in.Wait());
-
+  OtherProgram anna(directory, "Anna", false);
   TControlList shared(directory);
   EXPECT_TRUE(shared.Open({"Bernd", "pc2"}, false));
   EXPECT_EQ(shared.Users().size(), 2u);
-
   // The configuration asks for exclusive use although the caller did not.
   ExclusiveLockingResult check = CheckExclusiveLocking(directory, false, true, {"Carla", "pc3"});
   EXPECT_TRUE(check.held_by_other);
-  ASSERT_TRUE(check.holder.has_value());
-  EXPECT_EQ(check.holder->user, "Anna");
-
-  leave.Send();
-  EXPECT_EQ(WaitForChild(child), 0);
+  EXPECT_EQ(check.holder.value_or(ControlEntry{}).user, "Anna");
+  EXPECT_EQ(anna.Leave(), 0);
   EXPECT_EQ(shared.Users().size(), 1u);
 }
 
 TEST(ControlListProcesses, EntryOfAProgramThatEndedWithoutSigningOffIsDropped) {
-  testing::TempDir temp;
-  const std::string directory = temp.path().string();
-  Signal signed_in, leave;
-  const pid_t child = StartChild(directory, "Anna", true, ChildEnd::kCrash, signed_in, leave);
-  ASSERT_TRUE(signed_in.Wait());
-  leave.Send();
-  EXPECT_EQ(WaitForChild(child), 0);
-  EXPECT_NE(ReadFile(temp.File("DATA.QDC")).find("Anna"), std::string::npos);
-
-  TControlList list(directory);
+  korvan::testing::TempDir temp;
+  EXPECT_EQ(OtherProgram(temp.path().string(), "Anna", true).Leave(/*sign_off=*/false), 0);
+  EXPECT_TRUE(Contains(ReadBytes(temp.File("DATA.QDC")), "Anna"));
+  TControlList list(temp.path().string());
   EXPECT_TRUE(list.Open({"Bernd", "pc2"}, true));
-  const std::vector<ControlEntry> users = list.Users();
-  ASSERT_EQ(users.size(), 1u);
-  EXPECT_EQ(users[0].user, "Bernd");
-  EXPECT_EQ(ReadFile(temp.File("DATA.QDC")).find("Anna"), std::string::npos);
+  ASSERT_EQ(list.Users().size(), 1u);
+  EXPECT_EQ(list.Users()[0].user, "Bernd");
+  EXPECT_FALSE(Contains(ReadBytes(temp.File("DATA.QDC")), "Anna"));
 }
 
 TEST(ControlList, SignInSignOffAndFileContent) {
-  testing::TempDir temp;
+  korvan::testing::TempDir temp;
   std::vector<std::string> diagnostics;
   TControlList::Options options;
   options.diagnostics = [&](const std::string& line) { diagnostics.push_back(line); };
   TControlList list(temp.path().string(), options);
   ASSERT_TRUE(list.Open({"Anna|Admin\n", "pc1"}, false));
-  EXPECT_TRUE(list.IsSignedIn());
-
   const std::string path = temp.File("DATA.QDC");
-  EXPECT_EQ(list.ControlFilePath(), path);
-  const ControlFileContent content = ParseControlFile(ReadFile(path), path);
+  const ControlFileContent content = ParseControlFile(ReadBytes(path), path);
   ASSERT_EQ(content.users.size(), 1u);
   EXPECT_EQ(content.users[0].user, "Anna_Admin_") << "separators in names are replaced";
-  EXPECT_EQ(content.users[0].machine, "pc1");
-  EXPECT_FALSE(content.users[0].exclusive);
   EXPECT_EQ(content.users[0].process_id, ::getpid());
-
   const std::string list_lock =
       "LockRegion " + std::to_string(TControlList::kListLockOffset) + ", 1";
   ASSERT_FALSE(diagnostics.empty());
   EXPECT_EQ(diagnostics.front(), list_lock);
   EXPECT_NE(std::find(diagnostics.begin(), diagnostics.end(), "Un" + list_lock), diagnostics.end());
-
   list.Close();
-  EXPECT_FALSE(list.IsOpen());
-  EXPECT_TRUE(ParseControlFile(ReadFile(path), path).users.empty());
+  EXPECT_TRUE(ParseControlFile(ReadBytes(path), path).users.empty());
   list.Close();  // a second close does nothing
-}
 
-TEST(ControlList, UnknownUserShowsAsStandardUser) {
-  testing::TempDir temp;
-  TControlList holder(temp.path().string());
-  ASSERT_TRUE(holder.Open({"", "pc1"}, true));
+  // An exclusive holder without a name shows as the standard user.
+  ASSERT_TRUE(list.Open({"", "pc1"}, true));
   TControlList other(temp.path().string());
   EXPECT_FALSE(other.Open({"Bernd", "pc2"}, false));
-  ASSERT_TRUE(other.GetLockUser().has_value());
-  EXPECT_EQ(other.GetLockUser()->DisplayName(), "Standard User");
   EXPECT_FALSE(other.IsSignedIn());
-
-  ExclusiveLockingResult check = CheckExclusiveLocking(temp.path().string(), false, false, {});
-  EXPECT_NE(check.message.find("\"Standard User\""), std::string::npos) << check.message;
+  EXPECT_EQ(other.GetLockUser().value_or(ControlEntry{}).DisplayName(), "Standard User");
 }
 
 TEST(ControlList, TableChangesOfOthersAreSeenOnce) {
-  testing::TempDir temp;
-  TControlList anna(temp.path().string());
-  TControlList bernd(temp.path().string());
+  korvan::testing::TempDir temp;
+  TControlList anna(temp.path().string()), bernd(temp.path().string());
   ASSERT_TRUE(anna.Open({"Anna", "pc1"}, false));
   ASSERT_TRUE(bernd.Open({"Bernd", "pc2"}, false));
-
-  EXPECT_FALSE(bernd.IsTableChanged("LV"));
   anna.TableModify("LV");
   anna.TableModify("LV");
   EXPECT_FALSE(anna.IsTableChanged("LV")) << "own changes are not news";
   EXPECT_TRUE(bernd.IsTableChanged("LV"));
   EXPECT_FALSE(bernd.IsTableChanged("LV"));
   EXPECT_FALSE(bernd.IsTableChanged("Adressen"));
-
   // A user signing in later starts from the current state.
   anna.TableModify("Adressen");
   TControlList carla(temp.path().string());
@@ -209,13 +151,12 @@ TEST(ControlList, TableChangesOfOthersAreSeenOnce) {
 }
 
 TEST(ControlList, HeldListLockTimesOutWithAClearError) {
-  testing::TempDir temp;
+  korvan::testing::TempDir temp;
   TControlList holder(temp.path().string());
   ASSERT_TRUE(holder.Open({"Anna", "pc1"}, false));
   holder.Lock();
   holder.Lock();
   holder.Unlock();  // still held once
-
   TControlList::Options options;
   options.lock_timeout = std::chrono::milliseconds(50);
   TControlList waiting(temp.path().string(), options);
@@ -224,22 +165,19 @@ TEST(ControlList, HeldListLockTimesOutWithAClearError) {
     FAIL() << "expected ControlFileError";
   } catch (const ControlFileError& error) {
     EXPECT_EQ(error.file(), temp.File("DATA.QDC"));
-    EXPECT_NE(std::string(error.what()).find("gesperrt"), std::string::npos) << error.what();
+    EXPECT_TRUE(Contains(error.what(), "gesperrt")) << error.what();
   }
   EXPECT_FALSE(waiting.IsOpen());
-
   holder.Unlock();
   EXPECT_TRUE(waiting.Open({"Bernd", "pc2"}, false));
 }
 
-struct DamagedCase {
-  std::string text;
-  int line;
-  const char* problem;
-};
-
 TEST(ControlList, DamagedFileNamesFileAndLine) {
-  const std::vector<DamagedCase> cases = {
+  const struct {
+    std::string text;
+    int line;
+    const char* problem;
+  } cases[] = {
       {"hello\n", 1, "Kopfzeile"},
       {"QDC|7\nEND|0\n", 1, "Formatversion"},
       {"QDC|1\nU|x|X|a|b|1|t\nEND|1\n", 2, "Platznummer"},
@@ -250,14 +188,13 @@ TEST(ControlList, DamagedFileNamesFileAndLine) {
       {"QDC|1\nU|0|X|a|b|1|t\n", 3, "END"},
       {"QDC|1\nEND|2\n", 2, "Schlusszeile"},
       {"QDC|1\nEND|0\nU|0|X|a|b|1|t\n", 3, "nach der Schlusszeile"},
-      {"QDC|1\nZ|0\nEND|1\n", 2, "Zeilenart"},
       {std::string("QDC|1\n\0\xff\x01|\nEND|0\n", 17), 2, "Zeilenart"},
   };
-  testing::TempDir temp;
+  korvan::testing::TempDir temp;
   const std::string path = temp.File("DATA.QDC");
-  for (const DamagedCase& damaged : cases) {
+  for (const auto& damaged : cases) {
     SCOPED_TRACE(damaged.text);
-    WriteFile(path, damaged.text);
+    testing::WriteBytes(path, damaged.text);
     TControlList list(temp.path().string());
     try {
       list.Open({"Anna", "pc1"}, false);
@@ -266,12 +203,12 @@ TEST(ControlList, DamagedFileNamesFileAndLine) {
       EXPECT_EQ(error.file(), path);
       EXPECT_EQ(error.line(), damaged.line);
       const std::string what = error.what();
-      EXPECT_NE(what.find("\"" + path + "\""), std::string::npos) << what;
-      EXPECT_NE(what.find("Zeile " + std::to_string(damaged.line)), std::string::npos) << what;
-      EXPECT_NE(what.find(damaged.problem), std::string::npos) << what;
+      EXPECT_TRUE(Contains(what, "\"" + path + "\"")) << what;
+      EXPECT_TRUE(Contains(what, "Zeile " + std::to_string(damaged.line))) << what;
+      EXPECT_TRUE(Contains(what, damaged.problem)) << what;
     }
     EXPECT_FALSE(list.IsOpen());
-    EXPECT_EQ(ReadFile(path), damaged.text) << "a damaged file is left as it was";
+    EXPECT_EQ(ReadBytes(path), damaged.text) << "a damaged file is left as it was";
   }
 }
 
@@ -284,9 +221,7 @@ TEST(ControlList, EveryTruncationOfAValidFileParsesOrFailsCleanly) {
   const ControlFileContent round_trip = ParseControlFile(text, "DATA.QDC");
   ASSERT_EQ(round_trip.users.size(), 2u);
   EXPECT_EQ(round_trip.users[1].slot, 3);
-  EXPECT_EQ(round_trip.users[1].DisplayName(), "Standard User");
   EXPECT_EQ(round_trip.table_counters.at("LV"), 7u);
-
   int parsed = 0;
   for (std::size_t length = 0; length < text.size(); ++length) {
     try {

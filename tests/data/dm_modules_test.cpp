@@ -5,7 +5,6 @@
 
 #include "data/dm_einheit.h"
 #include "data/dm_waehrung.h"
-#include "data/text_catalogue.h"
 #include "data/undo_redo.h"
 #include "data/undo_table_restorer.h"
 #include "std_tb_test_support.h"
@@ -19,57 +18,42 @@ TStringList Euro() {
   return {"32766", "Europa", "Euro", "EUR", "1", "2", "J", "J", "2", "32766"};
 }
 
-TEST_F(DataModuleTest, CurrencyRowsAreReadAndWrittenThroughTheTable) {
+TEST_F(DataModuleTest, CurrencyAndUnitRowsAreCheckedAndWrittenThroughTheTable) {
   TdmWaehrung module(*db_);
   ASSERT_TRUE(module.Loaded()) << module.CData1.LastError();
-  EXPECT_EQ(module.CData1.GetRmax(), 0);
-  EXPECT_EQ(TTextCatalogue::German().cLoadStr(*module.CData1.Struktur()[2].CaptionTextNr),
-            "Währung");
-
-  // A new row is stored when its values are put.
-  ASSERT_EQ(module.CData1.ListOperation(0, loAddRecord), TListOpResult::Done)
-      << module.CData1.LastError();
-  ASSERT_EQ(module.CData1.GetRmax(), 1);
+  ASSERT_EQ(module.CData1.ListOperation(0, loAddRecord), TListOpResult::Done);
   ASSERT_EQ(module.CData1.Screen2Data(1, Euro()), TScreen2DataResult::Stored) << module.LastError();
   TdmWaehrung reread(*db_);
   ASSERT_TRUE(reread.Loaded());
   ASSERT_EQ(reread.CData1.GetRmax(), 1);
   EXPECT_EQ(reread.CData1.Data2Screen(1), Euro());
 
-  // An edit with a value that does not fit is refused and nothing changes.
-  TStringList bad = Euro();
-  bad[4] = "eins";
-  EXPECT_EQ(reread.CData1.Screen2Data(1, bad), TScreen2DataResult::Refused);
+  TStringList changed = Euro();
+  changed[4] = "eins";  // does not fit: refused, nothing changes
+  EXPECT_EQ(reread.CData1.Screen2Data(1, changed), TScreen2DataResult::Refused);
   EXPECT_NE(reread.LastError().find("Faktor"), std::string::npos) << reread.LastError();
   EXPECT_EQ(reread.CData1.Data2Screen(1), Euro());
-
-  TStringList changed = Euro();
   changed[4] = "1,95583";
-  changed[1] = "Deutschland und Österreich";
   ASSERT_EQ(reread.CData1.Screen2Data(1, changed), TScreen2DataResult::Stored);
   EXPECT_EQ(reread.CData1.Data2Screen(1), changed);
   ASSERT_TRUE(reread.Table().GetKey(KeyNumber(32766), '1'));
   EXPECT_DOUBLE_EQ(reread.Table().Rec().Faktor, 1.95583);
-
   ASSERT_EQ(reread.CData1.ListOperation(1, loDeleteRecord), TListOpResult::Done);
   EXPECT_FALSE(reread.Table().ExistsRec(KeyNumber(32766), '1'));
-}
 
-TEST_F(DataModuleTest, UnitRowsCheckTheirColumns) {
-  TdmEinheit module(*db_);
-  ASSERT_TRUE(module.Loaded());
-  ASSERT_EQ(module.CData1.ListOperation(0, loAddRecord), TListOpResult::Done);
+  TdmEinheit units(*db_);
+  ASSERT_TRUE(units.Loaded());
   const TStringList meter = {"49", "1", "10", "Meter", "m", "1", "3", "1", "", ""};
-  ASSERT_EQ(module.CData1.Screen2Data(1, meter), TScreen2DataResult::Stored) << module.LastError();
-  EXPECT_EQ(module.CData1.Data2Screen(1), meter);
-  EXPECT_EQ(module.CheckValue(5, "C"), "eines der Zeichen 1 2 3 A B");
-  EXPECT_EQ(module.CheckValue(4, "Meterx"), "");
-  EXPECT_NE(module.CheckValue(4, "Meterxx"), "");
-  EXPECT_NE(module.CheckValue(0, "40000"), "");
-  // A second unit with the same key is refused.
-  ASSERT_EQ(module.CData1.ListOperation(0, loAddRecord), TListOpResult::Done);
-  EXPECT_EQ(module.CData1.Screen2Data(2, meter), TScreen2DataResult::Refused);
-  EXPECT_NE(module.LastError().find("gibt es schon"), std::string::npos);
+  for (int row = 1; row <= 2; ++row) {
+    ASSERT_EQ(units.CData1.ListOperation(0, loAddRecord), TListOpResult::Done);
+  }
+  ASSERT_EQ(units.CData1.Screen2Data(1, meter), TScreen2DataResult::Stored) << units.LastError();
+  EXPECT_EQ(units.CData1.Data2Screen(1), meter);
+  EXPECT_EQ(units.CData1.Screen2Data(2, meter), TScreen2DataResult::Refused);  // the same key
+  EXPECT_NE(units.LastError().find("gibt es schon"), std::string::npos);
+  EXPECT_EQ(units.CheckValue(5, "C"), "eines der Zeichen 1 2 3 A B");
+  EXPECT_EQ(units.CheckValue(4, "Meterx"), "");
+  EXPECT_NE(units.CheckValue(4, "Meterxx"), "");
 }
 
 // The rows of the currency list come from the table, so a row taken back or made again
@@ -99,8 +83,7 @@ class DataModuleUndoTest : public TableTest {
     module_.reset();
     TableTest::TearDown();
   }
-  // What the list shows, by currency id.
-  Model Shown() {
+  Model Shown() {  // by currency id
     Model shown;
     for (int z = 1; z <= module_->CData1.GetRmax(); ++z) {
       const TStringList values = module_->CData1.Data2Screen(z);
@@ -173,33 +156,26 @@ TEST_F(DataModuleUndoTest, RandomStepsAgainstAModel) {
     const int choice = static_cast<int>(random() % 10);
     const int rows = module_->CData1.GetRmax();
     bool user_step = true;
-    if (choice < 2 && !undo_models.empty()) {
-      const TUndoOutcome outcome = journal_.PopUndo();
+    if (choice < 3 && !(choice < 2 ? undo_models : redo_models).empty()) {
+      const bool back = choice < 2;
+      const TUndoOutcome outcome = back ? journal_.PopUndo() : journal_.PopRedo();
       ASSERT_TRUE(outcome.ok()) << outcome.error;
       user_step = false;
-      redo_models.push_back(model);
-      model = undo_models.back();
-      undo_models.pop_back();
-    } else if (choice < 3 && !redo_models.empty()) {
-      const TUndoOutcome outcome = journal_.PopRedo();
-      ASSERT_TRUE(outcome.ok()) << outcome.error;
-      user_step = false;
-      undo_models.push_back(model);
-      model = redo_models.back();
-      redo_models.pop_back();
+      (back ? redo_models : undo_models).push_back(model);
+      model = (back ? undo_models : redo_models).back();
+      (back ? undo_models : redo_models).pop_back();
     } else if (choice < 5 || rows == 0) {
       ASSERT_EQ(module_->CData1.ListOperation(0, loAddRecord), TListOpResult::Done);
       const int32_t id = next_id++;
-      TStringList values = RandomCurrency(random, id);
-      ASSERT_EQ(module_->CData1.Screen2Data(module_->CData1.GetRmax(), values),
+      const int z = module_->CData1.GetRmax();
+      ASSERT_EQ(module_->CData1.Screen2Data(z, RandomCurrency(random, id)),
                 TScreen2DataResult::Stored)
           << module_->LastError();
-      model[id] = module_->CData1.Data2Screen(module_->CData1.GetRmax());
+      model[id] = module_->CData1.Data2Screen(z);
     } else if (choice < 8) {
       const int z = 1 + static_cast<int>(random() % static_cast<unsigned>(rows));
-      TStringList values = module_->CData1.Data2Screen(z);
-      const int32_t id = std::stoi(values[0]);
-      values = RandomCurrency(random, id);
+      const int32_t id = std::stoi(module_->CData1.Data2Screen(z)[0]);
+      TStringList values = RandomCurrency(random, id);
       if (random() % 4 == 0) values[4] = "kein Faktor";  // refused, nothing changes
       const TScreen2DataResult result = module_->CData1.Screen2Data(z, values);
       if (values[4] == "kein Faktor") {
@@ -223,14 +199,7 @@ TEST_F(DataModuleUndoTest, RandomStepsAgainstAModel) {
     ASSERT_EQ(Shown(), model) << "step " << step;
   }
 
-  while (!undo_models.empty()) {
-    const TUndoOutcome outcome = journal_.PopUndo();
-    ASSERT_TRUE(outcome.ok()) << outcome.error;
-    model = undo_models.back();
-    undo_models.pop_back();
-  }
-  ASSERT_EQ(module_->CData1.ListOperation(0, loReload), TListOpResult::Done);
-  EXPECT_EQ(Shown(), model);
+  for (; !undo_models.empty(); undo_models.pop_back()) ASSERT_TRUE(journal_.PopUndo().ok());
   EXPECT_EQ(Stored(), start);
   EXPECT_TRUE(StorageProblems().empty());
 }

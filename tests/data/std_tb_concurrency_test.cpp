@@ -23,8 +23,9 @@ class TableConcurrency : public TableTest {
     TableTest::TearDown();
   }
 
-  // Another user (a child process) rewrites the tail of the record at a position.
-  int OtherUserChangesTail(int32_t position, uint8_t fill) {
+  // Runs `work` as another user: in a child process with its own handle of the database.
+  template <typename Work>
+  int AsOtherUser(Work work) {
     EXPECT_EQ(db_->Flush(), 0);
     const std::string base = db_->BasePath();
     return ResultInChild([&] {
@@ -33,17 +34,23 @@ class TableConcurrency : public TableTest {
       if (int opened = storage::iDK_DbOpen(kDbType, base, true, true, &handle); opened != 0) {
         return opened;
       }
+      const int result = work(handle);
+      storage::iDK_DbClose(handle);
+      return result;
+    });
+  }
+
+  // Another user rewrites the tail of the record at a position.
+  int OtherUserChangesTail(int32_t position, uint8_t fill) {
+    return AsOtherUser([&](int handle) {
       std::vector<uint8_t> record(1024);
       int32_t length = 1024;
       storage::iDK_RecordRead(handle, position, record.data(), &length, true);
       record.resize(static_cast<size_t>(length));
       std::fill(record.begin() + sizeof(t_TestItem), record.end(), fill);
-      const std::string user = "BOB";
-      record[25] = static_cast<uint8_t>(user.size());
-      std::memcpy(record.data() + 26, user.data(), user.size());
-      const int result = storage::iDK_RecordUpdate(handle, record.data(), length, position, length);
-      storage::iDK_DbClose(handle);
-      return result;
+      std::memcpy(record.data() + 25, "\003BOB",
+                  4);  // ModifiedById
+      return storage::iDK_RecordUpdate(handle, record.data(), length, position, length);
     });
   }
 
@@ -82,7 +89,6 @@ TEST_F(TableConcurrency, ChangedByAnotherUserIsAskedAndNoWritesNothing) {
   EXPECT_EQ(table.UpDateRec(), 0);
   EXPECT_EQ(answer_yes.questions(), 1);
   EXPECT_NE(answer_yes.last_question().find("von \"Bob Baumann (BOB)\""), std::string::npos);
-  EXPECT_FALSE(table.GetForceUpdate());
   EXPECT_TRUE(storage::iDK_ConcurrencyDetectionEnabled());
   ASSERT_TRUE(fresh.GetKey(KeyNumber(99), '2'));
   EXPECT_EQ(fresh.Tail(), std::vector<uint8_t>(16, 0x11));
@@ -107,19 +113,12 @@ TEST_F(TableConcurrency, ALockedRecordIsRefusedToOtherUsers) {
   EXPECT_TRUE(table.IsLocked());
   const std::string name = table.RecordLockName();
   EXPECT_EQ(name, "T100000000001");
-  const std::string base = db_->BasePath();
   const auto other_user_locks = [&] {
-    return ResultInChild([&] {
-      ForgetInheritedDatabases();
-      int handle = 0;
-      if (int opened = storage::iDK_DbOpen(kDbType, base, true, true, &handle); opened != 0) {
-        return opened;
-      }
+    return AsOtherUser([&](int handle) {
       int task = 0;
       int result = storage::iDK_DbLock(handle, 4711, false, &task);
       if (result == 0) result = storage::iDK_LockSet(handle, task, true, name, nullptr);
       storage::iDK_DbUnlock(handle);
-      storage::iDK_DbClose(handle);
       return result;
     });
   };

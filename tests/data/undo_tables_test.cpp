@@ -43,8 +43,7 @@ class UndoTablesTest : public TableTest {
     }
     return result;
   }
-  // The keys of the tree without their positions.
-  std::vector<std::string> KeyStrings() const {
+  std::vector<std::string> KeyStrings() const {  // without the positions
     std::vector<std::string> keys = AllKeys();
     for (std::string& key : keys) key.erase(key.find('@'));
     return keys;
@@ -66,12 +65,6 @@ TEST_F(UndoTablesTest, InsertUpdateDeleteAreTakenBackByUniqueKey) {
   ASSERT_EQ(InsertItem(*table_, 1, 100, 10, 0xAA), 0);
   journal_.EndTransaction();
   const Records inserted = Snapshot();
-  ASSERT_TRUE(journal_.PopUndo().ok());
-  EXPECT_TRUE(Snapshot().empty());
-  EXPECT_TRUE(KeyStrings().empty());
-  ASSERT_TRUE(journal_.PopRedo().ok());
-  EXPECT_EQ(Snapshot(), inserted);  // the same content, creation time included
-
   Begin("update the code and grow the record");
   ASSERT_TRUE(Load(1));
   table_->Rec().Code = 200;
@@ -79,21 +72,25 @@ TEST_F(UndoTablesTest, InsertUpdateDeleteAreTakenBackByUniqueKey) {
   ASSERT_EQ(table_->UpDateRec(), 0);
   journal_.EndTransaction();
   const Records updated = Snapshot();
-  ASSERT_TRUE(journal_.PopUndo().ok());
-  EXPECT_EQ(Snapshot(), inserted);
-  EXPECT_TRUE(table_->GetKey(KeyNumber(100), '2'));  // the second index follows
-  EXPECT_FALSE(table_->GetKey(KeyNumber(200), '2'));
-  ASSERT_TRUE(journal_.PopRedo().ok());
-  EXPECT_EQ(Snapshot(), updated);
-  EXPECT_TRUE(table_->GetKey(KeyNumber(200), '2'));
-
   Begin("delete");
   ASSERT_TRUE(Load(1));
   ASSERT_EQ(table_->DeleteRec(), 0);
   journal_.EndTransaction();
-  EXPECT_TRUE(Snapshot().empty());
+
   ASSERT_TRUE(journal_.PopUndo().ok());
   EXPECT_EQ(Snapshot(), updated);
+  ASSERT_TRUE(journal_.PopUndo().ok());
+  EXPECT_EQ(Snapshot(), inserted);
+  EXPECT_TRUE(table_->GetKey(KeyNumber(100), '2'));  // the second index follows
+  EXPECT_FALSE(table_->GetKey(KeyNumber(200), '2'));
+  ASSERT_TRUE(journal_.PopUndo().ok());
+  EXPECT_TRUE(Snapshot().empty());
+  EXPECT_TRUE(KeyStrings().empty());
+  ASSERT_TRUE(journal_.PopRedo().ok());
+  EXPECT_EQ(Snapshot(), inserted);  // the same content, creation time included
+  ASSERT_TRUE(journal_.PopRedo().ok());
+  EXPECT_EQ(Snapshot(), updated);
+  EXPECT_TRUE(table_->GetKey(KeyNumber(200), '2'));
   EXPECT_TRUE(StorageProblems().empty());
 
   // A record changed outside the journal is not overwritten by a redo.
@@ -123,12 +120,10 @@ TEST_F(UndoTablesTest, RandomStepsAgainstRecordedStates) {
   for (int round = 0; round < 100; ++round) {
     const int choice = static_cast<int>(random() % 10);
     if (choice < 2 && current > 0) {
-      const TUndoOutcome outcome = journal_.PopUndo();
-      ASSERT_TRUE(outcome.ok()) << outcome.error;
+      ASSERT_TRUE(journal_.PopUndo().ok());
       --current;
     } else if (choice < 4 && current + 1 < history.size()) {
-      const TUndoOutcome outcome = journal_.PopRedo();
-      ASSERT_TRUE(outcome.ok()) << outcome.error;
+      ASSERT_TRUE(journal_.PopRedo().ok());
       ++current;
     } else {
       Begin("step " + std::to_string(round));
@@ -149,8 +144,7 @@ TEST_F(UndoTablesTest, RandomStepsAgainstRecordedStates) {
         }
       }
       journal_.EndTransaction();
-      if (!journal_.UndoStack().Empty() &&
-          journal_.UndoStack().TransactionCount() > static_cast<int>(current)) {
+      if (journal_.UndoStack().TransactionCount() > static_cast<int>(current)) {
         history.resize(current + 1);
         history.push_back(Snapshot());
         ++current;
@@ -159,11 +153,7 @@ TEST_F(UndoTablesTest, RandomStepsAgainstRecordedStates) {
     ASSERT_EQ(Snapshot(), history[current]) << "round " << round;
     ASSERT_EQ(journal_.UndoStack().TransactionCount(), static_cast<int>(current));
   }
-  while (current > 0) {
-    const TUndoOutcome outcome = journal_.PopUndo();
-    ASSERT_TRUE(outcome.ok()) << outcome.error;
-    --current;
-  }
+  for (; current > 0; --current) ASSERT_TRUE(journal_.PopUndo().ok());
   EXPECT_EQ(Snapshot(), start);
   EXPECT_EQ(KeyStrings(), start_keys);
   EXPECT_TRUE(StorageProblems().empty());

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "data/table_change_journal.h"
@@ -31,48 +35,59 @@ inline int32_t IdOf(JournalImage image) {
   return id;
 }
 
+inline std::vector<char> ReadJournalBytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+inline void WriteJournalBytes(const std::string& path, const std::vector<char>& bytes) {
+  std::ofstream(path, std::ios::binary | std::ios::trunc)
+      .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
 // A stand-in for the table layer: tables of records by id, changed through Insert,
 // Update and Delete, which report to the current journal as the table layer does, and
 // restored by the journal through RecordRestorer.
 class FakeTables : public RecordRestorer {
  public:
   using Table = std::map<int32_t, std::vector<uint8_t>>;
-  using State = std::map<std::string, Table>;
+  using State = std::map<char, Table>;
 
   static TableTarget Target(char type) { return {"/data/DB_Test.QE", 'E', type, 52}; }
 
   void Insert(char type, std::vector<uint8_t> image) {
-    tables_[Name(type)][IdOf(image)] = image;
+    tables_[type][IdOf(image)] = image;
     if (auto* journal = CurrentTableChangeObserver()) journal->RecordInserted(Target(type), image);
   }
   void Update(char type, std::vector<uint8_t> image) {
-    std::vector<uint8_t>& stored = tables_[Name(type)].at(IdOf(image));
-    const std::vector<uint8_t> before = stored;
-    stored = image;
+    std::vector<uint8_t> before = std::exchange(tables_[type].at(IdOf(image)), image);
     if (auto* journal = CurrentTableChangeObserver())
       journal->RecordUpdated(Target(type), before, image);
   }
   void Delete(char type, int32_t id) {
-    Table& table = tables_[Name(type)];
-    const std::vector<uint8_t> before = table.at(id);
-    table.erase(id);
+    const std::vector<uint8_t> before = tables_[type].at(id);
+    tables_[type].erase(id);
     if (auto* journal = CurrentTableChangeObserver()) journal->RecordDeleted(Target(type), before);
+  }
+  bool Contains(char type, int32_t id) const {
+    return tables_.contains(type) && tables_.at(type).contains(id);
   }
 
   int RestoreRecord(const TableTarget& target, JournalImage expected, JournalImage image,
                     std::string& error) override {
-    ++restore_calls;
-    if (restore_calls == fail_at) {
+    if (++restore_calls == fail_at) {
       error = "injected failure";
       return kUndoConflict;
     }
-    Table& table = tables_[target.db_file + target.table_type];
+    Table& table = tables_[target.table_type];
     const int32_t id = IdOf(expected.empty() ? image : expected);
     const auto found = table.find(id);
-    if (expected.empty()
-            ? found != table.end()
-            : found == table.end() || !std::equal(expected.begin(), expected.end(),
-                                                  found->second.begin(), found->second.end())) {
+    const bool as_expected =
+        expected.empty()
+            ? found == table.end()
+            : found != table.end() && std::equal(expected.begin(), expected.end(),
+                                                 found->second.begin(), found->second.end());
+    if (!as_expected) {
       error = "record " + std::to_string(id) + " changed meanwhile";
       return kUndoConflict;
     }
@@ -84,11 +99,11 @@ class FakeTables : public RecordRestorer {
     return kUndoOk;
   }
 
-  // The tables without tables emptied to nothing.
+  // The tables, without those emptied to nothing.
   State Snapshot() const {
     State state;
-    for (const auto& [name, table] : tables_) {
-      if (!table.empty()) state[name] = table;
+    for (const auto& [type, table] : tables_) {
+      if (!table.empty()) state[type] = table;
     }
     return state;
   }
@@ -97,45 +112,7 @@ class FakeTables : public RecordRestorer {
   int fail_at = -1;  // the number of the restore call that fails (-1: none)
 
  private:
-  static std::string Name(char type) { return Target(type).db_file + type; }
   State tables_;
-};
-
-// Rows of data components as ordered key lists, for the row items.
-class FakeRows : public TCDataRowRestorer {
- public:
-  int MoveRow(int32_t id, int32_t from, int32_t to, std::string& error) override {
-    std::vector<std::string>& rows = rows_[id];
-    if (from < 1 || to < 1 || from > static_cast<int32_t>(rows.size()) ||
-        to > static_cast<int32_t>(rows.size())) {
-      error = "bad row";
-      return kUndoConflict;
-    }
-    std::string key = rows[static_cast<size_t>(from - 1)];
-    rows.erase(rows.begin() + from - 1);
-    rows.insert(rows.begin() + to - 1, key);
-    return kUndoOk;
-  }
-  int RemoveRow(int32_t id, const std::string& key, int32_t row, std::string& error) override {
-    std::vector<std::string>& rows = rows_[id];
-    if (row < 1 || row > static_cast<int32_t>(rows.size()) ||
-        rows[static_cast<size_t>(row - 1)] != key) {
-      error = "row " + key + " not at " + std::to_string(row);
-      return kUndoConflict;
-    }
-    rows.erase(rows.begin() + row - 1);
-    return kUndoOk;
-  }
-  int RestoreRow(int32_t id, const std::string& key, int32_t row, std::string& error) override {
-    std::vector<std::string>& rows = rows_[id];
-    if (row < 1 || row > static_cast<int32_t>(rows.size()) + 1) {
-      error = "bad row";
-      return kUndoConflict;
-    }
-    rows.insert(rows.begin() + row - 1, key);
-    return kUndoOk;
-  }
-  std::map<int32_t, std::vector<std::string>> rows_;
 };
 
 }  // namespace korvan::data::testing

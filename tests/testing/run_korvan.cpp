@@ -9,18 +9,13 @@
 #include <sstream>
 #include <stdexcept>
 
+#include <gtest/gtest.h>
+
 #include "testing/temp_dir.h"
 
 namespace korvan::testing {
 
 namespace {
-std::string ReadAll(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
 [[noreturn]] void ExecChild(const std::string& binary, const std::vector<std::string>& args,
                             const TempDir& io) {
   int in = open(io.File("in").c_str(), O_RDONLY);
@@ -39,21 +34,74 @@ std::string ReadAll(const std::string& path) {
 }
 }  // namespace
 
-ProgramResult RunKorvanBinary(const std::vector<std::string>& args, const std::string& input) {
+pid_t StartKorvanBinary(const std::vector<std::string>& args, const TempDir& io,
+                        const std::string& input) {
   const char* binary = std::getenv("KORVAN_BINARY");
   if (binary == nullptr) throw std::runtime_error("KORVAN_BINARY is not set (run through ctest)");
-  TempDir io;
   std::ofstream(io.File("in"), std::ios::binary) << input;
   pid_t pid = fork();
   if (pid < 0) throw std::runtime_error("fork failed");
   if (pid == 0) ExecChild(binary, args, io);
+  return pid;
+}
+
+ProgramResult RunKorvanBinary(const std::vector<std::string>& args, const std::string& input) {
+  TempDir io;
+  const pid_t pid = StartKorvanBinary(args, io, input);
   int status = 0;
   waitpid(pid, &status, 0);
   ProgramResult result;
   result.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  result.out = ReadAll(io.File("out"));
-  result.err = ReadAll(io.File("err"));
+  result.out = ReadFile(io.File("out"));
+  result.err = ReadFile(io.File("err"));
   return result;
+}
+
+bool Crashed(const ProgramResult& result) {
+  return result.exit_code >= 128 || Contains(result.err, "Sanitizer") ||
+         Contains(result.err, "runtime error") || Contains(result.err, "terminate called");
+}
+
+ProgramResult ExpectKorvan(const std::vector<std::string>& args, int exit_code,
+                           const std::vector<std::string>& parts, const std::string& input) {
+  const ProgramResult result = RunKorvanBinary(args, input);
+  std::string call = "korvan";
+  for (const std::string& arg : args) call += " " + arg;
+  const std::string output = result.out + result.err;
+  EXPECT_EQ(result.exit_code, exit_code) << call << "\n" << output;
+  EXPECT_FALSE(Crashed(result)) << call << "\n" << output;
+  for (const std::string& part : parts) {
+    EXPECT_TRUE(Contains(output, part)) << call << ": \"" << part << "\" not in\n" << output;
+  }
+  return result;
+}
+
+std::filesystem::path MakeInstallation(const TempDir& dir, const std::string& command) {
+  const std::filesystem::path base = dir.path() / "ava";
+  const ProgramResult made = RunKorvanBinary({command, "-d", base.string()});
+  EXPECT_EQ(made.exit_code, 0) << command << ": " << made.err;
+  return base;
+}
+
+std::string ReadFile(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+std::map<std::string, std::string> FileContents(const std::filesystem::path& root) {
+  std::map<std::string, std::string> contents;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+    if (entry.is_regular_file()) contents[entry.path().string()] = ReadFile(entry.path());
+  }
+  return contents;
+}
+
+void PatchFile(const std::filesystem::path& path, int64_t offset, const std::string& bytes) {
+  std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+  file.seekp(offset);
+  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 }  // namespace korvan::testing
