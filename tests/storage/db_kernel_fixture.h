@@ -18,8 +18,7 @@
 
 namespace korvan::storage::testing {
 
-// A record buffer: a header with length and type letter, the id of the writer, and a
-// body of one repeated byte.
+// A record: header with length, type letter and writer id, then one repeated byte.
 inline std::vector<uint8_t> MakeRecord(char type, int32_t length, uint8_t fill,
                                        const std::string& modified_by = "TESTER") {
   std::vector<uint8_t> record(static_cast<size_t>(length), fill);
@@ -46,9 +45,9 @@ inline std::vector<uint8_t> FileBytes(const std::string& path) {
 }
 
 inline void WriteFileBytes(const std::string& path, const std::vector<uint8_t>& bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(reinterpret_cast<const char*>(bytes.data()),
-            static_cast<std::streamsize>(bytes.size()));
+  std::ofstream(path, std::ios::binary | std::ios::trunc)
+      .write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
 }
 
 // In a forked child: drops the databases inherited from the parent without touching
@@ -61,38 +60,35 @@ inline void ForgetInheritedDatabases() {
   }
 }
 
-// Runs `body` in a forked child and returns its int result (-9999 when the child died).
-// The child inherits this process's open databases; it must not touch them.
+// Runs `body` in a forked child and returns its result (-9999 when the child died).
 inline int ResultInChild(const std::function<int()>& body) {
   int channel[2];
   if (pipe(channel) != 0) return -9999;
   const pid_t pid = fork();
   if (pid == 0) {
-    close(channel[0]);
     int result = -9998;
     try {
       result = body();
     } catch (...) {
     }
-    [[maybe_unused]] ssize_t n = write(channel[1], &result, sizeof result);
-    _exit(0);
+    _exit(write(channel[1], &result, sizeof result) == ssize_t{sizeof result} ? 0 : 1);
   }
   close(channel[1]);
-  int result = -9999;
-  if (read(channel[0], &result, sizeof result) != static_cast<ssize_t>(sizeof result)) {
-    result = -9999;
-  }
+  int result = -9999;  // stays when the child dies before writing
+  [[maybe_unused]] const ssize_t n = read(channel[0], &result, sizeof result);
   close(channel[0]);
-  int status = 0;
-  waitpid(pid, &status, 0);
+  waitpid(pid, nullptr, 0);
   return result;
 }
 
-// Creates databases in a fresh directory and closes whatever a test left open.
+// Creates databases in a fresh directory and closes whatever a test left open. Type 'S'
+// is shareable (with a lock file) for the duration of the test.
 class DbKernelTest : public ::testing::Test {
  protected:
+  DbKernelTest() { iDK_SetTypeShareable('S', true); }
   void TearDown() override {
     for (int handle = 1; handle <= 40; ++handle) iDK_DbClose(handle);
+    iDK_SetTypeShareable('S', false);
   }
 
   std::string Base(const std::string& name) const { return dir_.File(name); }
@@ -108,10 +104,9 @@ class DbKernelTest : public ::testing::Test {
   // Inserts and returns the position (-1 on failure).
   int32_t Insert(int handle, std::vector<uint8_t>& record, bool reuse = true) {
     int32_t position = -1;
-    const int result = iDK_RecordInsert(handle, record.data(), static_cast<int32_t>(record.size()),
-                                        reuse, &position);
-    EXPECT_EQ(result, 0);
-    return result == 0 ? position : -1;
+    const auto length = static_cast<int32_t>(record.size());
+    EXPECT_EQ(iDK_RecordInsert(handle, record.data(), length, reuse, &position), 0);
+    return position;
   }
 
   std::vector<uint8_t> Read(int handle, int32_t position, int32_t buffer_size = 4096) {

@@ -5,7 +5,6 @@
 
 #include "db_kernel_fixture.h"
 #include "storage/data_file_check.h"
-#include "storage/db_kernel.h"
 
 namespace korvan::storage::testing {
 namespace {
@@ -13,8 +12,7 @@ namespace {
 // What the data file should hold: blocks by position. Free space is chosen exactly as
 // the kernel promises: largest free block first (the highest position among equals),
 // the whole block when 1..3 bytes would be left, forward-only merging, truncation.
-class DataFileModel {
- public:
+struct DataFileModel {
   struct Block {
     int32_t length = 0;
     bool live = false;
@@ -22,14 +20,14 @@ class DataFileModel {
   };
 
   int32_t End() const {
-    return blocks_.empty() ? 80 : blocks_.rbegin()->first + blocks_.rbegin()->second.length;
+    return blocks.empty() ? 80 : blocks.rbegin()->first + blocks.rbegin()->second.length;
   }
 
   // Where an insert of `length` bytes goes, and how long its slot is.
   std::pair<int32_t, int32_t> Placement(int32_t length, bool reuse) const {
     const Block* largest = nullptr;
     int32_t at = 0;
-    for (const auto& [position, block] : blocks_) {
+    for (const auto& [position, block] : blocks) {
       if (!block.live && (largest == nullptr || block.length >= largest->length)) {
         largest = &block;
         at = position;
@@ -40,32 +38,37 @@ class DataFileModel {
   }
 
   void Insert(int32_t position, int32_t slot, std::vector<uint8_t> bytes) {
-    auto free_block = blocks_.find(position);
-    if (free_block != blocks_.end()) {
+    auto free_block = blocks.find(position);
+    if (free_block != blocks.end()) {
       const int32_t rest = free_block->second.length - slot;
-      if (rest > 0) blocks_[position + slot] = Block{rest, false, {}};
+      if (rest > 0) blocks[position + slot] = Block{rest, false, {}};
     }
-    blocks_[position] = Block{slot, true, std::move(bytes)};
+    blocks[position] = Block{slot, true, std::move(bytes)};
   }
 
   void Delete(int32_t position) {
-    int32_t total = blocks_.at(position).length;
-    auto next = blocks_.find(position + total);
-    while (next != blocks_.end() && !next->second.live) {
+    int32_t total = blocks.at(position).length;
+    auto next = blocks.find(position + total);
+    while (next != blocks.end() && !next->second.live) {
       total += next->second.length;
-      next = blocks_.erase(next);
+      next = blocks.erase(next);
     }
-    if (next == blocks_.end()) {
-      blocks_.erase(position);
+    if (next == blocks.end()) {
+      blocks.erase(position);
     } else {
-      blocks_[position] = Block{total, false, {}};
+      blocks[position] = Block{total, false, {}};
     }
   }
 
-  std::map<int32_t, Block>& blocks() { return blocks_; }
+  std::vector<int32_t> LivePositions() const {
+    std::vector<int32_t> live;
+    for (const auto& [position, block] : blocks) {
+      if (block.live) live.push_back(position);
+    }
+    return live;
+  }
 
- private:
-  std::map<int32_t, Block> blocks_;
+  std::map<int32_t, Block> blocks;
 };
 
 std::vector<uint8_t> SlotBytes(std::vector<uint8_t> record, int32_t slot) {
@@ -79,9 +82,8 @@ class DbKernelProperty : public DbKernelTest {
   void Verify(int handle, int step) {
     const DataFileReport report = CheckDataFile(handle);
     for (const std::string& problem : report.problems) ADD_FAILURE() << step << ": " << problem;
-    auto& blocks = model_.blocks();
-    ASSERT_EQ(report.blocks.size(), blocks.size()) << "step " << step;
-    auto expected = blocks.begin();
+    ASSERT_EQ(report.blocks.size(), model_.blocks.size()) << "step " << step;
+    auto expected = model_.blocks.begin();
     for (const DataFileBlock& block : report.blocks) {
       ASSERT_EQ(block.position, expected->first) << "step " << step;
       ASSERT_EQ(block.length, expected->second.length) << "step " << step;
@@ -94,14 +96,6 @@ class DbKernelProperty : public DbKernelTest {
     }
   }
 
-  std::vector<int32_t> LivePositions() {
-    std::vector<int32_t> live;
-    for (const auto& [position, block] : model_.blocks()) {
-      if (block.live) live.push_back(position);
-    }
-    return live;
-  }
-
   DataFileModel model_;
 };
 
@@ -112,7 +106,7 @@ TEST_F(DbKernelProperty, RandomInsertsUpdatesAndDeletesMatchTheModel) {
     return std::uniform_int_distribution<int>(low, high)(random);
   };
   for (int step = 0; step < 500; ++step) {
-    const std::vector<int32_t> live = LivePositions();
+    const std::vector<int32_t> live = model_.LivePositions();
     const int choice = uniform(0, 99);
     if (live.empty() || choice < 45) {
       const int32_t length = uniform(0, 4) == 0 ? uniform(48, 52) : uniform(48, 260);
@@ -131,14 +125,14 @@ TEST_F(DbKernelProperty, RandomInsertsUpdatesAndDeletesMatchTheModel) {
       model_.Delete(position);
     } else {
       const int32_t position = live[static_cast<size_t>(uniform(0, int(live.size()) - 1))];
-      const int32_t slot = model_.blocks().at(position).length;
+      const int32_t slot = model_.blocks.at(position).length;
       const int delta = uniform(0, 3) == 0 ? uniform(-40, 40) : uniform(-5, 5);
       const int32_t new_length = std::max(48, slot + delta);
       auto record = MakeRecord('U', new_length, static_cast<uint8_t>(uniform(0, 255)));
       const bool fits = slot - new_length >= 0 && slot - new_length <= 3;
       const int result = iDK_RecordUpdate(handle, record.data(), slot, position, new_length);
       ASSERT_EQ(result, fits ? 0 : 4313) << "step " << step;
-      if (fits) model_.blocks()[position].bytes = SlotBytes(record, slot);
+      if (fits) model_.blocks[position].bytes = SlotBytes(record, slot);
     }
     Verify(handle, step);
     if (HasFatalFailure()) return;
@@ -150,7 +144,7 @@ TEST_F(DbKernelProperty, RandomInsertsUpdatesAndDeletesMatchTheModel) {
   }
   int32_t count = 0;
   ASSERT_EQ(iDK_RecordCount(handle, 0, &count), 0);
-  EXPECT_EQ(count, static_cast<int32_t>(LivePositions().size()));
+  EXPECT_EQ(count, static_cast<int32_t>(model_.LivePositions().size()));
 }
 
 }  // namespace

@@ -1,27 +1,64 @@
-// Key files: creation, the node layout on disk, and the documented edge cases.
+// Key files: the layout on disk, node allocation, and the edge cases: caches too small,
+// damaged files, failures that must stop the program, the end of the file's capacity.
 #include "storage/key_file.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
 #include "storage/key_file_test_support.h"
 #include "storage/key_tree_check.h"
 #include "storage/result_codes.h"
+#include "storage/storage_fatal_error.h"
 
 namespace korvan::storage {
 namespace {
 
-using testing::Load16;
-using testing::Load32;
-using testing::MakeEntry;
-using testing::ScratchKeyFile;
+using namespace testing;  // NOLINT
 
-std::string Numbered(int i) {
-  char text[16];
-  std::snprintf(text, sizeof text, "K%05d", i);
-  return text;
+void InsertRange(int reg, int from, int to, int key_length, int step = 1) {
+  for (int i = from; i < to; ++i) {
+    ASSERT_EQ(KeyInsert(reg, MakeEntry(Numbered(i * step), i, key_length)), kOk) << i;
+  }
+}
+
+// A three-level version 3 tree of key length 90, written to disk.
+void BuildThreeLevels(ScratchKeyFile& file) {
+  ASSERT_EQ(KeyFileInit(3, file.reg(), 90), kOk);
+  ASSERT_NO_FATAL_FAILURE(InsertRange(file.reg(), 0, 600, 90));
+  file.Flush();
+}
+
+uint32_t CountAll(int reg, int key_length) {
+  const KeyEntry pads = MakeEntry("", 0, key_length);
+  uint32_t count = 0;
+  EXPECT_EQ(MatchesCount(reg, pads.key, 0, true, &count), kOk);
+  return count;
+}
+
+// Changes bytes of a block through the cache, as if an earlier run had left them.
+void PatchCached(FileCache& cache, uint32_t block, size_t offset, const std::vector<uint8_t>& bytes,
+                 bool new_block = false) {
+  uint8_t* data = nullptr;
+  ASSERT_EQ(new_block ? cache.NewBlock(block, &data) : cache.Read(block, &data), kOk);
+  std::memcpy(data + offset, bytes.data(), bytes.size());
+  ASSERT_EQ(cache.Write(block), kOk);
+  ASSERT_EQ(cache.Release(block), kOk);
+}
+
+// Expects a header block to start with `bytes` and hold zeros from `zeros_from` on.
+void ExpectHeader(const std::vector<uint8_t>& block, const std::vector<uint8_t>& bytes,
+                  size_t zeros_from) {
+  EXPECT_EQ(std::vector<uint8_t>(block.begin(), block.begin() + bytes.size()), bytes);
+  for (size_t i = zeros_from; i < block.size(); ++i) ASSERT_EQ(block[i], 0) << "offset " << i;
+}
+
+std::string KeyAt(const std::vector<uint8_t>& block, size_t offset, size_t length = 7) {
+  return std::string(reinterpret_cast<const char*>(&block[offset]), length);
 }
 
 TEST(KeyFileInit, AcceptsKeyLengths12To90AndWritesTheHeader) {
@@ -42,26 +79,13 @@ TEST(KeyFileInit, AcceptsKeyLengths12To90AndWritesTheHeader) {
   EXPECT_EQ(KeyFileKeyLength(file.reg(), &key_length), kOk);
   EXPECT_EQ(key_length, 83);
   file.Flush();
-  std::vector<uint8_t> v3 = file.DiskBlock(0);
-  EXPECT_EQ(v3[0], 3);
-  EXPECT_EQ(v3[1], 2);
-  EXPECT_EQ(Load32(v3, 2), 0u);  // highest node
-  EXPECT_EQ(Load32(v3, 6), 0u);  // free list
-  EXPECT_EQ(v3[10], 83);
-  EXPECT_EQ(Load16(v3, 11), 22);  // 2042 div 91
-  EXPECT_EQ(Load16(v3, 13), 11);
-  EXPECT_EQ(Load32(v3, 15), 0u);  // root
-  for (size_t i = 19; i < v3.size(); ++i) ASSERT_EQ(v3[i], 0) << "offset " << i;
+  // Version, 2, highest node, free list, key length, 22 = 2042 div 91, 11, root.
+  ExpectHeader(file.DiskBlock(0), {3, 2, 0, 0, 0, 0, 0, 0, 0, 0, 83, 22, 0, 11, 0}, 15);
 
   ASSERT_EQ(KeyFileInit(2, file.reg(), 40), kOk);
   file.Flush();
-  std::vector<uint8_t> v2 = file.DiskBlock(0);
-  EXPECT_EQ(v2[0], 2);
-  EXPECT_EQ(v2[1], 40);
-  EXPECT_EQ(Load16(v2, 2), 44);  // 2044 div 46
-  EXPECT_EQ(Load16(v2, 4), 22);
-  EXPECT_EQ(Load16(v2, 6), 0);
-  for (size_t i = 8; i < v2.size(); ++i) ASSERT_EQ(v2[i], 0) << "offset " << i;
+  // Version, key length, 44 = 2044 div 46, 22, root, then the node bitmap.
+  ExpectHeader(file.DiskBlock(0), {2, 40, 44, 0, 22, 0}, 6);
   EXPECT_EQ(KeyFileVersion(file.reg(), &version), kOk);
   EXPECT_EQ(version, 2);
 }
@@ -93,59 +117,16 @@ TEST(KeyFileInit, HeadersOfOtherVersionsAreRefused) {
   EXPECT_EQ(KeyInsert(file.reg(), entry), kKeyLengthOutOfRange);
 }
 
-TEST(KeyFileLayout, The23rdInsertIntoAFullRootOfKeyLength83CreatesANewRoot) {
-  ScratchKeyFile file(31);
-  ASSERT_EQ(KeyFileInit(3, file.reg(), 83), kOk);
-  for (int i = 0; i < 22; ++i) {
-    ASSERT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(i), 100 + i, 83)), kOk);
-  }
-  file.Flush();
-  std::vector<uint8_t> header = file.DiskBlock(0);
-  EXPECT_EQ(Load32(header, 15), 1u);  // one leaf, the root
-  EXPECT_EQ(Load32(header, 2), 1u);
-  std::vector<uint8_t> leaf = file.DiskBlock(1);
-  EXPECT_EQ(Load16(leaf, 0), 22);
-  EXPECT_EQ(Load32(leaf, 2), 0u);
-  for (int i = 0; i < 22; ++i) {
-    const size_t at = 6 + static_cast<size_t>(i) * 91;
-    EXPECT_EQ(Load32(leaf, at), 0u);
-    EXPECT_EQ(Load32(leaf, at + 4), 100u + i);
-    EXPECT_EQ(std::string(reinterpret_cast<const char*>(&leaf[at + 8]), 6), Numbered(i));
-    EXPECT_EQ(leaf[at + 8 + 82], kKeyPad);
-  }
-
-  // The new key is the largest: h = 22 > H = 11, entry 12 goes up.
-  ASSERT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(22), 122, 83)), kOk);
-  file.Flush();
-  header = file.DiskBlock(0);
-  EXPECT_EQ(Load32(header, 2), 3u);   // highest node
-  EXPECT_EQ(Load32(header, 15), 3u);  // the new root
-  const std::vector<uint8_t> root = file.DiskBlock(3);
-  EXPECT_EQ(Load16(root, 0), 1);
-  EXPECT_EQ(Load32(root, 2), 1u);  // old root on the left
-  EXPECT_EQ(Load32(root, 6), 2u);  // new node on the right
-  EXPECT_EQ(Load32(root, 10), 111u);
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(&root[14]), 6), Numbered(11));
-  const std::vector<uint8_t> left = file.DiskBlock(1);
-  const std::vector<uint8_t> right = file.DiskBlock(2);
-  EXPECT_EQ(Load16(left, 0), 11);
-  EXPECT_EQ(Load16(right, 0), 11);
-  EXPECT_EQ(Load32(right, 6 + 4), 112u);
-  EXPECT_EQ(Load32(right, 6 + 10 * 91 + 4), 122u);
-  // Slots the old node gave up are cleared.
-  for (size_t i = 6 + 11 * 91; i < 6 + 22 * 91; ++i) ASSERT_EQ(left[i], 0) << i;
-  EXPECT_TRUE(CheckKeyFile(file.reg()).empty());
-}
-
-// Which entry goes up when a full node splits, for a new entry left of, at and right of
-// the middle; checked through the separator that ends up in the new root.
-TEST(KeyFileLayout, SplitSendsUpTheMiddleOfTheOldAndNewEntries) {
+// A full root of key length 83 (22 entries of 91 bytes) splits on the 23rd insert; which
+// entry goes up depends on whether the new one lands left of, at or right of the middle.
+TEST(KeyFileLayout, SplitOfAFullRootSendsUpTheMiddleOfTheOldAndNewEntries) {
   struct Case {
-    int inserted;    // key number of the 23rd entry (the first 22 are even numbers)
-    int separator;   // key number expected in the new root
-    int left_count;  // H
+    int inserted;   // key number of the 23rd entry (the first 22 are even numbers)
+    int separator;  // key number expected in the new root
+    int right_first;
   };
-  for (const Case& c : {Case{5, 20, 11}, Case{21, 21, 11}, Case{41, 22, 11}}) {
+  for (const Case& c : {Case{5, 20, 22}, Case{21, 21, 22}, Case{41, 22, 24}}) {
+    SCOPED_TRACE(c.inserted);
     ScratchKeyFile file(31);
     ASSERT_EQ(KeyFileInit(3, file.reg(), 83), kOk);
     for (int i = 0; i < 22; ++i) {
@@ -153,12 +134,28 @@ TEST(KeyFileLayout, SplitSendsUpTheMiddleOfTheOldAndNewEntries) {
     }
     ASSERT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(c.inserted), c.inserted, 83)), kOk);
     file.Flush();
+    const std::vector<uint8_t> header = file.DiskBlock(0);
+    EXPECT_EQ(Load32(header, 2), 3u);   // highest node
+    EXPECT_EQ(Load32(header, 15), 3u);  // the new root
+    // Root: count, old root on the left, new node on the right, the separator entry.
     const std::vector<uint8_t> root = file.DiskBlock(3);
-    EXPECT_EQ(Load32(root, 10), static_cast<uint32_t>(c.separator)) << c.inserted;
-    EXPECT_EQ(Load16(file.DiskBlock(1), 0), c.left_count);
-    EXPECT_EQ(Load16(file.DiskBlock(2), 0), 11);
+    EXPECT_EQ(Load16(root, 0), 1);
+    EXPECT_EQ(Load32(root, 2), 1u);
+    EXPECT_EQ(Load32(root, 6), 2u);
+    EXPECT_EQ(Load32(root, 10), static_cast<uint32_t>(c.separator));
+    EXPECT_EQ(KeyAt(root, 14), Numbered(c.separator));
+    // Leaves of 11: entries of child, position, key with pad bytes; the slots the old
+    // node gave up are cleared.
+    const std::vector<uint8_t> left = file.DiskBlock(1);
+    const std::vector<uint8_t> right = file.DiskBlock(2);
+    EXPECT_EQ(Load16(left, 0), 11);
+    EXPECT_EQ(Load16(right, 0), 11);
+    EXPECT_EQ(Load32(right, 6), 0u);
+    EXPECT_EQ(Load32(right, 10), static_cast<uint32_t>(c.right_first));
+    EXPECT_EQ(KeyAt(right, 14, 83),
+              Numbered(c.right_first) + std::string(76, static_cast<char>(kKeyPad)));
+    for (size_t i = 6 + 11 * 91; i < 6 + 22 * 91; ++i) ASSERT_EQ(left[i], 0) << i;
     EXPECT_TRUE(CheckKeyFile(file.reg()).empty());
-    // All 23 keys are found in order.
     KeyEntry cursor = MakeEntry("", 0, 83);
     ASSERT_EQ(KeyFirstMatch(file.reg(), cursor), kOk);
     int seen = 1;
@@ -170,242 +167,243 @@ TEST(KeyFileLayout, SplitSendsUpTheMiddleOfTheOldAndNewEntries) {
 TEST(KeyFileLayout, Version2NodesUse16BitChildren) {
   ScratchKeyFile file(31);
   ASSERT_EQ(KeyFileInit(2, file.reg(), 90), kOk);  // 21 entries of 96 bytes
-  for (int i = 0; i < 22; ++i) {
-    ASSERT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(i), 7 + i, 90)), kOk);
-  }
+  ASSERT_NO_FATAL_FAILURE(InsertRange(file.reg(), 0, 22, 90));
   file.Flush();
   const std::vector<uint8_t> header = file.DiskBlock(0);
   EXPECT_EQ(Load16(header, 6), 3);  // root
   EXPECT_EQ(header[8], 0x07);       // nodes 1, 2, 3 in use
+  // Count, leftmost child, child right of the entry; M = 21, H = 10: the eleventh key
+  // went up.
   const std::vector<uint8_t> root = file.DiskBlock(3);
   EXPECT_EQ(Load16(root, 0), 1);
-  EXPECT_EQ(Load16(root, 2), 1);  // leftmost child
-  EXPECT_EQ(Load16(root, 4), 2);  // child right of the entry
-  // M = 21, H = 10: entry H+1, the eleventh key, went up.
-  EXPECT_EQ(Load32(root, 6), 7u + 10);
-  EXPECT_EQ(std::string(reinterpret_cast<const char*>(&root[10]), 6), Numbered(10));
+  EXPECT_EQ(Load16(root, 2), 1);
+  EXPECT_EQ(Load16(root, 4), 2);
+  EXPECT_EQ(Load32(root, 6), 10u);
+  EXPECT_EQ(KeyAt(root, 10), Numbered(10));
   EXPECT_EQ(Load16(file.DiskBlock(1), 0), 10);
   EXPECT_EQ(Load16(file.DiskBlock(2), 0), 11);
-  EXPECT_TRUE(CheckKeyFile(file.reg()).empty());
-}
-
-TEST(KeyFileEntries, EqualKeysAreOrderedBySignedPosition) {
-  for (int version : {3, 2}) {
-    ScratchKeyFile file(31);
-    ASSERT_EQ(KeyFileInit(version, file.reg(), 12), kOk);
-    const KeyEntry low = MakeEntry("SAME", 0x80000000u, 12);  // negative as signed
-    const KeyEntry high = MakeEntry("SAME", 5, 12);
-    ASSERT_EQ(KeyInsert(file.reg(), high), kOk);
-    ASSERT_EQ(KeyInsert(file.reg(), low), kOk);
-    EXPECT_EQ(KeyInsert(file.reg(), high), kKeyDuplicate);
-
-    KeyEntry found = MakeEntry("SAME", 0, 12);
-    ASSERT_EQ(KeyFirstMatch(file.reg(), found), kOk);
-    EXPECT_EQ(found.position, 0x80000000u);
-    found = MakeEntry("SAME", 0, 12);
-    ASSERT_EQ(KeyLastMatch(file.reg(), found), kOk);
-    EXPECT_EQ(found.position, 5u);
-
-    EXPECT_EQ(KeyDelete(file.reg(), MakeEntry("SAME", 6, 12)), kKeyNotFoundOnDelete);
-    EXPECT_EQ(KeyDelete(file.reg(), low), kOk);
-    found = MakeEntry("SAME", 0, 12);
-    ASSERT_EQ(KeyFirstMatch(file.reg(), found), kOk);
-    EXPECT_EQ(found.position, 5u);
-    EXPECT_EQ(KeyDelete(file.reg(), low), kKeyNotFoundOnDelete);
-  }
-}
-
-TEST(KeyFileMatches, PadOnlyPatternsMatchEverythingButCountsSkipFreeSpaceKeys) {
-  for (int version : {3, 2}) {
-    ScratchKeyFile file(31);
-    ASSERT_EQ(KeyFileInit(version, file.reg(), 91 - 1), kOk);
-    const int kl = 90;
-    int tilde = 0;
-    for (int i = 0; i < 300; ++i) {
-      const bool free_space = i % 7 == 3;
-      tilde += free_space;
-      const std::string text = free_space ? "~" + std::to_string(1000 + i) : Numbered(i);
-      ASSERT_EQ(KeyInsert(file.reg(), MakeEntry(text, static_cast<uint32_t>(i), kl)), kOk);
-    }
-    KeyEntry pattern = MakeEntry("", 0, kl);
-    ASSERT_EQ(KeyFirstMatch(file.reg(), pattern), kOk);
-    EXPECT_EQ(testing::KeyText(pattern, kl), Numbered(0));
-    pattern = MakeEntry("", 0, kl);
-    ASSERT_EQ(KeyLastMatch(file.reg(), pattern), kOk);
-    EXPECT_EQ(testing::KeyText(pattern, kl), "~1297");
-
-    const KeyEntry pads = MakeEntry("", 0, kl);
-    uint32_t count = 0;
-    EXPECT_EQ(MatchesCount(file.reg(), pads.key, 0, false, &count), kOk);
-    EXPECT_EQ(count, static_cast<uint32_t>(300 - tilde));
-    EXPECT_EQ(MatchesCount(file.reg(), pads.key, 0, true, &count), kOk);
-    EXPECT_EQ(count, 300u);
-    const KeyEntry prefix = MakeEntry("K0001", 0, kl);  // K00010..K00019
-    EXPECT_EQ(MatchesCount(file.reg(), prefix.key, 5, false, &count), kOk);
-    EXPECT_EQ(count, 10u - 2u);  // 10 and 17 are free-space keys
-    const KeyEntry none = MakeEntry("B", 0, kl);
-    EXPECT_EQ(MatchesCount(file.reg(), none.key, 1, true, &count), kOk);
-    EXPECT_EQ(count, 0u);
-    KeyEntry missing = MakeEntry("B", 0, kl);
-    EXPECT_EQ(KeyFirstMatch(file.reg(), missing), kKeyNoMatch);
-    EXPECT_EQ(KeyLastMatch(file.reg(), missing), kKeyNoMatch);
-
-    std::vector<uint32_t> positions;
-    if (version == 2) {
-      EXPECT_EQ(MatchesList(file.reg(), prefix.key, 5, false, &positions), kKeyFileUnknownVersion);
-    } else {
-      EXPECT_EQ(MatchesList(file.reg(), prefix.key, 5, false, &positions), kOk);
-      EXPECT_EQ(positions, (std::vector<uint32_t>{11, 12, 13, 14, 15, 16, 18, 19}));
-    }
-
-    bool found = false;
-    uint8_t key[kMaxKeyLength];
-    EXPECT_EQ(KeyMatchEx(file.reg(), prefix.key, 5, 16, &found, key), kOk);
-    EXPECT_TRUE(found);
-    EXPECT_EQ(std::string(reinterpret_cast<const char*>(key), 6), Numbered(16));
-    EXPECT_EQ(KeyMatchEx(file.reg(), prefix.key, 5, 26, &found, key), kOk);
-    EXPECT_FALSE(found);
-  }
-}
-
-TEST(KeyFileCursor, NextAndPrevWalkTheWholeTreeAndStopAtTheEnds) {
-  for (int version : {3, 2}) {
-    ScratchKeyFile file(31);
-    ASSERT_EQ(KeyFileInit(version, file.reg(), 12), kOk);
-    const int n = 2500;  // three levels at key length 12
-    for (int i = 0; i < n; ++i) {
-      const int k = (i * 7919) % n;
-      ASSERT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(k), static_cast<uint32_t>(k), 12)), kOk);
-    }
-    KeyEntry cursor = MakeEntry("", 0, 12);
-    ASSERT_EQ(KeyFirstMatch(file.reg(), cursor), kOk);
-    for (int i = 1; i < n; ++i) {
-      ASSERT_EQ(KeyNext(file.reg(), cursor), kOk);
-      ASSERT_EQ(cursor.position, static_cast<uint32_t>(i));
-    }
-    EXPECT_EQ(KeyNext(file.reg(), cursor), kKeyNoMatch);
-    for (int i = n - 2; i >= 0; --i) {
-      ASSERT_EQ(KeyPrev(file.reg(), cursor), kOk);
-      ASSERT_EQ(cursor.position, static_cast<uint32_t>(i));
-    }
-    EXPECT_EQ(KeyPrev(file.reg(), cursor), kKeyNoMatch);
-
-    // A cursor whose pair was deleted meanwhile has reached its end.
-    KeyEntry gone = MakeEntry(Numbered(100), 100, 12);
-    ASSERT_EQ(KeyDelete(file.reg(), gone), kOk);
-    EXPECT_EQ(KeyNext(file.reg(), gone), kKeyNoMatch);
-    EXPECT_EQ(KeyPrev(file.reg(), gone), kKeyNoMatch);
-    EXPECT_TRUE(CheckKeyFile(file.reg()).empty());
-  }
-}
-
-TEST(KeyFileDelete, DeletingEverythingEmptiesTheTree) {
-  for (int version : {3, 2}) {
-    ScratchKeyFile file(31);
-    ASSERT_EQ(KeyFileInit(version, file.reg(), 40), kOk);
-    KeyEntry probe = MakeEntry("", 0, 40);
-    EXPECT_EQ(KeyFirstMatch(file.reg(), probe), kKeyIndexEmpty);
-    EXPECT_EQ(KeyDelete(file.reg(), probe), kKeyIndexEmpty);
-    const int n = 1500;
-    for (int i = 0; i < n; ++i) {
-      ASSERT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(i), static_cast<uint32_t>(i), 40)), kOk);
-    }
-    for (int i = 0; i < n; ++i) {
-      const int k = (i * 611) % n;
-      ASSERT_EQ(KeyDelete(file.reg(), MakeEntry(Numbered(k), static_cast<uint32_t>(k), 40)), kOk)
-          << k;
-      if (i % 100 == 0) {
-        ASSERT_TRUE(CheckKeyFile(file.reg()).empty()) << i;
-      }
-    }
-    file.Flush();
-    const std::vector<uint8_t> header = file.DiskBlock(0);
-    EXPECT_EQ(version == 3 ? Load32(header, 15) : Load16(header, 6), 0u);
-    probe = MakeEntry("", 0, 40);
-    EXPECT_EQ(KeyFirstMatch(file.reg(), probe), kKeyIndexEmpty);
-    EXPECT_EQ(KeyNext(file.reg(), probe), kKeyIndexEmpty);
-    uint32_t count = 7;
-    EXPECT_EQ(MatchesCount(file.reg(), probe.key, 0, true, &count), kOk);
-    EXPECT_EQ(count, 0u);
-    EXPECT_TRUE(CheckKeyFile(file.reg()).empty());
-    if (version == 2) {
-      for (size_t i = 8; i < header.size(); ++i) ASSERT_EQ(header[i], 0) << "bitmap byte " << i;
-    }
-  }
-}
-
-TEST(KeyFileAllocation, Version2TakesTheLowestFreeNode) {
-  ScratchKeyFile file(31);
-  ASSERT_EQ(KeyFileInit(2, file.reg(), 90), kOk);  // 21 entries per node
-  ASSERT_EQ(KeyInsert(file.reg(), MakeEntry("A", 1, 90)), kOk);
-  file.Flush();
-  EXPECT_EQ(Load16(file.DiskBlock(0), 6), 1);  // node 1 first
-  ASSERT_EQ(KeyDelete(file.reg(), MakeEntry("A", 1, 90)), kOk);
-  file.Flush();
-  EXPECT_EQ(file.DiskBlock(0)[8], 0);
-
-  // Three leaves under a root: 1 (split), 2 (right half), 3 (root), then 4.
-  for (int i = 0; i < 40; ++i) {
-    ASSERT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(i), static_cast<uint32_t>(i), 90)), kOk);
-  }
-  file.Flush();
-  EXPECT_EQ(file.DiskBlock(0)[8], 0x0F);
-  // Deleting from the left leaf until it merges frees node 1 or 2; the next split
-  // takes the lowest free number.
-  for (int i = 0; i < 8; ++i) {
-    ASSERT_EQ(KeyDelete(file.reg(), MakeEntry(Numbered(i), static_cast<uint32_t>(i), 90)), kOk);
-  }
-  file.Flush();
-  const uint8_t bits = file.DiskBlock(0)[8];
-  ASSERT_NE(bits, 0x0F) << "a leaf should have been merged away";
-  int lowest_free = 1;
-  while (bits & (1 << (lowest_free - 1))) ++lowest_free;
-  for (int i = 100; i < 130; ++i) {
-    ASSERT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(i), static_cast<uint32_t>(i), 90)), kOk);
-  }
-  file.Flush();
-  EXPECT_TRUE(file.DiskBlock(0)[8] & (1 << (lowest_free - 1)));
   EXPECT_TRUE(CheckKeyFile(file.reg()).empty());
 }
 
 TEST(KeyFileAllocation, Version3ReusesTheMostRecentlyFreedNodeFirst) {
   ScratchKeyFile file(31);
   ASSERT_EQ(KeyFileInit(3, file.reg(), 90), kOk);  // 20 entries per node
-  for (int i = 0; i < 200; ++i) {
-    ASSERT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(i), static_cast<uint32_t>(i), 90)), kOk);
-  }
-  file.Flush();
-  const uint32_t highest = Load32(file.DiskBlock(0), 2);
-  // Delete until at least two nodes are free.
-  int deleted = 0;
-  while (deleted < 200) {
-    ASSERT_EQ(KeyDelete(file.reg(), MakeEntry(Numbered(deleted), deleted, 90)), kOk);
-    ++deleted;
+  ASSERT_NO_FATAL_FAILURE(InsertRange(file.reg(), 0, 200, 90));
+  auto header = [&] {
     file.Flush();
-    const std::vector<uint8_t> header = file.DiskBlock(0);
-    const uint32_t head = Load32(header, 6);
-    if (head != 0 && Load32(file.DiskBlock(head), 2) != 0) break;
+    return file.DiskBlock(0);
+  };
+  const uint32_t highest = Load32(header(), 2);
+  // Delete until at least two nodes are on the free list.
+  uint32_t head = 0;
+  for (int i = 0; head == 0 || Load32(file.DiskBlock(head), 2) == 0; ++i) {
+    ASSERT_LT(i, 200);
+    ASSERT_EQ(KeyDelete(file.reg(), MakeEntry(Numbered(i), i, 90)), kOk);
+    head = Load32(header(), 6);
   }
-  std::vector<uint8_t> header = file.DiskBlock(0);
-  EXPECT_EQ(Load32(header, 2), highest);  // freeing never lowers the counter
-  const uint32_t head = Load32(header, 6);
-  const std::vector<uint8_t> freed = file.DiskBlock(head);
-  EXPECT_EQ(Load16(freed, 0), 0);
-  const uint32_t second = Load32(freed, 2);
-  ASSERT_NE(second, 0u);
+  EXPECT_EQ(Load32(header(), 2), highest);  // freeing never lowers the counter
+  EXPECT_EQ(Load16(file.DiskBlock(head), 0), 0);
+  const uint32_t second = Load32(file.DiskBlock(head), 2);
   EXPECT_TRUE(CheckKeyFile(file.reg()).empty());
 
   // Inserting at the far end splits the rightmost leaf: the new node is the free head.
-  for (int i = 1000; Load32(file.DiskBlock(0), 6) == head; ++i) {
-    ASSERT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(i), static_cast<uint32_t>(i), 90)), kOk);
-    file.Flush();
+  for (int i = 1000; Load32(header(), 6) == head; ++i) {
     ASSERT_LT(i, 1100);
+    ASSERT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(i), i, 90)), kOk);
   }
-  header = file.DiskBlock(0);
-  EXPECT_EQ(Load32(header, 6), second);
-  EXPECT_EQ(Load32(header, 2), highest);
+  EXPECT_EQ(Load32(header(), 6), second);
+  EXPECT_EQ(Load32(header(), 2), highest);
   EXPECT_GT(Load16(file.DiskBlock(head), 0), 0);
   EXPECT_TRUE(CheckKeyFile(file.reg()).empty());
+}
+
+// Ascending keys of length 90 (20 per node) with 7 buffers: once a split runs through
+// three levels and makes a new root, header + path + new nodes no longer fit.
+TEST(KeyFileCachePressure, ACacheTooSmallForOneOperationRefusesBeforeChanging) {
+  ScratchKeyFile file(7);
+  ASSERT_EQ(KeyFileInit(3, file.reg(), 90), kOk);
+  int refused = 0;
+  int rc = kOk;
+  for (; refused < 20000; ++refused) {
+    rc = KeyInsert(file.reg(), MakeEntry(Numbered(refused), refused, 90));
+    if (rc != kOk) break;
+  }
+  ASSERT_EQ(rc, kNoBlocksFree) << "at " << refused;
+  EXPECT_TRUE(CheckKeyFile(file.reg()).empty());
+  EXPECT_EQ(CountAll(file.reg(), 90), static_cast<uint32_t>(refused));
+  KeyEntry probe = MakeEntry(Numbered(refused), 0, 90);
+  EXPECT_EQ(KeyFirstMatch(file.reg(), probe), kKeyNoMatch);
+
+  // Written back and opened with a larger cache, the same insert succeeds.
+  file.Reopen(31);
+  EXPECT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(refused), refused, 90)), kOk);
+  EXPECT_TRUE(CheckKeyFile(file.reg()).empty());
+  EXPECT_EQ(CountAll(file.reg(), 90), static_cast<uint32_t>(refused + 1));
+}
+
+TEST(KeyFileCachePressure, BuffersHeldElsewhereGiveAPlainRefusal) {
+  for (bool write_by_release : {false, true}) {
+    ScratchKeyFile file(7, write_by_release);
+    ASSERT_EQ(KeyFileInit(3, file.reg(), 90), kOk);
+    ASSERT_NO_FATAL_FAILURE(InsertRange(file.reg(), 0, 600, 90, 2));  // three levels
+    file.Flush();
+    // Five buffers pinned by someone else leave two: header and root, not the path.
+    uint8_t* data = nullptr;
+    for (uint32_t block = 50000; block < 50005; ++block) {
+      ASSERT_EQ(file.cache().NewBlock(block, &data), kOk);
+    }
+    EXPECT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(1), 1, 90)), kNoBlocksFree);
+    EXPECT_EQ(KeyDelete(file.reg(), MakeEntry(Numbered(0), 0, 90)), kNoBlocksFree);
+    // Searches hold only the header and one node at a time.
+    KeyEntry probe = MakeEntry(Numbered(2), 0, 90);
+    EXPECT_EQ(KeyFirstMatch(file.reg(), probe), kOk);
+    EXPECT_EQ(probe.position, 1u);
+    for (uint32_t block = 50000; block < 50005; ++block) {
+      ASSERT_EQ(file.cache().Release(block), kOk);
+    }
+    EXPECT_TRUE(CheckKeyFile(file.reg()).empty());
+    EXPECT_EQ(CountAll(file.reg(), 90), 600u);
+    EXPECT_EQ(KeyDelete(file.reg(), MakeEntry(Numbered(0), 0, 90)), kOk);
+    EXPECT_EQ(KeyInsert(file.reg(), MakeEntry(Numbered(1), 1, 90)), kOk);
+  }
+}
+
+// Every operation that passes the leftmost subtree of a damaged tree answers with a code,
+// and nothing loops.
+TEST(KeyFileCorrupt, DamagedNodesAreRefusedWithACode) {
+  for (int damage = 0; damage < 4; ++damage) {
+    SCOPED_TRACE(damage);
+    ScratchKeyFile file(31);
+    ASSERT_NO_FATAL_FAILURE(BuildThreeLevels(file));
+    const uint32_t root = Load32(file.DiskBlock(0), 15);
+    const uint32_t beyond = Load32(file.DiskBlock(0), 2) + 5;
+    struct Patch {
+      uint32_t block;
+      size_t offset;
+      std::vector<uint8_t> bytes;
+    };
+    const std::vector<Patch> damages[] = {
+        {{root, 0, {21, 0}}},          // too many entries
+        {{root, 2, Bytes32(root)}},    // a child link back to the root
+        {{root, 2, Bytes32(beyond)}},  // a child beyond the highest node
+        {{0, 2, Bytes32(beyond + 5)}, {0, 15, Bytes32(beyond + 5)}},  // beyond the file
+    };
+    for (const Patch& patch : damages[damage])
+      file.PatchDisk(patch.block, patch.offset, patch.bytes);
+    file.Reopen(31);
+    const int code = damage == 3 ? kBlockBeyondEnd : kKeyFileCorrupt;
+    KeyEntry entry = MakeEntry(Numbered(0), 0, 90);
+    EXPECT_EQ(KeyFirstMatch(file.reg(), entry), code);
+    entry = MakeEntry(Numbered(0), 0, 90);
+    EXPECT_EQ(KeyLastMatch(file.reg(), entry), code);
+    entry = MakeEntry(Numbered(0), 0, 90);
+    EXPECT_EQ(KeyNext(file.reg(), entry), code);
+    EXPECT_EQ(KeyInsert(file.reg(), MakeEntry("A", 1, 90)), code);
+    EXPECT_EQ(KeyDelete(file.reg(), MakeEntry(Numbered(0), 0, 90)), code);
+    uint32_t count = 0;
+    EXPECT_EQ(MatchesCount(file.reg(), entry.key, 0, true, &count), code);
+    EXPECT_FALSE(CheckKeyFile(file.reg()).empty());
+  }
+}
+
+TEST(KeyFileCorrupt, ABrokenFreeListStopsAnInsertBeforeItChangesAnything) {
+  ScratchKeyFile file(31);
+  ASSERT_NO_FATAL_FAILURE(BuildThreeLevels(file));
+  // The free list claims the root, which has entries.
+  file.PatchDisk(0, 6, Bytes32(Load32(file.DiskBlock(0), 15)));
+  file.Reopen(31);
+  // Fill the rightmost leaf until a split needs a node.
+  int rc = kOk;
+  int i = 1000;
+  for (; rc == kOk && i < 1100; ++i) rc = KeyInsert(file.reg(), MakeEntry(Numbered(i), i, 90));
+  EXPECT_EQ(rc, kKeyFileCorrupt);
+  KeyEntry refused = MakeEntry(Numbered(i - 1), 0, 90);
+  EXPECT_EQ(KeyFirstMatch(file.reg(), refused), kKeyNoMatch);
+  const std::vector<std::string> problems = CheckKeyFile(file.reg());
+  ASSERT_FALSE(problems.empty());
+  EXPECT_NE(problems.front().find("free"), std::string::npos) << problems.front();
+}
+
+TEST(KeyFileFatal, FreeingANodeBeyondTheLimitStopsTheProgram) {
+  ScratchKeyFile file(31);
+  ASSERT_EQ(KeyFileInit(3, file.reg(), 20), kOk);
+  // A one-leaf tree whose leaf has a node number no file under 2 GB can hold.
+  const uint32_t node = 1048580;
+  PatchCached(file.cache(), 0, 2, Bytes32(node));
+  PatchCached(file.cache(), 0, 15, Bytes32(node));
+  std::vector<uint8_t> leaf(6 + 28, 0);
+  leaf[0] = 1;
+  leaf[10] = 77;
+  std::memcpy(&leaf[14], MakeEntry("ONLY", 77, 20).key, 20);
+  PatchCached(file.cache(), node, 0, leaf, /*new_block=*/true);
+  KeyEntry found = MakeEntry("ONLY", 0, 20);
+  ASSERT_EQ(KeyFirstMatch(file.reg(), found), kOk);
+  EXPECT_EQ(found.position, 77u);
+  try {
+    KeyDelete(file.reg(), MakeEntry("ONLY", 77, 20));
+    FAIL() << "no fatal error";
+  } catch (const StorageFatalError& e) {
+    EXPECT_EQ(e.caption(), "Database Index Error");
+    EXPECT_EQ(e.step(), "xNodeDeAlloc2");
+  }
+}
+
+TEST(KeyFileFatal, AWriteBackFailingAfterAChangeNamesTheStep) {
+  for (int version : {3, 2}) {
+    ScratchKeyFile file(31);
+    ASSERT_EQ(KeyFileInit(version, file.reg(), 20), kOk);
+    ASSERT_EQ(KeyInsert(file.reg(), MakeEntry("FIRST", 1, 20)), kOk);
+    file.Flush();
+    // The same file opened read-only, every change written when released.
+    const int fd = ::open(file.path().c_str(), O_RDONLY);
+    ASSERT_GE(fd, 0);
+    BlockCache::Instance().Close(file.reg());
+    BlockCache::Instance().Configure({CacheKind::kRandomAccess, true, false, ""});
+    ASSERT_EQ(BlockCache::Instance().Open(file.reg(), fd, file.path(), 31), kOk);
+    // Nothing changed yet: searching works on a read-only file.
+    KeyEntry found = MakeEntry("FIRST", 0, 20);
+    EXPECT_EQ(KeyFirstMatch(file.reg(), found), kOk);
+    try {
+      KeyInsert(file.reg(), MakeEntry("SECOND", 2, 20));
+      ADD_FAILURE() << "no fatal error";
+    } catch (const StorageFatalError& e) {
+      EXPECT_EQ(e.caption(), version == 3 ? "Database Index Error" : "FatalError");
+      EXPECT_EQ(e.step(), version == 3 ? "xInsertEntry" : "InsertEntry");
+    }
+    BlockCache::Instance().Close(file.reg());
+    ::close(fd);
+  }
+}
+
+TEST(KeyFileCapacity, NearlyFullAndFullAreReported) {
+  {
+    // Version 3: the node after 1046526 is past the nearly-full mark.
+    ScratchKeyFile file(31);
+    ASSERT_EQ(KeyFileInit(3, file.reg(), 20), kOk);
+    PatchCached(file.cache(), 0, 2, Bytes32(1046526));
+    EXPECT_EQ(KeyInsert(file.reg(), MakeEntry("A", 1, 20)), kKeyFileNearlyFull);
+    EXPECT_EQ(KeyInsert(file.reg(), MakeEntry("B", 2, 20)), kOk);  // no new node
+    KeyEntry found = MakeEntry("A", 0, 20);
+    EXPECT_EQ(KeyFirstMatch(file.reg(), found), kOk);
+    EXPECT_EQ(found.position, 1u);
+    file.Flush();
+    EXPECT_EQ(Load32(file.DiskBlock(0), 15), 1046527u);  // the root
+  }
+  {
+    // Version 2: the first free node lies in bitmap byte 2032.
+    ScratchKeyFile file(31);
+    ASSERT_EQ(KeyFileInit(2, file.reg(), 20), kOk);
+    PatchCached(file.cache(), 0, 8, std::vector<uint8_t>(2032, 0xFF));
+    EXPECT_EQ(KeyInsert(file.reg(), MakeEntry("A", 1, 20)), kKeyFileNearlyFull);
+    KeyEntry found = MakeEntry("A", 0, 20);
+    EXPECT_EQ(KeyFirstMatch(file.reg(), found), kOk);
+    EXPECT_EQ(KeyDelete(file.reg(), MakeEntry("A", 1, 20)), kOk);
+    // With every bit set no node is left, and nothing changes.
+    PatchCached(file.cache(), 0, 8, std::vector<uint8_t>(2040, 0xFF));
+    EXPECT_EQ(KeyInsert(file.reg(), MakeEntry("A", 1, 20)), kKeyFileFull);
+    found = MakeEntry("A", 0, 20);
+    EXPECT_EQ(KeyFirstMatch(file.reg(), found), kKeyIndexEmpty);
+  }
 }
 
 }  // namespace

@@ -4,105 +4,21 @@
 // every step.
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cstdint>
-#include <cstdio>
-#include <cstring>
 #include <iterator>
-#include <ostream>
-#include <random>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "storage/block_cache.h"
 #include "storage/cache_monitoring.h"
-#include "storage/key_file.h"
 #include "storage/key_file_test_support.h"
 #include "storage/key_tree_check.h"
 #include "storage/result_codes.h"
-#include "testing/temp_dir.h"
 
 namespace korvan::storage {
 namespace {
 
-struct Pair {
-  std::string key;  // all key_length bytes
-  int32_t position = 0;
-  // Key bytes unsigned (char_traits<char> compares like memcmp), then signed position.
-  bool operator<(const Pair& other) const {
-    if (const int c = key.compare(other.key); c != 0) return c < 0;
-    return position < other.position;
-  }
-  bool operator==(const Pair& other) const = default;
-};
-
-void PrintTo(const Pair& pair, std::ostream* out) {
-  std::string text = pair.key;
-  while (!text.empty() && text.back() == '\x04') text.pop_back();
-  *out << '"' << text << "\"/" << pair.position;
-}
-
-// One key file registered twice, each registration with its own cache, as two processes
-// sharing the file would have it. A change made through one reaches the other only
-// through the file: the writer writes its changed blocks back and the reader drops what
-// it has cached (closes and opens its registration again, as the lock file does under
-// its mutex before every operation).
-class SharedKeyFile {
- public:
-  static constexpr int kOwn = 38;
-  static constexpr int kOther = 39;
-
-  SharedKeyFile(int own_blocks, int other_blocks, bool monitoring = false)
-      : path_(dir_.File("walk.Q30")) {
-    fds_[0] = ::open(path_.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0644);
-    fds_[1] = ::open(path_.c_str(), O_RDWR);
-    if (fds_[0] < 0 || fds_[1] < 0) throw std::runtime_error("cannot open " + path_);
-    blocks_[0] = own_blocks;
-    blocks_[1] = other_blocks;
-    CacheSettings settings;
-    settings.monitoring = monitoring;
-    BlockCache::Instance().Configure(settings);
-    Register(kOwn);
-    Register(kOther);
-    BlockCache::Instance().Configure(CacheSettings{});
-  }
-  ~SharedKeyFile() {
-    BlockCache::Instance().Close(kOwn);
-    BlockCache::Instance().Close(kOther);
-    ::close(fds_[0]);
-    ::close(fds_[1]);
-  }
-  SharedKeyFile(const SharedKeyFile&) = delete;
-  SharedKeyFile& operator=(const SharedKeyFile&) = delete;
-
-  const std::string& path() const { return path_; }
-
-  // Makes the changes made through `from` visible through `to`.
-  void HandOver(int from, int to) {
-    if (BlockCache::Instance().WriteAll(from) != kOk) throw std::runtime_error("WriteAll failed");
-    BlockCache::Instance().Close(to);
-    Register(to);
-  }
-
- private:
-  static int Index(int registration) { return registration == kOwn ? 0 : 1; }
-  void Register(int registration) {
-    const int i = Index(registration);
-    if (BlockCache::Instance().Open(registration, fds_[i], path_, blocks_[i]) != kOk) {
-      throw std::runtime_error("cannot register " + path_);
-    }
-  }
-
-  korvan::testing::TempDir dir_;
-  std::string path_;
-  int fds_[2] = {-1, -1};
-  int blocks_[2] = {0, 0};
-};
+using namespace testing;  // NOLINT
 
 struct WalkConfig {
   int version;
@@ -113,7 +29,9 @@ struct WalkConfig {
 class WalkRun {
  public:
   WalkRun(const WalkConfig& config, uint32_t seed)
-      : config_(config), rng_(seed), file_(config.own_blocks, 31) {}
+      : config_(config), rng_(seed), file_(config.own_blocks) {
+    file_.OpenOther(31);
+  }
 
   void Run(int operations) {
     ASSERT_EQ(KeyFileInit(config_.version, kOwn, config_.key_length), kOk);
@@ -143,29 +61,13 @@ class WalkRun {
   }
 
  private:
-  static constexpr int kOwn = SharedKeyFile::kOwn;
-  static constexpr int kOther = SharedKeyFile::kOther;
+  static constexpr int kOwn = ScratchKeyFile::kRegistration;
+  static constexpr int kOther = ScratchKeyFile::kOther;
 
   Pair RandomPair() {
-    // Few distinct keys, so that equal keys with different positions are common.
-    std::string key(static_cast<size_t>(config_.key_length), '\x04');
-    const int length = 1 + static_cast<int>(rng_() % 3);
-    for (int i = 0; i < length; ++i) key[static_cast<size_t>(i)] = "ABCDEFGH"[rng_() % 8];
-    const uint32_t r = rng_() % 64;
-    const int32_t position =
-        r == 0 ? static_cast<int32_t>(0x80000000u + rng_() % 4) : static_cast<int32_t>(r * 100);
-    return Pair{key, position};
-  }
-  KeyEntry ToEntry(const Pair& pair) const {
-    KeyEntry entry;
-    entry.position = static_cast<uint32_t>(pair.position);
-    std::memcpy(entry.key, pair.key.data(), pair.key.size());
-    return entry;
-  }
-  Pair FromEntry(const KeyEntry& entry) const {
-    return Pair{std::string(reinterpret_cast<const char*>(entry.key),
-                            static_cast<size_t>(config_.key_length)),
-                static_cast<int32_t>(entry.position)};
+    std::string key(static_cast<size_t>(rng_() % 3 + 1), 'A');
+    for (char& c : key) c = "ABCDEFGH"[rng_() % 8];
+    return Pair{Padded(key, config_.key_length), RandomPosition(rng_, 64)};
   }
   Pair RandomModelPair() {
     return *std::next(model_.begin(), static_cast<long>(rng_() % model_.size()));
@@ -176,8 +78,7 @@ class WalkRun {
     Pair pair = RandomPair();
     if (beside_cursor) pair.key = cursor_.key;
     const int rc = KeyInsert(registration, ToEntry(pair));
-    ASSERT_EQ(rc, model_.count(pair) != 0 ? kKeyDuplicate : kOk);
-    model_.insert(pair);
+    ASSERT_EQ(rc, model_.insert(pair).second ? kOk : kKeyDuplicate);
   }
 
   void Delete(int registration, const Pair& pair) {
@@ -230,8 +131,8 @@ class WalkRun {
     KeyEntry entry = ToEntry(cursor_);
     const int rc = forward_ ? KeyNext(kOwn, entry) : KeyPrev(kOwn, entry);
     ++steps_taken_;
-    const std::string where = std::string(forward_ ? "next" : "prev") + " from " +
-                              cursor_.key.substr(0, 3) + "/" + std::to_string(cursor_.position);
+    const std::string where =
+        (forward_ ? "next from " : "prev from ") + ::testing::PrintToString(cursor_);
     if (model_.empty()) {
       ASSERT_EQ(rc, kKeyIndexEmpty) << where;
       return;
@@ -240,7 +141,7 @@ class WalkRun {
     if (at == model_.end()) {
       // The cursor's pair is gone: as if the end had been reached.
       ASSERT_EQ(rc, kKeyNoMatch) << where;
-      ASSERT_EQ(FromEntry(entry), cursor_) << where;
+      ASSERT_EQ(FromEntry(entry, config_.key_length), cursor_) << where;
       Jump();
       return;
     }
@@ -251,31 +152,28 @@ class WalkRun {
     }
     ASSERT_EQ(rc, kOk) << where;
     const Pair expected = forward_ ? *std::next(at) : *std::prev(at);
-    ASSERT_EQ(FromEntry(entry), expected) << where;
+    ASSERT_EQ(FromEntry(entry, config_.key_length), expected) << where;
     cursor_ = expected;
   }
 
   WalkConfig config_;
   std::mt19937 rng_;
-  SharedKeyFile file_;
+  ScratchKeyFile file_;
   std::set<Pair> model_;
   Pair cursor_;
   bool forward_ = true;
   int steps_taken_ = 0;
 };
 
-void RunWalks(const WalkConfig& config, int operations) {
-  const uint32_t seed = 7100 + static_cast<uint32_t>(config.version * 100 + config.own_blocks);
-  SCOPED_TRACE("version " + std::to_string(config.version) + ", key length " +
-               std::to_string(config.key_length) + ", " + std::to_string(config.own_blocks) +
-               " blocks, seed " + std::to_string(seed));
-  WalkRun(config, seed).Run(operations);
-}
-
 TEST(KeyFileWalk, StepsMatchTheModelWhileThisAndAnotherProcessChangeTheFile) {
-  RunWalks({3, 90, 64}, 12000);
-  RunWalks({3, 90, 7}, 6000);
-  RunWalks({2, 90, 64}, 8000);
+  for (const auto& [config, operations] : std::vector<std::pair<WalkConfig, int>>{
+           {{3, 90, 64}, 12000}, {{3, 90, 7}, 6000}, {{2, 90, 64}, 8000}}) {
+    const uint32_t seed = 7100 + static_cast<uint32_t>(config.version * 100 + config.own_blocks);
+    SCOPED_TRACE("version " + std::to_string(config.version) + ", " +
+                 std::to_string(config.own_blocks) + " blocks, seed " + std::to_string(seed));
+    WalkRun(config, seed).Run(operations);
+    if (HasFatalFailure()) return;
+  }
 }
 
 // The block in which this process last stepped may be something else entirely by the
@@ -283,104 +181,81 @@ TEST(KeyFileWalk, StepsMatchTheModelWhileThisAndAnotherProcessChangeTheFile) {
 // points is now the root and holds the cursor's pair, followed by the separator of the
 // next leaf. The in-order successor is the first entry of that leaf.
 TEST(KeyFileWalk, AHintedLeafThatAnotherProcessMadeAnInnerNodeIsNotUsed) {
-  SharedKeyFile file(64, 64);
-  constexpr int kOwn = SharedKeyFile::kOwn;
-  constexpr int kOther = SharedKeyFile::kOther;
+  ScratchKeyFile file(64);
+  file.OpenOther(64);
+  constexpr int kOwn = ScratchKeyFile::kRegistration;
+  constexpr int kOther = ScratchKeyFile::kOther;
   constexpr int kKeyLength = 90;  // 20 entries per node, 9 the underflow limit
-  constexpr uint32_t kBlock = 3;
-  auto entry = [](int number) {
-    char text[8];
-    std::snprintf(text, sizeof text, "K%04d", number);
-    return testing::MakeEntry(text, 0, kKeyLength);
-  };
-  // The node at kBlock on disk: its count and leftmost child.
-  auto node_on_disk = [&](int registration) {
-    EXPECT_EQ(BlockCache::Instance().WriteAll(registration), kOk);
-    std::vector<uint8_t> block(kBlockSize);
-    const int fd = ::open(file.path().c_str(), O_RDONLY);
-    EXPECT_EQ(::pread(fd, block.data(), block.size(), off_t{kBlock} * kBlockSize), kBlockSize);
-    ::close(fd);
-    return std::pair<int, uint32_t>(testing::Load16(block, 0), testing::Load32(block, 2));
-  };
+  auto entry = [](int number) { return MakeEntry("K" + std::to_string(number), 0, kKeyLength); };
 
   // This process: a root split (leaves 1 and 2, root 3), a merge that frees 2 and 3, and
   // a split that takes node 3 back as the new right leaf.
   ASSERT_EQ(KeyFileInit(3, kOwn, kKeyLength), kOk);
-  for (int i = 1; i <= 21; ++i) ASSERT_EQ(KeyInsert(kOwn, entry(i)), kOk);
-  ASSERT_EQ(KeyDelete(kOwn, entry(21)), kOk);
-  ASSERT_EQ(KeyDelete(kOwn, entry(20)), kOk);
-  for (int i = 20; i <= 22; ++i) ASSERT_EQ(KeyInsert(kOwn, entry(i)), kOk);
-  const auto [own_count, own_leftmost] = node_on_disk(kOwn);
-  ASSERT_EQ(own_leftmost, 0u) << "node 3 is not a leaf";
-  ASSERT_GE(own_count, 3);
-  KeyEntry cursor = entry(12);  // first entry of node 3
+  for (int i = 101; i <= 121; ++i) ASSERT_EQ(KeyInsert(kOwn, entry(i)), kOk);
+  ASSERT_EQ(KeyDelete(kOwn, entry(121)), kOk);
+  ASSERT_EQ(KeyDelete(kOwn, entry(120)), kOk);
+  for (int i = 120; i <= 122; ++i) ASSERT_EQ(KeyInsert(kOwn, entry(i)), kOk);
+  file.Flush();
+  std::vector<uint8_t> node = file.DiskBlock(3);
+  ASSERT_EQ(Load32(node, 2), 0u) << "node 3 is not a leaf";
+  ASSERT_GE(Load16(node, 0), 3);
+  KeyEntry cursor = entry(112);  // first entry of node 3
   ASSERT_EQ(KeyNext(kOwn, cursor), kOk);
-  EXPECT_EQ(testing::KeyText(cursor, kKeyLength), "K0013");
+  EXPECT_EQ(KeyText(cursor, kKeyLength), "K113");
 
   // Another process starts the file afresh: leaves 1, 2 and 4 under root 3, which holds
   // K1011 and K1022.
   file.HandOver(kOwn, kOther);
   ASSERT_EQ(KeyFileInit(3, kOther, kKeyLength), kOk);
   for (int i = 1001; i <= 1032; ++i) ASSERT_EQ(KeyInsert(kOther, entry(i)), kOk);
-  const auto [other_count, other_leftmost] = node_on_disk(kOther);
-  ASSERT_NE(other_leftmost, 0u) << "node 3 is not an inner node";
-  ASSERT_EQ(other_count, 2);
   file.HandOver(kOther, kOwn);
+  node = file.DiskBlock(3);
+  ASSERT_NE(Load32(node, 2), 0u) << "node 3 is not an inner node";
+  ASSERT_EQ(Load16(node, 0), 2);
 
   cursor = entry(1011);
   ASSERT_EQ(KeyNext(kOwn, cursor), kOk);
-  EXPECT_EQ(testing::KeyText(cursor, kKeyLength), "K1012");
+  EXPECT_EQ(KeyText(cursor, kKeyLength), "K1012");
   cursor = entry(1022);
   ASSERT_EQ(KeyPrev(kOwn, cursor), kOk);
-  EXPECT_EQ(testing::KeyText(cursor, kKeyLength), "K1021");
-  // The cursor of before is gone.
-  cursor = entry(13);
+  EXPECT_EQ(KeyText(cursor, kKeyLength), "K1021");
+  cursor = entry(113);  // the cursor of before is gone
   EXPECT_EQ(KeyNext(kOwn, cursor), kKeyNoMatch);
 }
 
 // A walk along a leaf reads the header and that leaf only, instead of every node on the
-// way down from the root; the tree here is three levels deep.
+// way down from the root; the tree here is three levels deep. A descent (header and
+// three nodes) comes once per leaf of at least nine entries.
 TEST(KeyFileWalk, StepsAlongALeafReadTwoBlocks) {
-  SharedKeyFile file(1024, 7, true);
-  constexpr int kReg = SharedKeyFile::kOwn;
+  ScratchKeyFile file(1024, false, CacheKind::kRandomAccess, true);
+  constexpr int kReg = ScratchKeyFile::kRegistration;
   constexpr int kKeyLength = 90;
-  ASSERT_EQ(KeyFileInit(3, kReg, kKeyLength), kOk);
   constexpr int kEntries = 3000;
-  for (int i = 0; i < kEntries; ++i) {
-    const uint32_t number = static_cast<uint32_t>(i) * 7919u % kEntries;
-    ASSERT_EQ(
-        KeyInsert(kReg, testing::MakeEntry(std::to_string(number + 10000), number, kKeyLength)),
-        kOk);
+  ASSERT_EQ(KeyFileInit(3, kReg, kKeyLength), kOk);
+  for (uint32_t i = 0; i < kEntries; ++i) {
+    const uint32_t number = i * 7919u % kEntries;
+    ASSERT_EQ(KeyInsert(kReg, MakeEntry(std::to_string(number + 10000), number, kKeyLength)), kOk);
   }
   const CacheMonitor* monitor = BlockCache::Instance().Find(kReg)->Monitoring();
   ASSERT_NE(monitor, nullptr);
-
-  KeyEntry cursor = testing::MakeEntry("", 0, kKeyLength);
-  ASSERT_EQ(KeyFirstMatch(kReg, cursor), kOk);
-  const uint32_t reads_before = monitor->figures(MonitoredFunction::kRead).Si;
-  int steps = 0;
-  int rc = kOk;
-  for (; rc == kOk; ++steps) {
-    ASSERT_EQ(testing::KeyText(cursor, kKeyLength), std::to_string(steps + 10000));
-    rc = KeyNext(kReg, cursor);
+  for (bool forward : {true, false}) {
+    SCOPED_TRACE(forward ? "forward" : "backward");
+    KeyEntry cursor = MakeEntry("", 0, kKeyLength);
+    ASSERT_EQ(forward ? KeyFirstMatch(kReg, cursor) : KeyLastMatch(kReg, cursor), kOk);
+    const uint32_t reads_before = monitor->figures(MonitoredFunction::kRead).Si;
+    int steps = 0;
+    for (int rc = kOk; rc == kOk; ++steps) {
+      ASSERT_EQ(KeyText(cursor, kKeyLength),
+                std::to_string((forward ? steps : kEntries - 1 - steps) + 10000));
+      rc = forward ? KeyNext(kReg, cursor) : KeyPrev(kReg, cursor);
+      if (rc != kOk) {
+        ASSERT_EQ(rc, kKeyNoMatch);
+      }
+    }
+    EXPECT_EQ(steps, kEntries);
+    EXPECT_LT(monitor->figures(MonitoredFunction::kRead).Si - reads_before,
+              static_cast<uint32_t>(steps) * 5 / 2);
   }
-  EXPECT_EQ(rc, kKeyNoMatch);
-  EXPECT_EQ(steps, kEntries);
-  const uint32_t reads = monitor->figures(MonitoredFunction::kRead).Si - reads_before;
-  // Two per step inside a leaf; a descent (header and three nodes) once per leaf of at
-  // least nine entries.
-  EXPECT_LT(reads, static_cast<uint32_t>(steps) * 5 / 2);
-
-  // Backwards the same.
-  ASSERT_EQ(KeyLastMatch(kReg, cursor), kOk);
-  const uint32_t back_before = monitor->figures(MonitoredFunction::kRead).Si;
-  for (steps = 0, rc = kOk; rc == kOk; ++steps) {
-    ASSERT_EQ(testing::KeyText(cursor, kKeyLength), std::to_string(kEntries - 1 - steps + 10000));
-    rc = KeyPrev(kReg, cursor);
-  }
-  EXPECT_EQ(steps, kEntries);
-  EXPECT_LT(monitor->figures(MonitoredFunction::kRead).Si - back_before,
-            static_cast<uint32_t>(steps) * 5 / 2);
 }
 
 }  // namespace
