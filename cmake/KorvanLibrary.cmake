@@ -1,9 +1,10 @@
-# One static library per subsystem folder: every .cpp in the folder belongs to it.
+# One static library per subsystem folder: every .cpp in the folder and its sub-folders
+# belongs to it.
 # korvan_library(<name> [DEPENDS <lib>...]) creates korvan_<name>, includable as
 # "<name>/<file>.h" from src/.
 function(korvan_library name)
   cmake_parse_arguments(ARG "" "" "DEPENDS;PACKAGES" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(sources)
     add_library(korvan_${name} STATIC ${sources})
     set(scope PUBLIC)
@@ -22,7 +23,7 @@ endfunction()
 # one executable <name>_tests and registers each test case with ctest.
 function(korvan_test_suite name)
   cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(NOT sources)
     return()
   endif()

@@ -19,10 +19,10 @@
 #include <string>
 #include <vector>
 
-#include "data/table_change_journal.h"
-#include "data/undo_items.h"
-#include "data/undo_redo.h"
-#include "data/undo_stream.h"
+#include "data/tables/table_change_journal.h"
+#include "data/undo/undo_items.h"
+#include "data/undo/undo_redo.h"
+#include "data/undo/undo_stream.h"
 
 namespace {
 

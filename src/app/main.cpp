@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "app/korvan_main.h"
+#include "app/cli/korvan_main.h"
 
 int main(int argc, char** argv) {
   std::vector<std::string> args(argv + 1, argv + argc);

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "app/single_instance.h"
+#include "app/program/single_instance.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::app {

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/installation.h"
+#include "app/program/installation.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 

@@ -1,4 +1,4 @@
-#include "app/db_shell.h"
+#include "app/commands/db/db_shell.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/key_text.h"
+#include "app/commands/db/key_text.h"
 #include "storage/db_kernel.h"
 #include "testing/temp_dir.h"
 

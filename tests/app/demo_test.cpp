@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <string>
 
-#include "data/null_values.h"
-#include "data/std_db.h"
-#include "data/table_key.h"
-#include "data/tb_einheit.h"
-#include "data/tb_waehrung.h"
+#include "data/records/null_values.h"
+#include "data/tables/std_db.h"
+#include "data/tables/table_key.h"
+#include "data/units/tb_einheit.h"
+#include "data/units/tb_waehrung.h"
 #include "storage/result_codes.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"

@@ -6,13 +6,13 @@
 #include <memory>
 #include <string>
 
-#include "app/data_module_registry.h"
-#include "app/installation.h"
-#include "app/master_data_session.h"
-#include "data/db_groups.h"
-#include "data/list_operation.h"
-#include "data/std_db.h"
-#include "data/tb_waehrung.h"
+#include "app/commands/lists/data_module_registry.h"
+#include "app/program/installation.h"
+#include "app/commands/lists/master_data_session.h"
+#include "data/db/db_groups.h"
+#include "data/component/list_operation.h"
+#include "data/tables/std_db.h"
+#include "data/units/tb_waehrung.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 

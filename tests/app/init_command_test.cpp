@@ -9,7 +9,7 @@
 #include <set>
 #include <string>
 
-#include "app/installation.h"
+#include "app/program/installation.h"
 #include "storage/db_kernel.h"
 #include "storage/result_codes.h"
 #include "testing/run_korvan.h"

@@ -1,4 +1,4 @@
-#include "app/single_instance.h"
+#include "app/program/single_instance.h"
 
 #include <signal.h>
 #include <sys/stat.h>

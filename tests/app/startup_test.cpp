@@ -1,4 +1,4 @@
-#include "app/startup.h"
+#include "app/program/startup.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/installation.h"
+#include "app/program/installation.h"
 #include "app_test_support.h"
 #include "storage/kernel_settings.h"
 #include "testing/run_korvan.h"

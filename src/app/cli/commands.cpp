@@ -1,0 +1,20 @@
+// The one place where the command groups are put together; each group registers its own
+// commands.
+#include "app/cli/command.h"
+#include "app/commands/admin/admin_commands.h"
+#include "app/commands/db/db_commands.h"
+#include "app/commands/lists/list_commands.h"
+#include "app/program/program_commands.h"
+
+namespace korvan::app {
+
+CommandList AllCommands() {
+  CommandList commands;
+  AddAdminCommands(commands);
+  AddDbCommands(commands);
+  AddProgramCommands(commands);
+  AddListCommands(commands);
+  return commands;
+}
+
+}  // namespace korvan::app

@@ -1,0 +1,142 @@
+// `korvan check`: the integrity check over the databases of an installation.
+#include "app/commands/admin/check_command.h"
+
+#include <unistd.h>
+
+#include <climits>
+#include <filesystem>
+#include <optional>
+#include <ostream>
+#include <set>
+#include <sstream>
+
+#include <CLI/CLI.hpp>
+
+#include "app/cli/command_error.h"
+#include "app/program/current_project.h"
+#include "app/program/data_dir.h"
+#include "data/integrity/data_integrity.h"
+#include "data/integrity/data_rebuild.h"
+#include "data/db/path_types.h"
+
+namespace korvan::app {
+namespace fs = std::filesystem;
+namespace {
+
+std::string HostName() {
+  char name[HOST_NAME_MAX + 1] = {};
+  return ::gethostname(name, sizeof name - 1) == 0 ? std::string(name) : std::string();
+}
+
+// Writes "\r<table>: n/total" on a terminal.
+class ProgressLine {
+ public:
+  explicit ProgressLine(std::ostream& err) : err_(err), shown_(::isatty(STDERR_FILENO) == 1) {}
+  void Show(const data::TStdTB& table, int checked, int total) {
+    if (!shown_ || (checked % 256 != 0 && checked + 1 != total)) return;
+    err_ << "\r" << table.Db().Name() << " " << table.TableName() << ": " << checked + 1 << "/"
+         << total << "      " << std::flush;
+    used_ = true;
+  }
+  void End() {
+    if (used_) err_ << "\r" << std::string(60, ' ') << "\r" << std::flush;
+  }
+
+ private:
+  std::ostream& err_;
+  bool shown_;
+  bool used_ = false;
+};
+
+std::string LogText(const data::TDataIntegrity& run) {
+  std::ostringstream text;
+  run.AddLogToStream(text);
+  std::string lines = text.str();
+  // On the terminal lines end the local way.
+  std::erase(lines, '\r');
+  return lines;
+}
+
+}  // namespace
+
+MaintenanceTarget::MaintenanceTarget(const std::string& base_dir, const std::string& group)
+    : installation_(LoadInstallation(RequireInstallation(base_dir))), group_(group) {
+  OpenCurrentProject(installation_);
+  if (!group_.empty() && data::FindDbGroup(group_) == nullptr) {
+    throw UsageError("unbekannte Datenbankgruppe \"" + group_ + "\"");
+  }
+  files_ = std::make_unique<data::DatabaseFiles>(installation_.machine.ToDatabaseDirectories());
+}
+
+std::string MaintenanceTarget::SysFolder() const {
+  return data::DirectoryOfPathType(data::kPathSystemSys,
+                                   installation_.machine.ToDatabaseDirectories());
+}
+
+data::ControlUser MaintenanceTarget::Me() const {
+  return {installation_.machine.SystemUserName(), HostName()};
+}
+
+void MaintenanceTarget::RequireNoOtherUsers(const std::vector<const data::DatabaseFile*>& files,
+                                            const std::string& action) const {
+  std::set<std::string> directories;
+  for (const data::DatabaseFile* file : files) directories.insert(file->directory());
+  for (const std::string& directory : directories) {
+    data::TControlList list(directory);
+    try {
+      if (list.Open(Me(), true)) {
+        list.Close();
+        continue;
+      }
+    } catch (const data::ControlFileError& error) {
+      throw CommandError(action + " abgebrochen, nichts geändert: " + error.what());
+    }
+    const std::optional<data::ControlEntry>& holder = list.GetLockUser();
+    std::string who = holder ? holder->DisplayName() : std::string(data::kStandardUser);
+    if (holder && !holder->machine.empty()) who += " (" + holder->machine + ")";
+    throw CommandError(action + " abgebrochen, nichts geändert: Verzeichnis \"" + directory +
+                       "\" wird benutzt von " + who);
+  }
+}
+
+int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group,
+             Streams& streams) {
+  const MaintenanceTarget target(base_dir, group);
+  data::TdmDataRebuild rebuild(target.files(), target.Me());
+  data::TDataIntegrity run;
+  ProgressLine progress(streams.err);
+  run.FOnProgress = [&](const data::TStdTB& table, int checked, int total) {
+    progress.Show(table, checked, total);
+  };
+  int problems = rebuild.IntegrityCheck(run, dry_run, group);
+  progress.End();
+  for (const std::string& line : rebuild.RecoveryLines()) streams.out << line << "\n";
+  streams.out << LogText(run);
+  const fs::path log_file = run.AddLogToFile(target.SysFolder());
+  streams.out << run.RecordsChecked() << " Record(s) untersucht, " << problems << " Problem(e)"
+              << (dry_run ? " (Trockenlauf)" : "") << "\n";
+  streams.out << "Protokoll: " << log_file.string() << "\n";
+  if (!dry_run && problems > 0) {
+    // Repairs are problems of the first run; what remains is what a second look finds.
+    data::TDataIntegrity again;
+    problems = rebuild.IntegrityCheck(again, true, group);
+    streams.out << "nach der Reparatur: " << problems << " Problem(e)\n";
+  }
+  if (problems > 0 && !dry_run) {
+    streams.out << "Was die Prüfung nicht reparieren kann, behebt oft \"korvan rebuild\" "
+                   "(baut die Datenbanken aus ihren Datendateien neu auf).\n";
+  }
+  return problems > 0 ? kExitFailure : kExitOk;
+}
+
+void CheckCommand::Define(CLI::App& app) {
+  AddDataDirOption(app, data_dir_);
+  app.add_flag("--dry-run", dry_run_, "only report, change nothing");
+  app.add_option("--group", group_, "only the databases of this group (e.g. DB_Stamm)");
+}
+
+int CheckCommand::Run(Streams& streams) {
+  return RunCheck(data_dir_, dry_run_, group_, streams);
+}
+
+}  // namespace korvan::app

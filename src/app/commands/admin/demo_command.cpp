@@ -1,0 +1,155 @@
+// `korvan demo`: sets up a sample installation, enters a few currencies and units into
+// its master data and shows what the installation then holds.
+#include "app/commands/admin/demo_command.h"
+
+#include <ostream>
+#include <string_view>
+
+#include <CLI/CLI.hpp>
+
+#include "app/cli/command_error.h"
+#include "app/program/data_dir.h"
+#include "app/commands/db/db_database.h"
+#include "app/commands/admin/info_command.h"
+#include "app/commands/admin/init_command.h"
+#include "app/program/installation.h"
+#include "data/units/currency_records.h"
+#include "data/db/db_groups.h"
+#include "data/records/null_values.h"
+#include "data/tables/std_db.h"
+#include "data/tables/table_key.h"
+#include "data/units/tb_einheit.h"
+#include "data/units/tb_waehrung.h"
+#include "storage/result_codes.h"
+
+namespace korvan::app {
+namespace {
+
+// The language of the sample units: German, the program's default language.
+constexpr int16_t kGerman = 49;
+
+struct SampleCurrency {
+  int32_t id;
+  std::string_view land;
+  std::string_view bez;
+  std::string_view symbol;
+  double faktor;  // units per euro
+  bool basis;
+  bool national;
+  int32_t id_land;
+};
+
+// The euro keeps the id of the built-in list; the others use their country number.
+constexpr SampleCurrency kSampleCurrencies[] = {
+    {data::kEuroCurrencyId, "Europäische Währungsunion", "Euro", "EUR", 1.0, true, true,
+     data::kEuroCurrencyId},
+    {41, "Schweiz", "Schweizer Franken", "CHF", 0.94, false, false, 41},
+    {1, "Vereinigte Staaten", "US-Dollar", "USD", 1.08, false, false, 1},
+    {44, "Vereinigtes Königreich", "Pfund Sterling", "GBP", 0.85, false, false, 44},
+};
+
+struct SampleUnit {
+  int16_t id;
+  std::string_view symbol;
+  std::string_view name;
+  uint8_t decimals;
+};
+
+constexpr SampleUnit kSampleUnits[] = {
+    {1, "m", "Meter", 3},      {2, "m2", "Quadratmeter", 3}, {3, "m3", "Kubikmeter", 3},
+    {4, "St", "Stück", 0},     {5, "psch", "pauschal", 0},   {6, "h", "Stunde", 2},
+    {7, "kg", "Kilogramm", 3}, {8, "t", "Tonne", 3},
+};
+
+// Writes the table's current record as a new one; a refusal stops the demo with the
+// table layer's own message.
+void Insert(data::TStdTB& table, const data::TCollectedMessages& messages) {
+  if (const int result = table.UpDateRec(); result != storage::kOk) {
+    const std::string text =
+        messages.errors.empty() ? table.LastErrorText() : messages.errors.back();
+    throw CommandError(table.CurrentRecordToString() + " kann nicht gespeichert werden: " +
+                       (text.empty() ? ResultCodeText(result) : text));
+  }
+}
+
+int AddCurrencies(data::TStdDb& db, const data::TCollectedMessages& messages) {
+  data::TTbWaehrung table(db);
+  int added = 0;
+  for (const SampleCurrency& sample : kSampleCurrencies) {
+    if (table.ExistsRec(data::KeyNumber(sample.id))) continue;
+    table.InitRecord();
+    data::t_Waehrung& currency = table.Rec();
+    currency.ID = sample.id;
+    currency.Land.Set(sample.land);
+    currency.Bez.Set(sample.bez);
+    currency.Symbol.Set(sample.symbol);
+    currency.Faktor = sample.faktor;
+    currency.Nachkomma = 2;
+    currency.Nachkomma2 = 2;
+    currency.kzBasis = sample.basis ? 1 : 0;
+    currency.kzLand = sample.national ? 1 : 0;
+    currency.IdLand = sample.id_land;
+    Insert(table, messages);
+    ++added;
+  }
+  return added;
+}
+
+int AddUnits(data::TStdDb& db, const data::TCollectedMessages& messages) {
+  data::TTbEinheit table(db);
+  int added = 0;
+  for (const SampleUnit& sample : kSampleUnits) {
+    if (table.ExistsRec(data::KeyNumber16(kGerman) + data::KeyNumber16(sample.id))) continue;
+    table.InitRecord();
+    data::t_Einheit& unit = table.Rec();
+    unit.IdLang = kGerman;
+    unit.IdEinheit = sample.id;
+    unit.Sz = static_cast<int16_t>(sample.id * 10);
+    unit.Bezeichnung.Set(sample.name);
+    unit.Einheit.Set(sample.symbol);
+    unit.Nachkommastellen = sample.decimals;
+    Insert(table, messages);
+    ++added;
+  }
+  return added;
+}
+
+// Enters the sample currencies and units into the master data of the installation,
+// skipping those that are there already.
+void AddSampleMasterData(const std::string& base_dir, std::ostream& out) {
+  const Installation installation = LoadInstallation(base_dir);
+  const data::DatabaseFiles files(installation.machine.ToDatabaseDirectories());
+  const data::DatabaseFile* stamm = files.Find("DB_Stamm", data::kPathStammdaten);
+  if (stamm == nullptr) throw CommandError("die Installation hat kein Stammdatenverzeichnis");
+
+  data::TCollectedMessages messages;
+  data::TStdDb db(*stamm);
+  db.SetMessages(&messages);
+  db.SetModifiedById(installation.machine.SystemUserName());
+  if (const int opened = db.DbOpen(true); opened != storage::kOk) {
+    throw CommandError(stamm->DataFileName() + ": " + ResultCodeText(opened));
+  }
+  const int currencies = AddCurrencies(db, messages);
+  const int units = AddUnits(db, messages);
+  if (const int closed = db.DbClose(); closed != storage::kOk) {
+    throw CommandError(stamm->DataFileName() + ": " + ResultCodeText(closed));
+  }
+  out << "Stammdaten " << stamm->DataFileName() << ": " << currencies << " Währungen und " << units
+      << " Einheiten eingetragen\n";
+}
+
+}  // namespace
+
+void DemoCommand::Define(CLI::App& app) {
+  AddDataDirOption(app, data_dir_);
+}
+
+int DemoCommand::Run(Streams& streams) {
+  PrintInstallationSetup(SetUpInstallation(data_dir_, ""), streams.out);
+  streams.out << "\n";
+  AddSampleMasterData(data_dir_, streams.out);
+  streams.out << "\n";
+  return RunInfo(data_dir_, streams);
+}
+
+}  // namespace korvan::app

@@ -1,0 +1,84 @@
+#include "app/commands/db/db_command.h"
+
+#include <cctype>
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+
+#include "app/cli/command_error.h"
+#include "app/commands/db/db_database.h"
+#include "storage/db_kernel.h"
+#include "storage/key_file.h"
+#include "storage/result_codes.h"
+
+namespace korvan::app {
+
+CLI::App& DbCommand::AddOperation(CLI::App& app, const std::string& name,
+                                  const std::string& summary, Operation operation) {
+  CLI::App* sub = app.add_subcommand(name, summary);
+  sub->add_option("base", base_path_, "base path: the files are <base>0 (data) and <base>1 (keys)")
+      ->required();
+  operations_.emplace_back(sub, operation);
+  return *sub;
+}
+
+void DbCommand::Define(CLI::App& app) {
+  app.require_subcommand(1);
+  CLI::App& create = AddOperation(app, "create", "create an empty database", &DbCommand::Create);
+  create.add_option("--type", type_, "database type letter")->required();
+  create.add_option("--keylen", key_length_, "key length in bytes")
+      ->required()
+      ->check(CLI::Range(storage::kMinKeyFileKeyLength, storage::kMaxKeyFileKeyLength));
+  AddOperation(app, "info", "show format, version, time stamp and counts", &DbCommand::Info);
+  AddOperation(app, "dump", "list the blocks of the data file", &DbCommand::Dump)
+      .add_option("--table", table_, "print the records of the table with this type letter");
+  AddOperation(app, "keys", "list every key in tree order", &DbCommand::Keys);
+  AddOperation(app, "check", "verify key tree, free-space index and records", &DbCommand::Check);
+  AddOperation(app, "shell", "run kernel operations read from standard input", &DbCommand::Shell);
+}
+
+int DbCommand::Run(Streams& streams) {
+  for (const auto& [sub, operation] : operations_) {
+    if (sub->parsed()) return (this->*operation)(streams);
+  }
+  throw UsageError("an operation is missing (create, info, dump, keys, check, shell)");
+}
+
+int DbCommand::Create(Streams& streams) {
+  const bool letter = type_.size() == 1 && std::isalnum(static_cast<unsigned char>(type_[0]));
+  if (!letter) throw UsageError("--type needs one letter or digit, not '" + type_ + "'");
+  return RunDbCreate(base_path_, type_[0], key_length_, streams);
+}
+
+int DbCommand::Info(Streams& streams) {
+  return RunDbInfo(base_path_, streams);
+}
+int DbCommand::Dump(Streams& streams) {
+  if (table_.empty()) return RunDbDump(base_path_, streams);
+  if (table_.size() != 1) throw UsageError("--table needs one type letter, not '" + table_ + "'");
+  return RunDbDumpTable(base_path_, table_[0], streams);
+}
+int DbCommand::Keys(Streams& streams) {
+  return RunDbKeys(base_path_, streams);
+}
+int DbCommand::Check(Streams& streams) {
+  return RunDbCheck(base_path_, streams);
+}
+int DbCommand::Shell(Streams& streams) {
+  return RunDbShell(base_path_, std::cin, streams);
+}
+
+int RunDbCreate(const std::string& base_path, char db_type, int key_length, Streams& streams) {
+  int handle = 0;
+  const int result = storage::iDK_DbCreate(db_type, base_path, key_length, &handle);
+  if (result != storage::kOk) {
+    throw CommandError(FileOfOpenFailure(base_path, result) + ": " + ResultCodeText(result));
+  }
+  if (const int closed = storage::iDK_DbClose(handle); closed != storage::kOk) {
+    throw CommandError(DataFilePath(base_path) + ": " + ResultCodeText(closed));
+  }
+  streams.out << "created " << DataFilePath(base_path) << " and " << KeyFilePath(base_path) << "\n";
+  return kExitOk;
+}
+
+}  // namespace korvan::app

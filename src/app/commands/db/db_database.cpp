@@ -1,0 +1,110 @@
+#include "app/commands/db/db_database.h"
+
+#include <cstring>
+#include <exception>
+#include <utility>
+
+#include "app/cli/command_error.h"
+#include "storage/db_error_translate.h"
+#include "storage/db_kernel.h"
+#include "storage/key_file.h"
+#include "storage/result_codes.h"
+
+namespace korvan::app {
+namespace {
+
+// The maintenance commands do not know a database's registered type; any letter but
+// the library type "G" makes the kernel treat the files as an ordinary database.
+constexpr char kAnyDatabaseType = 'T';
+
+// Codes below the kernel's own range come from the key file layer and the block cache.
+const std::pair<int, const char*> kKeyLayerTexts[] = {
+    {storage::kBlockBeyondEnd, "key file shorter than the block it should hold"},
+    {storage::kNoBlocksFree, "block cache too small"},
+    {storage::kKeyLengthOutOfRange, "key length out of range or key file header unusable"},
+    {storage::kKeyFileNearlyFull, "key file nearly full"},
+    {storage::kKeyFileFull, "key file full"},
+    {storage::kKeyDuplicate, "duplicate key"},
+    {storage::kKeyIndexEmpty, "key file empty"},
+    {storage::kKeyNotFoundOnDelete, "key not found"},
+    {storage::kKeyNoMatch, "no matching key"},
+    {storage::kKeyFileCorrupt, "key file damaged: corrupt node or wrong header"},
+    {storage::kKeyFileUnknownVersion, "unknown key file version"},
+};
+
+bool IsKeyFileCode(int code) {
+  return code == storage::kDkKeyFileMissing || code < storage::kDkInvalidHandle;
+}
+
+}  // namespace
+
+std::string DataFilePath(const std::string& base_path) {
+  return base_path + "0";
+}
+std::string KeyFilePath(const std::string& base_path) {
+  return base_path + "1";
+}
+
+std::string ResultCodeText(int code) {
+  for (const auto& [known, text] : kKeyLayerTexts) {
+    if (known == code) return std::to_string(code) + " (" + text + ")";
+  }
+  return std::to_string(code) + " (" + storage::KernelErrorTranslate().GetErrorString(code) + ")";
+}
+
+std::string FileOfOpenFailure(const std::string& base_path, int code) {
+  return IsKeyFileCode(code) ? KeyFilePath(base_path) : DataFilePath(base_path);
+}
+
+OpenDatabase::OpenDatabase(const std::string& base_path, Access access) : base_path_(base_path) {
+  const bool write = access == Access::kExclusiveWrite;
+  // Read-only opens share the files with everybody; a writer keeps others from writing.
+  const int result = storage::iDK_DbOpen(kAnyDatabaseType, base_path, write, !write, &handle_);
+  if (result != storage::kOk) {
+    handle_ = 0;  // with 4290 the handle is another user's in this process: not ours to close
+    throw CommandError(FileOfOpenFailure(base_path, result) + ": " + ResultCodeText(result));
+  }
+}
+
+OpenDatabase::~OpenDatabase() {
+  if (handle_ != 0) storage::iDK_DbClose(handle_);
+}
+
+int OpenDatabase::KeyLength() const {
+  int key_length = 0;
+  int result = storage::kOk;
+  try {
+    result = storage::KeyFileKeyLength(handle_, &key_length);
+  } catch (const std::exception& error) {
+    throw CommandError(KeyFilePath(base_path_) + ": " + error.what());
+  }
+  if (result != storage::kOk) {
+    throw CommandError(KeyFilePath(base_path_) + ": " + ResultCodeText(result));
+  }
+  return key_length;
+}
+
+uint32_t OpenDatabase::KeyCount(bool with_free_space_keys) const {
+  uint8_t pattern[storage::kMaxKeyLength];
+  std::memset(pattern, storage::kKeyPad, sizeof pattern);  // pad bytes only: matches all
+  uint32_t count = 0;
+  const int result =
+      storage::iDK_KeyMatchesCount(handle_, pattern, 0, with_free_space_keys, &count);
+  if (result == storage::kDkKeyNotFound) return 0;  // an empty tree
+  if (result != storage::kOk) {
+    throw CommandError(KeyFilePath(base_path_) + ": " + ResultCodeText(result));
+  }
+  return count;
+}
+
+void OpenDatabase::Close() {
+  if (handle_ == 0) return;
+  const int result = storage::iDK_DbClose(handle_);
+  if (result != storage::kOk) {
+    throw CommandError(DataFilePath(base_path_) + ", " + KeyFilePath(base_path_) + ": " +
+                       ResultCodeText(result));
+  }
+  handle_ = 0;
+}
+
+}  // namespace korvan::app

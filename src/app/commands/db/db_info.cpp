@@ -1,0 +1,75 @@
+// `korvan db info`: what a database's header and files say about it.
+#include <iomanip>
+#include <ostream>
+
+#include "app/cli/command_error.h"
+#include "app/commands/db/db_blocks.h"
+#include "app/commands/db/db_command.h"
+#include "app/commands/db/db_database.h"
+#include "app/commands/db/db_format.h"
+#include "storage/db_kernel.h"
+#include "storage/delphi_datetime.h"
+#include "storage/result_codes.h"
+
+namespace korvan::app {
+namespace {
+
+int KeyFileVersionOf(const OpenDatabase& db) {
+  int version = 0;
+  if (const int result = storage::KeyFileVersion(db.handle(), &version); result != storage::kOk) {
+    throw CommandError(KeyFilePath(db.base_path()) + ": " + ResultCodeText(result));
+  }
+  return version;
+}
+
+void PrintHeader(const std::string& base_path, int format, std::ostream& out) {
+  uint32_t version = 0;
+  double stamp = 0;
+  const int result = storage::iDK_DbFileInfo(DataFilePath(base_path), &version, &stamp);
+  if (result != storage::kOk) {
+    throw CommandError(DataFilePath(base_path) + ": " + ResultCodeText(result));
+  }
+  out << "data file: " << DataFilePath(base_path) << "\n"
+      << "format: " << FormatCodeText(format) << "\n"
+      << "file version: " << version << "\n"
+      << "time stamp: " << storage::FormatDelphiDateTime(stamp) << " (" << std::fixed
+      << std::setprecision(8) << stamp << std::defaultfloat << ")\n";
+}
+
+}  // namespace
+
+int RunDbInfo(const std::string& base_path, Streams& streams) {
+  const int format = DataFileFormat(base_path);
+  PrintHeader(base_path, format, streams.out);
+
+  const OpenDatabase db(base_path, OpenDatabase::Access::kReadOnly);
+  streams.out << "key file: " << KeyFilePath(base_path) << "\n"
+              << "key file version: " << KeyFileVersionOf(db) << "\n"
+              << "key length: " << db.KeyLength() << "\n";
+
+  int64_t records = 0;
+  int64_t free_blocks = 0;
+  const std::string stopped = WalkDataFile(DataFilePath(base_path), [&](const DataBlock& block) {
+    ++(block.live ? records : free_blocks);
+  });
+  const uint32_t all_keys = db.KeyCount(true);
+  const uint32_t table_keys = db.KeyCount(false);
+  streams.out << "records: " << records << "\n"
+              << "keys: " << all_keys << " (" << table_keys << " table keys, "
+              << all_keys - table_keys << " free-space keys)\n"
+              << "free blocks: " << free_blocks << "\n";
+
+  int exit_code = kExitOk;
+  if (!IsRecordFormat(format)) {
+    streams.err << DataFilePath(base_path) << ": " << ResultCodeText(format) << "\n";
+    exit_code = kExitFailure;
+  }
+  if (!stopped.empty()) {
+    streams.err << DataFilePath(base_path) << ": " << stopped
+                << " (the counts cover the blocks before it)\n";
+    exit_code = kExitFailure;
+  }
+  return exit_code;
+}
+
+}  // namespace korvan::app

@@ -1,0 +1,81 @@
+#include "app/commands/lists/master_data_session.h"
+
+#include "app/cli/command_error.h"
+#include "app/commands/db/db_database.h"
+#include "app/program/installation.h"
+#include "storage/result_codes.h"
+
+namespace korvan::app {
+
+// The rows of the command line's lists are read from the tables on every run, so a row
+// taken back or made again needs nothing beyond its record.
+class MasterDataSession::RowReloader : public data::TCDataRowRestorer {
+ public:
+  int MoveRow(int32_t, int32_t, int32_t, std::string&) override { return data::kUndoOk; }
+  int RemoveRow(int32_t, const std::string&, int32_t, std::string&) override {
+    return data::kUndoOk;
+  }
+  int RestoreRow(int32_t, const std::string&, int32_t, std::string&) override {
+    return data::kUndoOk;
+  }
+};
+
+std::unique_ptr<data::TUndoRedo> OpenJournal(const std::string& data_dir,
+                                             data::TDamagedFile damaged) {
+  try {
+    return data::TUndoRedo::OpenPersistent(data_dir, damaged);
+  } catch (const data::UndoJournalError& e) {
+    if (!e.Damaged()) throw CommandError(e.what());
+    throw CommandError(std::string(e.what()) +
+                       "\nDas Journal wird nicht verwendet. \"korvan undo --clear\" löscht es; "
+                       "\"korvan edit\" legt es beiseite und beginnt ein neues.");
+  }
+}
+
+MasterDataSession::MasterDataSession(const std::string& data_dir, bool overwrite,
+                                     data::TDamagedFile damaged)
+    : data_dir_(data_dir), damaged_(damaged), answer_(overwrite) {
+  const Installation installation = LoadInstallation(data_dir);
+  files_ = std::make_unique<data::DatabaseFiles>(installation.machine.ToDatabaseDirectories());
+  const data::DatabaseFile* stamm = files_->Find("DB_Stamm", data::kPathStammdaten);
+  if (stamm == nullptr) throw CommandError("die Installation hat kein Stammdatenverzeichnis");
+  db_ = std::make_unique<data::TStdDb>(*stamm);
+  db_->SetMessages(&messages_);
+  db_->SetModifiedById(installation.machine.SystemUserName());
+  db_->SetConcurrencyQuestion(&answer_);
+  if (const int opened = db_->DbOpen(true); opened != storage::kOk) {
+    throw CommandError(stamm->DataFileName() + ": " + ResultCodeText(opened));
+  }
+}
+
+// Opened on first use: a session that only reads neither takes the journal's lock nor is
+// stopped by a damaged journal.
+void MasterDataSession::OpenJournalOnce() {
+  if (journal_) return;
+  journal_ = OpenJournal(data_dir_, damaged_);
+  observing_ = std::make_unique<data::ScopedTableChangeObserver>(journal_.get());
+  actions_ = std::make_unique<data::TCDataUndoJournal>(*journal_);
+  restorer_ = std::make_unique<data::TTableRecordRestorer>(std::vector<data::TStdDb*>{db_.get()});
+  rows_ = std::make_unique<RowReloader>();
+  journal_->SetRecordRestorer(restorer_.get());
+  journal_->SetRowRestorer(rows_.get());
+}
+
+data::TUndoRedo& MasterDataSession::Journal() {
+  OpenJournalOnce();
+  return *journal_;
+}
+
+data::UserActionScope& MasterDataSession::Actions() {
+  OpenJournalOnce();
+  return *actions_;
+}
+
+// The journal stops recording before the database closes; the database is closed
+// before its file set goes.
+MasterDataSession::~MasterDataSession() {
+  observing_.reset();
+  if (db_) db_->DbClose();
+}
+
+}  // namespace korvan::app

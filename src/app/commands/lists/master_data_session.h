@@ -1,0 +1,56 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "data/component/c_data_undo.h"
+#include "data/tables/concurrency_question.h"
+#include "data/db/db_groups.h"
+#include "data/tables/std_db.h"
+#include "data/undo/undo_redo.h"
+#include "data/undo/undo_table_restorer.h"
+
+namespace korvan::app {
+
+// The journal of the data directory `data_dir`, opened as `damaged` says; a journal that
+// cannot be opened gives a CommandError that says which file, where, and what to do.
+std::unique_ptr<data::TUndoRedo> OpenJournal(const std::string& data_dir,
+                                             data::TDamagedFile damaged);
+
+// The master data of the installation in `data_dir`, open for one command, with the
+// journal of the data directory ("UNDO.QUJ", "REDO.QUJ") recording every record change
+// from its first use on. The concurrency question is answered by `overwrite`. A damaged
+// journal is reported (CommandError naming file and byte) or, for commands that must not
+// be stopped by it, set aside as `damaged` says.
+class MasterDataSession {
+ public:
+  MasterDataSession(const std::string& data_dir, bool overwrite,
+                    data::TDamagedFile damaged = data::TDamagedFile::kReport);
+  ~MasterDataSession();
+  MasterDataSession(const MasterDataSession&) = delete;
+  MasterDataSession& operator=(const MasterDataSession&) = delete;
+
+  data::TStdDb& Db() { return *db_; }
+  // The journal, opened on first use; from then on it records every record change of the
+  // session. CommandError when it cannot be opened.
+  data::TUndoRedo& Journal();
+  data::UserActionScope& Actions();
+
+ private:
+  class RowReloader;
+  void OpenJournalOnce();
+
+  std::string data_dir_;
+  data::TDamagedFile damaged_;
+  std::unique_ptr<data::DatabaseFiles> files_;
+  std::unique_ptr<data::TStdDb> db_;
+  data::TFixedConcurrencyAnswer answer_;
+  data::TCollectedMessages messages_;
+  std::unique_ptr<data::TUndoRedo> journal_;
+  std::unique_ptr<data::ScopedTableChangeObserver> observing_;
+  std::unique_ptr<data::TCDataUndoJournal> actions_;
+  std::unique_ptr<data::TTableRecordRestorer> restorer_;
+  std::unique_ptr<RowReloader> rows_;
+};
+
+}  // namespace korvan::app

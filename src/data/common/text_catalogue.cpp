@@ -1,0 +1,54 @@
+#include "data/common/text_catalogue.h"
+
+namespace korvan::data {
+
+namespace {
+
+std::map<int, std::string> GermanTexts() {
+  return {
+      // Deduction list.
+      {45501, "ID"},
+      {45506, "Abzug"},
+      // Data component.
+      {46222, "Liste wird gespeichert ..."},
+      // Currency list.
+      {47101, "ID"},
+      {47102, "Land"},
+      {47103, "Währung"},
+      {47104, "Symbol"},
+      {47105, "Faktor"},
+      {47106, "Nachkommastellen"},
+      {47107, "Basiswährung"},
+      {47108, "Landeswährung"},
+      {47109, "Nachkommastellen EP"},
+      {47110, "Ländernummer"},
+      {47111, "Währungen"},
+      // Unit list.
+      {47201, "Sprache"},
+      {47202, "Nr"},
+      {47203, "Sortierung"},
+      {47204, "Bezeichnung"},
+      {47205, "Einheit"},
+      {47206, "Preisanteile"},
+      {47207, "Nachkommastellen"},
+      {47208, "Format"},
+      {47209, "Frei 3"},
+      {47210, "Frei 4"},
+      {47211, "Einheiten"},
+  };
+}
+
+}  // namespace
+
+const TTextCatalogue& TTextCatalogue::German() {
+  static const TTextCatalogue catalogue(GermanTexts());
+  return catalogue;
+}
+
+std::string TTextCatalogue::cLoadStr(int number) const {
+  auto it = texts_.find(number);
+  if (it != texts_.end()) return it->second;
+  return "cLoadStr(" + std::to_string(number) + ") failed";
+}
+
+}  // namespace korvan::data

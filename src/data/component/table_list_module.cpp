@@ -1,0 +1,109 @@
+#include "data/component/table_list_module.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "data/tables/concurrency_question.h"
+#include "data/common/cp1252.h"
+#include "data/common/date_time.h"
+#include "storage/record_header.h"
+#include "storage/result_codes.h"
+
+namespace korvan::data {
+
+TTableListModule::TTableListModule(int cdata_id, std::string name, TStdTB& table,
+                                   std::span<const TValueRule> rules, std::string noun)
+    : TSTDdataModule(cdata_id, std::move(name)),
+      table_(table),
+      rules_(rules),
+      noun_(std::move(noun)) {}
+
+std::string TTableListModule::CheckValue(int column, std::string_view value) const {
+  if (column < 0 || static_cast<size_t>(column) >= rules_.size()) return "keine Spalte";
+  return FitsRule(rules_[column], value) ? std::string() : ExpectedForm(rules_[column]);
+}
+
+bool TTableListModule::Refuse(std::string message) {
+  last_error_ = std::move(message);
+  return false;
+}
+
+bool TTableListModule::CheckRow(const TCData& sender, TStringList& t) {
+  if (t.size() < rules_.size()) t.resize(rules_.size());
+  for (int column = 0; static_cast<size_t>(column) < rules_.size(); ++column) {
+    if (const std::string form = CheckValue(column, t[column]); !form.empty()) {
+      return Refuse("Spalte \"" + sender.GetFeldName(column) + "\": erwartet " + form +
+                    ", nicht \"" + t[column] + "\"");
+    }
+  }
+  return true;
+}
+
+// The record is read again just before it is written, so the kernel's own conflict check
+// cannot see a change made after the row was shown; comparing the values it shows now
+// with those the user edited does.
+bool TTableListModule::MayOverwrite(TCData& sender, int z, const TStringList& shown) {
+  TStringList now;
+  bool mark = false;
+  char button = ' ';
+  char kind = ' ';
+  CData1C_OnGetDaten(sender, z, now, mark, button, kind);  // leaves the record loaded
+  TStringList before = shown;
+  now.resize(rules_.size());
+  before.resize(rules_.size());
+  if (now == before) return true;
+  const std::vector<uint8_t>& record = table_.CurrentRecord();
+  storage::TDbRecordHeader header{};
+  std::memcpy(&header, record.data(), std::min(record.size(), sizeof header));
+  const size_t length = std::min<size_t>(header.ModifiedById[0], sizeof header.ModifiedById - 1);
+  const std::string user = table_.Db().UserName(
+      Cp1252ToUtf8({reinterpret_cast<const char*>(header.ModifiedById + 1), length}));
+  const std::string when = FormatDateTime(header.LastModified);
+  IConcurrencyQuestion* question = table_.Db().ConcurrencyQuestion();
+  if (question != nullptr && question->AskOverwrite(ConcurrencyQuestionText(
+                                 table_.Db().Name(), table_.CurrentRecordToString(), when, user))) {
+    return true;
+  }
+  return Refuse("Die " + noun_ + " " + RowName(now) + " wurde inzwischen am " + when + " von \"" +
+                user + "\" geändert; nichts gespeichert, die Änderung bleibt erhalten");
+}
+
+void TTableListModule::CData1C_OnPutDaten(TCData& sender, int z, TStringList& t,
+                                          const TStringList& shown, char, bool& ok) {
+  last_error_.clear();
+  ok = false;
+  if (!CheckRow(sender, t)) return;
+  const std::string old_key = sender.GetKey(z);
+  const std::string new_key = RowKey(t);
+  if (new_key != old_key && table_.ExistsRec(new_key, '1')) {
+    Refuse(DuplicateText(t));
+    return;
+  }
+  if (old_key.empty()) {
+    table_.InitRecord();
+  } else if (!table_.GetKey(old_key, '1')) {
+    Refuse("Die " + noun_ + " der Zeile " + std::to_string(z) + " gibt es nicht mehr");
+    return;
+  } else if (!MayOverwrite(sender, z, shown)) {
+    return;
+  }
+  Fill(t);
+  if (table_.UpDateRec() != storage::kOk) {
+    Refuse("Die " + noun_ + " " + RowName(t) +
+           " kann nicht gespeichert werden: " + table_.LastErrorText());
+    return;
+  }
+  if (new_key != old_key) sender.SetKey(z, new_key);
+  ok = true;
+}
+
+void TTableListModule::CData1C_OnDeleteZeile(TCData&, int, const std::string& key, TOnDeleteMode,
+                                             bool& ok) {
+  last_error_.clear();
+  ok = table_.GetKey(key, '1') && table_.DeleteRec() == storage::kOk;
+  if (!ok) {
+    Refuse("Die " + noun_ + " " + key + " kann nicht gelöscht werden: " + table_.LastErrorText());
+  }
+}
+
+}  // namespace korvan::data

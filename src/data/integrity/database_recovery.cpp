@@ -1,0 +1,515 @@
+#include "data/integrity/database_recovery.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+
+#include "data/integrity/duplicate_guids.h"
+#include "data/common/message_format.h"
+#include "data/tables/table_key.h"
+#include "storage/db_error_translate.h"
+#include "storage/db_kernel.h"
+#include "storage/db_kernel_codes.h"
+#include "storage/record_header.h"
+#include "storage/result_codes.h"
+
+namespace korvan::data {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr int64_t kDataStart = 80;
+constexpr int kVersionOffset = 40;
+constexpr int kVersionAndStampSize = 12;  // file version and time stamp
+constexpr char kTempGroup[] = "DB_TEMP";
+constexpr char kCommitSuffix[] = ".commit";
+
+std::string SystemError(const std::string& what, const std::string& path) {
+  return what + " \"" + path + "\": " + std::strerror(errno);
+}
+
+// A file descriptor closed when it goes out of scope.
+class Fd {
+ public:
+  explicit Fd(int fd) : fd_(fd) {}
+  ~Fd() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  Fd(const Fd&) = delete;
+  Fd& operator=(const Fd&) = delete;
+  int get() const { return fd_; }
+  bool ok() const { return fd_ >= 0; }
+  int Close() { return ::close(std::exchange(fd_, -1)); }
+
+ private:
+  int fd_;
+};
+
+bool ReadFully(int fd, int64_t offset, void* buffer, size_t length) {
+  auto* bytes = static_cast<uint8_t*>(buffer);
+  size_t done = 0;
+  while (done < length) {
+    const ssize_t n = ::pread(fd, bytes + done, length - done, static_cast<off_t>(offset + done));
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return false;
+    done += static_cast<size_t>(n);
+  }
+  return true;
+}
+
+bool WriteFully(int fd, int64_t offset, const void* buffer, size_t length) {
+  const auto* bytes = static_cast<const uint8_t*>(buffer);
+  size_t done = 0;
+  while (done < length) {
+    const ssize_t n = ::pwrite(fd, bytes + done, length - done, static_cast<off_t>(offset + done));
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return false;
+    done += static_cast<size_t>(n);
+  }
+  return true;
+}
+
+void SyncPath(const std::string& path, bool directory) {
+  Fd fd(::open(path.c_str(), (directory ? O_RDONLY | O_DIRECTORY : O_RDWR) | O_CLOEXEC));
+  if (!fd.ok() || ::fsync(fd.get()) != 0) {
+    throw std::runtime_error(SystemError("Synchronisieren fehlgeschlagen", path));
+  }
+}
+
+void SyncDirectory(const std::string& directory) {
+  SyncPath(directory.empty() ? "." : directory, true);
+}
+
+bool Exists(const std::string& path) {
+  struct stat info {};
+  return ::stat(path.c_str(), &info) == 0;
+}
+
+void RemoveIfExists(const std::string& path) {
+  if (::unlink(path.c_str()) != 0 && errno != ENOENT) {
+    throw std::runtime_error(SystemError("Löschen fehlgeschlagen", path));
+  }
+}
+
+void Rename(const std::string& from, const std::string& to) {
+  if (::rename(from.c_str(), to.c_str()) != 0) {
+    throw std::runtime_error(SystemError("Umbenennen nach \"" + to + "\" fehlgeschlagen", from));
+  }
+}
+
+// A backup that shares the old file's content: a hard link, or a synced copy where the
+// file system has none.
+void MakeBackup(const std::string& file, const std::string& backup) {
+  RemoveIfExists(backup);
+  if (::link(file.c_str(), backup.c_str()) == 0) return;
+  std::error_code error;
+  fs::copy_file(file, backup, fs::copy_options::overwrite_existing, error);
+  if (error) throw std::runtime_error("Sicherung \"" + backup + "\": " + error.message());
+  SyncPath(backup, false);
+}
+
+std::string KernelText(int code) {
+  return std::to_string(code) + " (" + storage::TDBErrorTranslate().GetErrorString(code) + ")";
+}
+
+// What one block at `position` is, given the bytes left in the file.
+std::string BlockProblem(int32_t length, int64_t position, int64_t file_size) {
+  if (length == 0) return "Blocklänge 0";
+  const int64_t size = length > 0 ? length : -static_cast<int64_t>(length);
+  if (length > 0 && size < storage::kRecordHeaderSize) {
+    return Printf("Datensatz mit Länge %d kürzer als sein Kopf", length);
+  }
+  if (length < 0 && size < 4) return Printf("freier Block mit Länge %d", length);
+  if (position + size > file_size) {
+    return Printf("Block der Länge %lld reicht über das Dateiende hinaus",
+                  static_cast<long long>(size));
+  }
+  return "";
+}
+
+}  // namespace
+
+DataFileScan ScanDataFile(const std::string& data_file,
+                          const std::function<void(const ScannedRecord&)>& on_record) {
+  Fd fd(::open(data_file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!fd.ok()) throw std::runtime_error(SystemError("Datendatei nicht lesbar", data_file));
+  struct stat info {};
+  if (::fstat(fd.get(), &info) != 0) {
+    throw std::runtime_error(SystemError("Datendatei nicht lesbar", data_file));
+  }
+  DataFileScan scan;
+  scan.file_size = info.st_size;
+  scan.end_of_blocks = std::min<int64_t>(kDataStart, scan.file_size);
+  ScannedRecord record;
+  int64_t position = kDataStart;
+  while (position < scan.file_size) {
+    int32_t length = 0;
+    if (scan.file_size - position < 4) {
+      scan.stop_reason = "unvollständige Blocklänge am Dateiende";
+      break;
+    }
+    if (!ReadFully(fd.get(), position, &length, sizeof length)) {
+      throw std::runtime_error(SystemError("Datendatei nicht lesbar", data_file));
+    }
+    if (std::string problem = BlockProblem(length, position, scan.file_size); !problem.empty()) {
+      scan.stop_reason = std::move(problem);
+      break;
+    }
+    if (length > 0) {
+      record.position = static_cast<int32_t>(position);
+      record.bytes.resize(static_cast<size_t>(length));
+      if (!ReadFully(fd.get(), position, record.bytes.data(), record.bytes.size())) {
+        throw std::runtime_error(SystemError("Datendatei nicht lesbar", data_file));
+      }
+      ++scan.live_records;
+      on_record(record);
+      position += length;
+    } else {
+      ++scan.free_blocks;
+      position -= static_cast<int64_t>(length);
+    }
+    scan.end_of_blocks = position;
+  }
+  return scan;
+}
+
+std::string TempBasePath(const std::string& directory, char type_letter) {
+  return directory + kTempGroup + ".Q" + type_letter;
+}
+
+std::string CommitMarkPath(const std::string& directory, char type_letter) {
+  return TempBasePath(directory, type_letter) + kCommitSuffix;
+}
+
+std::string BackupPath(const std::string& file) {
+  return file + ".bak";
+}
+
+namespace {
+
+// A record to be copied and the keys it gets.
+struct CopiedRecord {
+  int32_t position;
+  TRecordKeys keys;
+  bool has_keys;
+};
+
+class DatabaseCopier {
+ public:
+  DatabaseCopier(const std::string& directory, const std::string& group, char type_letter,
+                 int key_length, const TTableRegistry& registry, DatabaseRebuild& report)
+      : directory_(directory),
+        type_letter_(type_letter),
+        key_length_(key_length),
+        base_(directory + group + ".Q" + type_letter),
+        temp_base_(TempBasePath(directory, type_letter)),
+        registry_(registry),
+        keys_db_(kTempGroup, directory, type_letter, key_length),
+        report_(report) {}
+
+  // Writes DB_TEMP completely; false with report.error when it could not.
+  bool Copy() {
+    RemoveIfExists(temp_base_ + "0");
+    RemoveIfExists(temp_base_ + "1");
+    if (!CreateEmpty()) return false;
+    if (!CopyRecords()) return false;
+    return EnterKeys();
+  }
+
+  const std::string& base() const { return base_; }
+  const std::string& temp_base() const { return temp_base_; }
+
+ private:
+  bool Fail(std::string error) {
+    report_.error = std::move(error);
+    return false;
+  }
+
+  bool CreateEmpty() {
+    int handle = 0;
+    if (const int created = storage::iDK_DbCreate(type_letter_, temp_base_, key_length_, &handle);
+        created != storage::kOk) {
+      return Fail(temp_base_ + "0: " + KernelText(created));
+    }
+    if (const int closed = storage::iDK_DbClose(handle); closed != storage::kOk) {
+      return Fail(temp_base_ + "0: " + KernelText(closed));
+    }
+    return true;
+  }
+
+  TStdTB* TableFor(char table_type) {
+    auto found = tables_.find(table_type);
+    if (found != tables_.end()) return found->second.get();
+    const TTableRegistry::Factory* factory = registry_.Find(type_letter_, table_type);
+    std::unique_ptr<TStdTB> table = factory ? (*factory)(keys_db_) : nullptr;
+    return (tables_[table_type] = std::move(table)).get();
+  }
+
+  // The keys of a record, built from its current layout; false when the record is
+  // not valid for its table.
+  bool KeysOf(TStdTB& table, const std::vector<uint8_t>& bytes, TRecordKeys& keys) {
+    storage::TDbRecordHeader header{};
+    std::memcpy(&header, bytes.data(), sizeof header);
+    const RecordView view(bytes.data(), bytes.size());
+    if (!table.NeedsConversion(header, static_cast<int>(bytes.size()))) {
+      keys = table.BuildKeys(view);
+      return true;
+    }
+    std::vector<uint8_t> current;
+    if (table.Convert(view, current) != storage::kOk) return false;
+    keys = table.BuildKeys(RecordView(current.data(), current.size()));
+    return true;
+  }
+
+  void Take(const ScannedRecord& record, int fd, int64_t& end) {
+    const char letter = static_cast<char>(record.bytes[4]);
+    if (letter < 'A' || letter > 'Z') {
+      NotValid(record, letter);
+      return;
+    }
+    CopiedRecord copied{static_cast<int32_t>(end), {}, false};
+    std::optional<std::vector<uint8_t>> renewed;  // the record with a fresh GUID
+    if (TStdTB* table = TableFor(letter)) {
+      if (!KeysOf(*table, record.bytes, copied.keys)) {
+        NotValid(record, letter);
+        return;
+      }
+      renewed = guids_.ReplaceDuplicateGUIDs(*table, record.bytes, record.position, report_.lines);
+      if (renewed) KeysOf(*table, *renewed, copied.keys);
+      copied.has_keys = true;
+      ++report_.records_with_keys;
+    } else {
+      // Kept byte for byte but without keys: its keys cannot be built without its
+      // class, and dropping it would lose data a newer program version may own. The
+      // integrity check reports such records per type letter.
+      ++report_.records_without_keys;
+      report_.lines.push_back(
+          Printf("Datensatz an Position %d: Tabelle \"%c\" unbekannt, ohne Schlüssel übernommen",
+                 record.position, letter));
+    }
+    const std::vector<uint8_t>& bytes = renewed ? *renewed : record.bytes;
+    if (end + static_cast<int64_t>(bytes.size()) >= 2147483647) {
+      throw std::runtime_error(temp_base_ + "0: " + KernelText(storage::kDkFileWouldExceed2GB));
+    }
+    if (!WriteFully(fd, end, bytes.data(), bytes.size())) {
+      throw std::runtime_error(SystemError("Schreiben fehlgeschlagen", temp_base_ + "0"));
+    }
+    end += static_cast<int64_t>(bytes.size());
+    ++report_.records_copied;
+    records_.push_back(std::move(copied));
+  }
+
+  void NotValid(const ScannedRecord& record, char letter) {
+    ++report_.records_not_valid;
+    report_.lines.push_back(Printf("Datensatz an Position %d (Typ $%x)", record.position,
+                                   static_cast<unsigned>(static_cast<uint8_t>(letter))) +
+                            " - Not converted, because it not valid!");
+  }
+
+  bool CopyRecords() {
+    const std::string temp_data = temp_base_ + "0";
+    Fd fd(::open(temp_data.c_str(), O_RDWR | O_CLOEXEC));
+    if (!fd.ok()) return Fail(SystemError("nicht beschreibbar", temp_data));
+    // The new file keeps the old one's version and time stamp.
+    Fd old(::open((base_ + "0").c_str(), O_RDONLY | O_CLOEXEC));
+    uint8_t stamp[kVersionAndStampSize];
+    if (!old.ok() || !ReadFully(old.get(), kVersionOffset, stamp, sizeof stamp) ||
+        !WriteFully(fd.get(), kVersionOffset, stamp, sizeof stamp)) {
+      return Fail(SystemError("Dateikopf nicht übertragbar", base_ + "0"));
+    }
+    int64_t end = kDataStart;
+    const DataFileScan scan = ScanDataFile(
+        base_ + "0", [&](const ScannedRecord& record) { Take(record, fd.get(), end); });
+    if (!scan.Complete()) {
+      report_.bytes_lost = scan.file_size - scan.end_of_blocks;
+      report_.lines.push_back(
+          Printf("Datendatei ab Position %lld abgeschnitten (%s): %lld Bytes "
+                 "verloren",
+                 static_cast<long long>(scan.end_of_blocks), scan.stop_reason.c_str(),
+                 static_cast<long long>(report_.bytes_lost)));
+    }
+    if (::fsync(fd.get()) != 0 || fd.Close() != 0) {
+      return Fail(SystemError("Schreiben fehlgeschlagen", temp_data));
+    }
+    return true;
+  }
+
+  void EnterRecordKeys(const CopiedRecord& record) {
+    const TRecordKeys& keys = record.keys;
+    for (size_t i = 0; i < keys.keys.size(); ++i) {
+      if (!keys.entered[i]) continue;
+      if (keys.unique[i]) {
+        bool found = false;
+        uint32_t at = 0;
+        const int looked = keys_db_.FindExactKey(keys.keys[i], &found, &at);
+        if (looked != storage::kOk)
+          throw std::runtime_error(temp_base_ + "1: " + KernelText(looked));
+        if (found) {
+          ++report_.keys_not_entered;
+          report_.lines.push_back(
+              Printf("Datensatz an Position %d: Schlüssel %c%c doppelt (wie Position %u), nicht "
+                     "eingetragen",
+                     record.position, keys.keys[i][0], keys.IndexChar(i), at));
+          continue;
+        }
+      }
+      const int inserted =
+          storage::iDK_KeyInsert(keys_db_.Handle(), MakeKeyEntry(keys.keys[i], record.position));
+      if (inserted != storage::kOk)
+        throw std::runtime_error(temp_base_ + "1: " + KernelText(inserted));
+    }
+  }
+
+  bool EnterKeys() {
+    if (const int opened = keys_db_.DbOpen(true); opened != storage::kOk) {
+      return Fail(temp_base_ + "0: " + KernelText(opened));
+    }
+    for (const CopiedRecord& record : records_) {
+      if (record.has_keys) EnterRecordKeys(record);
+    }
+    if (const int closed = keys_db_.DbClose(); closed != storage::kOk) {
+      return Fail(temp_base_ + "0: " + KernelText(closed));
+    }
+    SyncPath(temp_base_ + "0", false);
+    SyncPath(temp_base_ + "1", false);
+    SyncDirectory(directory_);
+    return true;
+  }
+
+  std::string directory_;
+  char type_letter_;
+  int key_length_;
+  std::string base_;
+  std::string temp_base_;
+  const TTableRegistry& registry_;
+  TStdDb keys_db_;  // DB_TEMP, for the table objects and the key inserts
+  std::map<char, std::unique_ptr<TStdTB>> tables_;
+  TDuplicateGuidReplacer guids_;
+  std::vector<CopiedRecord> records_;
+  DatabaseRebuild& report_;
+};
+
+void WriteCommitMark(const std::string& mark, const std::string& group) {
+  Fd fd(::open(mark.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+  const std::string content = group + "\n";
+  if (!fd.ok() || !WriteFully(fd.get(), 0, content.data(), content.size()) ||
+      ::fsync(fd.get()) != 0 || fd.Close() != 0) {
+    throw std::runtime_error(SystemError("Schreiben fehlgeschlagen", mark));
+  }
+}
+
+// The group a commit mark names, or "" when the mark is incomplete.
+std::string ReadCommitMark(const std::string& mark) {
+  std::error_code error;
+  const auto size = fs::file_size(mark, error);
+  if (error || size == 0 || size > 256) return "";
+  Fd fd(::open(mark.c_str(), O_RDONLY | O_CLOEXEC));
+  std::string content(static_cast<size_t>(size), '\0');
+  if (!fd.ok() || !ReadFully(fd.get(), 0, content.data(), content.size())) return "";
+  if (content.back() != '\n') return "";
+  content.pop_back();
+  const bool plain = !content.empty() && std::all_of(content.begin(), content.end(), [](char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
+  });
+  return plain ? content : "";
+}
+
+// Steps 2 to 5 of the protocol.
+void ReplaceFiles(const std::string& directory, const std::string& group, char type_letter,
+                  const std::string& base, const std::string& temp_base, bool keep_backup) {
+  const std::string suffixes[] = {"0", "1"};
+  for (const std::string& suffix : suffixes) {
+    if (Exists(base + suffix)) MakeBackup(base + suffix, BackupPath(base + suffix));
+  }
+  SyncDirectory(directory);
+  const std::string mark = CommitMarkPath(directory, type_letter);
+  WriteCommitMark(mark, group);
+  SyncDirectory(directory);
+  for (const std::string& suffix : suffixes) Rename(temp_base + suffix, base + suffix);
+  SyncDirectory(directory);
+  RemoveIfExists(mark);
+  if (!keep_backup) {
+    for (const std::string& suffix : suffixes) RemoveIfExists(BackupPath(base + suffix));
+  }
+  SyncDirectory(directory);
+}
+
+}  // namespace
+
+DatabaseRebuild RebuildDatabase(const std::string& directory, const std::string& group,
+                                char type_letter, int key_length, const TTableRegistry& registry) {
+  DatabaseRebuild report;
+  const std::string base = directory + group + ".Q" + type_letter;
+  report.data_file = base + "0";
+  try {
+    for (std::string& line : FinishInterruptedRebuilds(directory)) report.lines.push_back(line);
+    if (!Exists(report.data_file)) {
+      report.error = report.data_file + ": " + KernelText(storage::kDkDataFileMissing);
+      return report;
+    }
+    if (const int format = storage::iDK_DbCheckFile(type_letter, report.data_file);
+        format != storage::kDkFormatCurrent) {
+      report.error = report.data_file + ": " + KernelText(format);
+      return report;
+    }
+    if (!Exists(base + "1")) report.lines.push_back("Schlüsseldatei fehlt, wird neu aufgebaut");
+    DatabaseCopier copier(directory, group, type_letter, key_length, registry, report);
+    if (!copier.Copy()) {
+      RemoveIfExists(copier.temp_base() + "0");
+      RemoveIfExists(copier.temp_base() + "1");
+      return report;
+    }
+    report.backup_kept = report.bytes_lost > 0 || report.records_not_valid > 0;
+    ReplaceFiles(directory, group, type_letter, base, copier.temp_base(), report.backup_kept);
+    report.replaced = true;
+    report.lines.push_back(Printf("%d Datensätze übernommen, %d mit Schlüsseln",
+                                  report.records_copied, report.records_with_keys));
+    if (report.backup_kept) {
+      report.lines.push_back("alte Dateien bleiben als \"" + BackupPath(base) + "0\" und \"" +
+                             BackupPath(base) + "1\" erhalten");
+    }
+  } catch (const std::exception& error) {
+    report.error = error.what();
+  }
+  return report;
+}
+
+std::vector<std::string> FinishInterruptedRebuilds(const std::string& directory) {
+  std::vector<std::string> lines;
+  for (char letter = 'A'; letter <= 'Z'; ++letter) {
+    const std::string temp_base = TempBasePath(directory, letter);
+    const std::string mark = CommitMarkPath(directory, letter);
+    if (Exists(mark)) {
+      const std::string group = ReadCommitMark(mark);
+      if (!group.empty()) {
+        const std::string base = directory + group + ".Q" + letter;
+        for (const char* suffix : {"0", "1"}) {
+          if (Exists(temp_base + suffix)) Rename(temp_base + suffix, base + suffix);
+        }
+        SyncDirectory(directory);
+        lines.push_back("unterbrochener Neuaufbau von \"" + base + "0\" abgeschlossen");
+      }
+      RemoveIfExists(mark);
+    }
+    // What is left of DB_TEMP was never committed.
+    for (const char* suffix : {"0", "1", "2"}) {
+      if (Exists(temp_base + suffix)) {
+        RemoveIfExists(temp_base + suffix);
+        lines.push_back("unvollständige Kopie \"" + temp_base + suffix + "\" gelöscht");
+      }
+    }
+  }
+  return lines;
+}
+
+}  // namespace korvan::data

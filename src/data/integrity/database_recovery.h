@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "data/tables/std_db.h"
+#include "data/tables/table_registry.h"
+
+// Rebuilding one database from its data file alone. The data file is the database's
+// record of truth: every live record is in it, written through, while the key file is
+// written back from the block cache and can be missing, cut short or inconsistent
+// after a crash. A rebuild therefore never reads the key file: it walks the data
+// file's blocks, copies every live record into a fresh database "DB_TEMP" of the same
+// type in the same directory (so free space disappears), enters each record's keys
+// through its table class, and replaces the old files atomically:
+//
+//   1. DB_TEMP.Q<t>0/1 are written completely and synced, with the directory.
+//   2. The old files are kept as backups "<file>.bak" (hard links, else copies).
+//   3. The commit mark "DB_TEMP.Q<t>.commit", naming the group, is written and synced.
+//   4. DB_TEMP.Q<t>0/1 are renamed over the old files; the directory is synced.
+//   5. The commit mark is removed; the backups are removed unless something of the
+//      old data file could not be taken over (then they stay for inspection).
+//
+// A crash before step 3 leaves the old files untouched and a DB_TEMP that the next
+// rebuild or check throws away; a crash after it is finished by
+// FinishInterruptedRebuilds, which completes the renames the mark names.
+namespace korvan::data {
+
+// A block of a data file as the scan found it.
+struct ScannedRecord {
+  int32_t position = 0;
+  std::vector<uint8_t> bytes;  // the whole slot, its length field first
+};
+
+// What a walk over a data file's blocks found.
+struct DataFileScan {
+  int64_t file_size = 0;
+  int64_t end_of_blocks = 0;  // where the last whole block ends
+  int live_records = 0;
+  int free_blocks = 0;
+  std::string stop_reason;  // why the walk ended before the end of the file; "" when it did not
+  bool Complete() const { return end_of_blocks == file_size; }
+};
+
+// Walks the blocks of a data file from offset 80 and hands every live record to
+// `on_record`. The walk ends at the end of the file, or at the first block that
+// cannot be a block (length 0, a live block shorter than a record header, a free
+// block shorter than its length field) or that runs past the end of the file (a
+// record torn by a crash during an append): from there on nothing is handed out.
+// Throws std::runtime_error naming the file when it cannot be read or has no header
+// of the current format.
+DataFileScan ScanDataFile(const std::string& data_file,
+                          const std::function<void(const ScannedRecord&)>& on_record);
+
+// What the rebuild of one database did.
+struct DatabaseRebuild {
+  std::string data_file;  // the database's data file
+  int records_copied = 0;
+  int records_with_keys = 0;
+  int records_without_keys = 0;    // of table letters no class is registered for
+  int records_not_valid = 0;       // not taken over (kept in the backup)
+  int keys_not_entered = 0;        // duplicates in unique indexes
+  int64_t bytes_lost = 0;          // of the data file past the last whole block
+  bool replaced = false;           // the new files are in place
+  bool backup_kept = false;        // "<file>.bak" still holds the old files
+  std::string error;               // why nothing was replaced; "" on success
+  std::vector<std::string> lines;  // the protocol
+
+  bool ok() const { return error.empty(); }
+};
+
+// The names of the files the protocol uses, for a database base path (directory +
+// group + ".Q" + type letter).
+std::string TempBasePath(const std::string& directory, char type_letter);
+std::string CommitMarkPath(const std::string& directory, char type_letter);
+std::string BackupPath(const std::string& file);
+
+// Rebuilds the database of `group` in `directory` (ending in the path separator) as
+// described above. The database must not be open anywhere; the caller makes sure of
+// that (TdmDataRebuild signs in exclusively in the directory's "DATA.QDC"). The key
+// file may be missing. Never throws for damaged input; the result says what happened.
+DatabaseRebuild RebuildDatabase(const std::string& directory, const std::string& group,
+                                char type_letter, int key_length, const TTableRegistry& registry);
+
+// Completes replacements that a crash interrupted after their commit mark was written,
+// and removes DB_TEMP files that were never committed. Returns protocol lines.
+std::vector<std::string> FinishInterruptedRebuilds(const std::string& directory);
+
+}  // namespace korvan::data

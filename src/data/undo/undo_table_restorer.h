@@ -1,0 +1,45 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "data/tables/std_tb.h"
+#include "data/tables/table_change_journal.h"
+
+namespace korvan::data {
+
+// Puts records back for the undo journal through the table objects: the record is found
+// by its unique key, written as the image says (header stamps aside: the kernel stamps
+// the time of the write), and all its keys are kept in step. Writes go to the kernel
+// directly, so they are not recorded again.
+class TTableRecordRestorer : public RecordRestorer {
+ public:
+  // Finds the table object for a journal target (its database open for writing), or
+  // returns nullptr.
+  using TTableResolver = std::function<TStdTB*(const TableTarget&)>;
+  explicit TTableRecordRestorer(TTableResolver resolver) : resolver_(std::move(resolver)) {}
+  // Resolves among the tables of the given databases, by base path and type letters.
+  explicit TTableRecordRestorer(std::vector<TStdDb*> databases);
+
+  int RestoreRecord(const TableTarget& table, JournalImage expected, JournalImage image,
+                    std::string& error) override;
+
+ private:
+  int Insert(TStdTB& table, JournalImage image, std::string& error);
+  int Replace(TStdTB& table, int32_t position, const std::vector<uint8_t>& stored,
+              JournalImage image, std::string& error);
+  int Delete(TStdTB& table, int32_t position, const std::vector<uint8_t>& stored,
+             std::string& error);
+
+  TTableResolver resolver_;
+};
+
+// The target of a table object, as the table layer reports it to the journal.
+TableTarget TableTargetOf(const TStdTB& table);
+
+// Whether a stored record equals an image, leaving out what the kernel sets on every
+// write: the length field (a slot may be up to three bytes longer) and the time stamp.
+bool SameRecordContent(JournalImage stored, JournalImage image);
+
+}  // namespace korvan::data
