@@ -20,9 +20,9 @@
 
 #include "app/program/installation.h"
 #include "data/db/control_list.h"
-#include "data/integrity/database_recovery.h"
 #include "data/db/db_groups.h"
 #include "data/db/path_types.h"
+#include "data/integrity/database_recovery.h"
 #include "data/tables/std_db.h"
 #include "data/tables/table_key.h"
 #include "data/tables/table_registry.h"

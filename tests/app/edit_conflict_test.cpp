@@ -7,10 +7,10 @@
 #include <string>
 
 #include "app/commands/lists/data_module_registry.h"
-#include "app/program/installation.h"
 #include "app/commands/lists/master_data_session.h"
-#include "data/db/db_groups.h"
+#include "app/program/installation.h"
 #include "data/component/list_operation.h"
+#include "data/db/db_groups.h"
 #include "data/tables/std_db.h"
 #include "data/units/tb_waehrung.h"
 #include "testing/run_korvan.h"

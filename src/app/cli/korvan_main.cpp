@@ -20,7 +20,9 @@ namespace {
 constexpr const char* kDescription =
     "Korvan - Ausschreibung, Vergabe, Abrechnung (AVA) for the construction trade";
 
-bool IsOption(const std::string& arg) { return !arg.empty() && arg[0] == '-'; }
+bool IsOption(const std::string& arg) {
+  return !arg.empty() && arg[0] == '-';
+}
 
 const Command* FindCommand(const std::vector<std::unique_ptr<Command>>& commands,
                            const std::string& name) {

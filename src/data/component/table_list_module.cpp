@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "data/tables/concurrency_question.h"
 #include "data/common/cp1252.h"
 #include "data/common/date_time.h"
+#include "data/tables/concurrency_question.h"
 #include "storage/record_header.h"
 #include "storage/result_codes.h"
 

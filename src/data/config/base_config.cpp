@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <utility>
 
-#include "data/config/config_value.h"
 #include "data/common/cp1252.h"
+#include "data/config/config_value.h"
 #include "data/records/int_date.h"
 
 namespace korvan::data {

@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "data/common/ascii_text.h"
-#include "data/config/config_error.h"
 #include "data/common/cp1252.h"
+#include "data/config/config_error.h"
 
 namespace korvan::data {
 namespace {

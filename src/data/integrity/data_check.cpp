@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "data/integrity/data_integrity.h"
 #include "data/common/message_format.h"
+#include "data/integrity/data_integrity.h"
 #include "storage/result_codes.h"
 
 namespace korvan::data {

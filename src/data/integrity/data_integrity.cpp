@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <map>
 
-#include "data/integrity/data_check.h"
 #include "data/common/message_format.h"
+#include "data/integrity/data_check.h"
 #include "data/tables/table_key.h"
 #include "storage/data_file_check.h"
 #include "storage/db_error_translate.h"

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "data/db/control_list.h"
+#include "data/db/db_groups.h"
 #include "data/integrity/data_integrity.h"
 #include "data/integrity/database_recovery.h"
-#include "data/db/db_groups.h"
 #include "data/tables/table_registry.h"
 
 namespace korvan::data {

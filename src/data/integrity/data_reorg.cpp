@@ -2,8 +2,8 @@
 
 #include <set>
 
-#include "data/integrity/database_recovery.h"
 #include "data/common/stamped_path.h"
+#include "data/integrity/database_recovery.h"
 #include "data/tables/std_db_datas.h"
 #include "storage/data_file_check.h"
 #include "storage/key_tree_check.h"

@@ -15,8 +15,8 @@
 #include <optional>
 #include <stdexcept>
 
-#include "data/integrity/duplicate_guids.h"
 #include "data/common/message_format.h"
+#include "data/integrity/duplicate_guids.h"
 #include "data/tables/table_key.h"
 #include "storage/db_error_translate.h"
 #include "storage/db_kernel.h"

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstring>
 
-#include "data/tables/concurrency_question.h"
 #include "data/common/date_time.h"
+#include "data/tables/concurrency_question.h"
 #include "data/tables/std_tb.h"
 #include "data/tables/table_key.h"
 #include "data/undo/undo_table_restorer.h"

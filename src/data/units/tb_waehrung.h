@@ -1,7 +1,7 @@
 #pragma once
 
-#include "data/units/currency_records.h"
 #include "data/tables/std_tb.h"
+#include "data/units/currency_records.h"
 
 namespace korvan::data {
 

@@ -3,11 +3,11 @@
 #include <map>
 #include <random>
 
-#include "data/units/dm_einheit.h"
-#include "data/units/dm_waehrung.h"
+#include "data/tables/std_tb_test_support.h"
 #include "data/undo/undo_redo.h"
 #include "data/undo/undo_table_restorer.h"
-#include "data/tables/std_tb_test_support.h"
+#include "data/units/dm_einheit.h"
+#include "data/units/dm_waehrung.h"
 
 namespace korvan::data::testing {
 namespace {

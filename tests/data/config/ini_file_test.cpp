@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
-#include "data/config/config_test_support.h"
 #include "data/config/config_error.h"
+#include "data/config/config_test_support.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::data {

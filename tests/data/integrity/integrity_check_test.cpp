@@ -8,8 +8,8 @@
 #include "data/integrity/data_check.h"
 #include "data/integrity/data_integrity.h"
 #include "data/integrity/database_recovery.h"
-#include "data/units/tb_waehrung.h"
 #include "data/tables/std_tb_test_support.h"
+#include "data/units/tb_waehrung.h"
 
 namespace korvan::data::testing {
 namespace {

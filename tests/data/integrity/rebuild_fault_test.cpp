@@ -6,10 +6,10 @@
 #include <random>
 
 #include "data/integrity/database_recovery.h"
+#include "data/tables/std_tb_test_support.h"
 #include "data/tables/table_registry.h"
 #include "data/units/tb_einheit.h"
 #include "data/units/tb_waehrung.h"
-#include "data/tables/std_tb_test_support.h"
 
 namespace korvan::data::testing {
 namespace {

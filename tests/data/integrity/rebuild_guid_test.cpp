@@ -6,11 +6,11 @@
 #include <regex>
 #include <set>
 
-#include "data/integrity/database_recovery.h"
 #include "data/common/guid_text.h"
+#include "data/integrity/database_recovery.h"
 #include "data/records/short_string.h"
-#include "data/tables/table_registry.h"
 #include "data/tables/std_tb_test_support.h"
+#include "data/tables/table_registry.h"
 
 namespace korvan::data::testing {
 namespace {

@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "data/units/currency_records.h"
 #include "data/records/framework_records.h"
 #include "data/records/null_values.h"
 #include "data/records/record_compare.h"
 #include "data/records/short_string.h"
-#include "data/units/unit_record.h"
 #include "data/records/wae_betrag.h"
+#include "data/units/currency_records.h"
+#include "data/units/unit_record.h"
 
 namespace korvan::data {
 namespace {

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
+#include "data/tables/std_tb_test_support.h"
 #include "data/tables/tb_counter.h"
 #include "data/tables/tb_db_info.h"
 #include "data/units/tb_waehrung.h"
-#include "data/tables/std_tb_test_support.h"
 #include "storage/db_kernel_codes.h"
 
 namespace korvan::data::testing {

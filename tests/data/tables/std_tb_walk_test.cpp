@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "data/tables/std_tb_test_support.h"
 #include "data/tables/table_key.h"
 #include "data/tables/tb_counter.h"
 #include "data/units/tb_einheit.h"
 #include "data/units/tb_waehrung.h"
-#include "data/tables/std_tb_test_support.h"
 
 namespace korvan::data::testing {
 namespace {

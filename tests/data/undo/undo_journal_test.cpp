@@ -3,8 +3,8 @@
 #include <random>
 
 #include "data/undo/undo_redo.h"
-#include "testing/temp_dir.h"
 #include "data/undo/undo_test_support.h"
+#include "testing/temp_dir.h"
 
 namespace korvan::data {
 namespace {

@@ -3,9 +3,9 @@
 #include <map>
 #include <random>
 
+#include "data/tables/std_tb_test_support.h"
 #include "data/undo/undo_redo.h"
 #include "data/undo/undo_table_restorer.h"
-#include "data/tables/std_tb_test_support.h"
 
 namespace korvan::data::testing {
 namespace {

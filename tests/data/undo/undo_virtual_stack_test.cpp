@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "data/undo/undo_test_support.h"
 #include "data/undo/virtual_stack.h"
 #include "testing/temp_dir.h"
-#include "data/undo/undo_test_support.h"
 
 namespace korvan::data {
 namespace {

@@ -15,9 +15,9 @@
 #include "app/cli/command_error.h"
 #include "app/program/current_project.h"
 #include "app/program/data_dir.h"
+#include "data/db/path_types.h"
 #include "data/integrity/data_integrity.h"
 #include "data/integrity/data_rebuild.h"
-#include "data/db/path_types.h"
 
 namespace korvan::app {
 namespace fs = std::filesystem;

@@ -10,10 +10,10 @@
 #include <CLI/CLI.hpp>
 
 #include "app/cli/command_error.h"
+#include "app/cli/display_path.h"
+#include "app/commands/db/db_database.h"
 #include "app/program/current_project.h"
 #include "app/program/data_dir.h"
-#include "app/commands/db/db_database.h"
-#include "app/cli/display_path.h"
 #include "app/program/installation.h"
 #include "data/db/db_types.h"
 

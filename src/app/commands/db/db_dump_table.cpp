@@ -7,16 +7,16 @@
 #include <vector>
 
 #include "app/cli/command_error.h"
+#include "app/cli/display_path.h"
 #include "app/commands/db/db_blocks.h"
 #include "app/commands/db/db_command.h"
 #include "app/commands/db/db_database.h"
 #include "app/commands/db/db_format.h"
-#include "app/cli/display_path.h"
-#include "data/units/currency_records.h"
 #include "data/records/framework_records.h"
 #include "data/records/record_dump.h"
 #include "data/tables/tb_counter.h"
 #include "data/tables/tb_db_info.h"
+#include "data/units/currency_records.h"
 #include "data/units/tb_einheit.h"
 #include "data/units/tb_waehrung.h"
 #include "data/units/unit_record.h"

@@ -7,11 +7,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include "app/program/data_dir.h"
 #include "app/commands/lists/data_module_registry.h"
 #include "app/commands/lists/master_data_session.h"
-#include "data/component/list_operation.h"
+#include "app/program/data_dir.h"
 #include "data/common/text_catalogue.h"
+#include "data/component/list_operation.h"
 
 namespace korvan::app {
 namespace {

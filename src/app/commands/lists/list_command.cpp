@@ -6,9 +6,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include "app/program/data_dir.h"
 #include "app/commands/lists/data_module_registry.h"
 #include "app/commands/lists/master_data_session.h"
+#include "app/program/data_dir.h"
 #include "data/common/text_catalogue.h"
 
 namespace korvan::app {

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "data/component/c_data_undo.h"
-#include "data/tables/concurrency_question.h"
 #include "data/db/db_groups.h"
+#include "data/tables/concurrency_question.h"
 #include "data/tables/std_db.h"
 #include "data/undo/undo_redo.h"
 #include "data/undo/undo_table_restorer.h"

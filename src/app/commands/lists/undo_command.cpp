@@ -8,8 +8,8 @@
 #include <CLI/CLI.hpp>
 
 #include "app/cli/command_error.h"
-#include "app/program/data_dir.h"
 #include "app/commands/lists/master_data_session.h"
+#include "app/program/data_dir.h"
 #include "data/units/tb_einheit.h"
 #include "data/units/tb_waehrung.h"
 
