@@ -1,0 +1,44 @@
+#include "storage/file/file_names.h"
+
+namespace korvan::storage {
+namespace {
+
+constexpr char kBaseInfix[] = ".Q";
+constexpr char kDataSuffix[] = "0";
+constexpr char kKeySuffix[] = "1";
+constexpr char kLockSuffix[] = "2";
+constexpr char kCommitSuffix[] = ".commit";
+constexpr char kBackupSuffix[] = ".bak";
+
+}  // namespace
+
+std::string DatabaseBasePath(const std::string& directory, const std::string& group,
+                             char type_letter) {
+  return directory + group + kBaseInfix + type_letter;
+}
+
+std::string DataFileName(const std::string& base_path) {
+  return base_path + kDataSuffix;
+}
+
+std::string KeyFileName(const std::string& base_path) {
+  return base_path + kKeySuffix;
+}
+
+std::string LockFileName(const std::string& base_path) {
+  return base_path + kLockSuffix;
+}
+
+std::string RebuildTempBasePath(const std::string& directory, char type_letter) {
+  return DatabaseBasePath(directory, kRebuildTempGroup, type_letter);
+}
+
+std::string RebuildCommitMarkName(const std::string& directory, char type_letter) {
+  return RebuildTempBasePath(directory, type_letter) + kCommitSuffix;
+}
+
+std::string BackupFileName(const std::string& file) {
+  return file + kBackupSuffix;
+}
+
+}  // namespace korvan::storage
