@@ -17,9 +17,6 @@
 namespace korvan::storage {
 namespace {
 
-using kernel::DataFileName;
-using kernel::KeyFileName;
-
 // Data and key files are written through: a write returns when the data is on disk.
 constexpr int kWriteThrough = O_DSYNC;
 constexpr int kNewFileMode = 0666;

@@ -8,6 +8,7 @@
 
 #include "storage/block_io.h"
 #include "storage/db_handle_table.h"
+#include "storage/file/file_names.h"
 #include "storage/key_file.h"
 
 namespace korvan::storage::kernel {
@@ -17,16 +18,6 @@ inline constexpr char kFreeSpaceKeyLead = '~';
 inline constexpr int kFreeSpaceDigits = 11;
 inline constexpr int kFreeBlockMinimum = 4;  // room for the length of a free block
 inline constexpr int kMaxSlack = 3;          // bytes a record may leave unused in its slot
-
-inline std::string DataFileName(const std::string& base_path) {
-  return base_path + "0";
-}
-inline std::string KeyFileName(const std::string& base_path) {
-  return base_path + "1";
-}
-inline std::string LockFileName(const std::string& base_path) {
-  return base_path + "2";
-}
 
 // Positioned read of up to `size` bytes; *got receives the number read. Returns 0, or
 // 4352 for a position the file cannot seek to, 4320 for other failures.

@@ -6,6 +6,7 @@
 #include "storage/block_cache.h"
 #include "storage/db_handle_table.h"
 #include "storage/db_kernel_codes.h"
+#include "storage/file/file_names.h"
 #include "storage/kernel_settings.h"
 #include "storage/lock_file.h"
 #include "storage/result_codes.h"
@@ -76,7 +77,8 @@ int iDK_DbLock(int handle, uint32_t user_identity, bool reuse, int* task) {
   // A lock file without a task belongs to an earlier use of the handle number (a slot
   // released without closing its lock file, as in a forked process): start afresh.
   lock_file.reset();
-  int result = LockFile::Open(slot->file_name + "2", LockFileRegistration(handle), &lock_file);
+  int result =
+      LockFile::Open(LockFileName(slot->file_name), LockFileRegistration(handle), &lock_file);
   if (result != kOk) return KernelCode(result);
   int registered = -1;
   result =

@@ -14,6 +14,7 @@
 #include "storage/block_cache.h"
 #include "storage/db_handle_table.h"
 #include "storage/db_kernel.h"
+#include "storage/file/file_names.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::storage::testing {
@@ -92,8 +93,8 @@ class DbKernelTest : public ::testing::Test {
   }
 
   std::string Base(const std::string& name) const { return dir_.File(name); }
-  std::string DataFile(const std::string& name) const { return Base(name) + "0"; }
-  std::string KeyFile(const std::string& name) const { return Base(name) + "1"; }
+  std::string DataFile(const std::string& name) const { return DataFileName(Base(name)); }
+  std::string KeyFile(const std::string& name) const { return KeyFileName(Base(name)); }
 
   int Create(const std::string& name, char type = 'T', int key_length = 40) {
     int handle = 0;

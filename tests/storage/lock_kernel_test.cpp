@@ -8,6 +8,7 @@
 #include "lock_test_process.h"
 #include "storage/db_kernel_codes.h"
 #include "storage/db_kernel_locks.h"
+#include "storage/file/file_names.h"
 #include "storage/lock_file.h"
 #include "storage/result_codes.h"
 
@@ -39,7 +40,7 @@ TEST_F(LockKernel, TypesWithoutLockingAndInvalidHandles) {
 }
 
 TEST_F(LockKernel, RegisterLockAndUnregisterOneProcess) {
-  const std::string lock_path = Base("DB_Lv.QS") + "2";
+  const std::string lock_path = LockFileName(Base("DB_Lv.QS"));
   const int handle = Create("DB_Lv.QS", 'S');
   EXPECT_EQ(iDK_WriteLockSet(handle, 0, "Lv", nullptr), kDkOpenedByOtherWriter)
       << "no lock file open yet";

@@ -7,6 +7,7 @@
 
 #include "data/db/control_list.h"
 #include "storage/db_kernel.h"
+#include "storage/file/file_names.h"
 #include "storage/result_codes.h"
 
 namespace korvan::data {
@@ -90,7 +91,7 @@ DatabaseFile::DatabaseFile(const DbGroupDefinition& group, char path_type, std::
       key_length_(group.key_length) {}
 
 std::string DatabaseFile::BasePath() const {
-  return directory_ + group_name_ + ".Q" + type_letter_;
+  return storage::DatabaseBasePath(directory_, group_name_, type_letter_);
 }
 
 bool DatabaseFile::Exists() const {

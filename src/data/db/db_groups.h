@@ -9,6 +9,7 @@
 
 #include "data/db/db_types.h"
 #include "data/db/path_types.h"
+#include "storage/file/file_names.h"
 
 namespace korvan::data {
 
@@ -60,11 +61,11 @@ class DatabaseFile {
   char version_char() const { return version_char_; }
   int key_length() const { return key_length_; }
 
-  // directory + group + ".Q" + type letter; the kernel appends "0", "1" or "2".
+  // The base path of the database's files (storage/file/file_names.h).
   std::string BasePath() const;
-  std::string DataFileName() const { return BasePath() + "0"; }
-  std::string KeyFileName() const { return BasePath() + "1"; }
-  std::string LockFileName() const { return BasePath() + "2"; }
+  std::string DataFileName() const { return storage::DataFileName(BasePath()); }
+  std::string KeyFileName() const { return storage::KeyFileName(BasePath()); }
+  std::string LockFileName() const { return storage::LockFileName(BasePath()); }
   bool Exists() const;
 
   // Create and open through the kernel; the type must be registered (else 5888).

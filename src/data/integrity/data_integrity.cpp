@@ -11,6 +11,7 @@
 #include "storage/db_error_translate.h"
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_exception.h"
+#include "storage/file/file_names.h"
 #include "storage/key_tree_check.h"
 #include "storage/result_codes.h"
 
@@ -18,7 +19,7 @@ namespace korvan::data {
 namespace {
 
 std::string DataFileName(const TStdDb& db) {
-  return db.BasePath() + "0";
+  return storage::DataFileName(db.BasePath());
 }
 
 TDiSubLogItem ErrorItem(std::string data, std::string conclusion, std::string action) {

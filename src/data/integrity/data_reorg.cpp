@@ -6,6 +6,8 @@
 #include "data/integrity/database_recovery.h"
 #include "data/tables/std_db_datas.h"
 #include "storage/data_file_check.h"
+#include "storage/file/atomic_file.h"
+#include "storage/file/file_names.h"
 #include "storage/key_tree_check.h"
 #include "storage/result_codes.h"
 
@@ -65,13 +67,6 @@ std::vector<BackedUpFile> BackUp(const std::vector<const DatabaseFile*>& files,
   return copied;
 }
 
-// What a rebuild may leave next to a database: kept backups "<file>.bak" and the
-// temporary database "DB_TEMP".
-bool IsRebuildLeftover(const std::string& name) {
-  return name.rfind("DB_TEMP.", 0) == 0 ||
-         (name.size() > 4 && name.compare(name.size() - 4, 4, ".bak") == 0);
-}
-
 // Puts the files of the backup back in place, each through a temporary name so that a
 // file is either the copy's or the backup's, and removes what the copy left next to
 // them that was not there before.
@@ -84,20 +79,15 @@ std::vector<std::string> RestoreOriginals(const std::vector<const DatabaseFile*>
   for (const BackedUpFile& saved : backup) {
     originals.insert(saved.original);
     directories.insert(saved.original.parent_path());
-    const fs::path temporary = saved.original.string() + ".restore";
-    std::error_code error;
-    fs::copy_file(saved.copy, temporary, fs::copy_options::overwrite_existing, error);
-    if (!error) fs::rename(temporary, saved.original, error);
-    if (error) {
-      problems.push_back(saved.original.string() + ": " + error.message());
-      fs::remove(temporary, error);
-    }
+    const storage::FileWriteResult restored = storage::CopyFileAtomically(
+        saved.copy.string(), saved.original.string(), storage::Durability::kDurable);
+    if (!restored.ok()) problems.push_back(saved.original.string() + ": " + restored.ErrorText());
   }
   for (const fs::path& directory : directories) {
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(directory, error)) {
       const std::string name = entry.path().filename().string();
-      if (IsDatabaseFileName(name) && IsRebuildLeftover(name) &&
+      if (IsDatabaseFileName(name) && storage::IsRebuildLeftoverName(name) &&
           originals.count(entry.path()) == 0) {
         std::error_code removed;
         fs::remove(entry.path(), removed);

@@ -21,6 +21,9 @@
 #include "storage/db_error_translate.h"
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_codes.h"
+#include "storage/file/file_names.h"
+#include "storage/file/file_sync.h"
+#include "storage/file/unique_fd.h"
 #include "storage/record_header.h"
 #include "storage/result_codes.h"
 
@@ -31,29 +34,16 @@ namespace {
 constexpr int64_t kDataStart = 80;
 constexpr int kVersionOffset = 40;
 constexpr int kVersionAndStampSize = 12;  // file version and time stamp
-constexpr char kTempGroup[] = "DB_TEMP";
-constexpr char kCommitSuffix[] = ".commit";
 
-std::string SystemError(const std::string& what, const std::string& path) {
-  return what + " \"" + path + "\": " + std::strerror(errno);
+using storage::UniqueFd;
+
+// The files a rebuild replaces, named from a base path.
+using FileNameOf = std::string (*)(const std::string&);
+constexpr FileNameOf kRebuiltFiles[] = {storage::DataFileName, storage::KeyFileName};
+
+std::string SystemError(const std::string& what, const std::string& path, int error = errno) {
+  return what + " \"" + path + "\": " + std::strerror(error);
 }
-
-// A file descriptor closed when it goes out of scope.
-class Fd {
- public:
-  explicit Fd(int fd) : fd_(fd) {}
-  ~Fd() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  Fd(const Fd&) = delete;
-  Fd& operator=(const Fd&) = delete;
-  int get() const { return fd_; }
-  bool ok() const { return fd_ >= 0; }
-  int Close() { return ::close(std::exchange(fd_, -1)); }
-
- private:
-  int fd_;
-};
 
 bool ReadFully(int fd, int64_t offset, void* buffer, size_t length) {
   auto* bytes = static_cast<uint8_t*>(buffer);
@@ -80,14 +70,15 @@ bool WriteFully(int fd, int64_t offset, const void* buffer, size_t length) {
 }
 
 void SyncPath(const std::string& path, bool directory) {
-  Fd fd(::open(path.c_str(), (directory ? O_RDONLY | O_DIRECTORY : O_RDWR) | O_CLOEXEC));
-  if (!fd.ok() || ::fsync(fd.get()) != 0) {
-    throw std::runtime_error(SystemError("Synchronisieren fehlgeschlagen", path));
+  if (const int error = directory ? storage::SyncDirectory(path) : storage::SyncFile(path);
+      error != 0) {
+    throw std::runtime_error(SystemError("Synchronisieren fehlgeschlagen",
+                                         directory && path.empty() ? "." : path, error));
   }
 }
 
 void SyncDirectory(const std::string& directory) {
-  SyncPath(directory.empty() ? "." : directory, true);
+  SyncPath(directory, true);
 }
 
 bool Exists(const std::string& path) {
@@ -141,8 +132,8 @@ std::string BlockProblem(int32_t length, int64_t position, int64_t file_size) {
 
 DataFileScan ScanDataFile(const std::string& data_file,
                           const std::function<void(const ScannedRecord&)>& on_record) {
-  Fd fd(::open(data_file.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!fd.ok()) throw std::runtime_error(SystemError("Datendatei nicht lesbar", data_file));
+  UniqueFd fd(::open(data_file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!fd.valid()) throw std::runtime_error(SystemError("Datendatei nicht lesbar", data_file));
   struct stat info {};
   if (::fstat(fd.get(), &info) != 0) {
     throw std::runtime_error(SystemError("Datendatei nicht lesbar", data_file));
@@ -183,18 +174,6 @@ DataFileScan ScanDataFile(const std::string& data_file,
   return scan;
 }
 
-std::string TempBasePath(const std::string& directory, char type_letter) {
-  return directory + kTempGroup + ".Q" + type_letter;
-}
-
-std::string CommitMarkPath(const std::string& directory, char type_letter) {
-  return TempBasePath(directory, type_letter) + kCommitSuffix;
-}
-
-std::string BackupPath(const std::string& file) {
-  return file + ".bak";
-}
-
 namespace {
 
 // A record to be copied and the keys it gets.
@@ -211,16 +190,15 @@ class DatabaseCopier {
       : directory_(directory),
         type_letter_(type_letter),
         key_length_(key_length),
-        base_(directory + group + ".Q" + type_letter),
-        temp_base_(TempBasePath(directory, type_letter)),
+        base_(storage::DatabaseBasePath(directory, group, type_letter)),
+        temp_base_(storage::RebuildTempBasePath(directory, type_letter)),
         registry_(registry),
-        keys_db_(kTempGroup, directory, type_letter, key_length),
+        keys_db_(storage::kRebuildTempGroup, directory, type_letter, key_length),
         report_(report) {}
 
   // Writes DB_TEMP completely; false with report.error when it could not.
   bool Copy() {
-    RemoveIfExists(temp_base_ + "0");
-    RemoveIfExists(temp_base_ + "1");
+    for (FileNameOf name : kRebuiltFiles) RemoveIfExists(name(temp_base_));
     if (!CreateEmpty()) return false;
     if (!CopyRecords()) return false;
     return EnterKeys();
@@ -302,7 +280,8 @@ class DatabaseCopier {
       throw std::runtime_error(temp_base_ + "0: " + KernelText(storage::kDkFileWouldExceed2GB));
     }
     if (!WriteFully(fd, end, bytes.data(), bytes.size())) {
-      throw std::runtime_error(SystemError("Schreiben fehlgeschlagen", temp_base_ + "0"));
+      throw std::runtime_error(
+          SystemError("Schreiben fehlgeschlagen", storage::DataFileName(temp_base_)));
     }
     end += static_cast<int64_t>(bytes.size());
     ++report_.records_copied;
@@ -317,19 +296,20 @@ class DatabaseCopier {
   }
 
   bool CopyRecords() {
-    const std::string temp_data = temp_base_ + "0";
-    Fd fd(::open(temp_data.c_str(), O_RDWR | O_CLOEXEC));
-    if (!fd.ok()) return Fail(SystemError("nicht beschreibbar", temp_data));
+    const std::string temp_data = storage::DataFileName(temp_base_);
+    UniqueFd fd(::open(temp_data.c_str(), O_RDWR | O_CLOEXEC));
+    if (!fd.valid()) return Fail(SystemError("nicht beschreibbar", temp_data));
     // The new file keeps the old one's version and time stamp.
-    Fd old(::open((base_ + "0").c_str(), O_RDONLY | O_CLOEXEC));
+    UniqueFd old(::open(storage::DataFileName(base_).c_str(), O_RDONLY | O_CLOEXEC));
     uint8_t stamp[kVersionAndStampSize];
-    if (!old.ok() || !ReadFully(old.get(), kVersionOffset, stamp, sizeof stamp) ||
+    if (!old.valid() || !ReadFully(old.get(), kVersionOffset, stamp, sizeof stamp) ||
         !WriteFully(fd.get(), kVersionOffset, stamp, sizeof stamp)) {
-      return Fail(SystemError("Dateikopf nicht übertragbar", base_ + "0"));
+      return Fail(SystemError("Dateikopf nicht übertragbar", storage::DataFileName(base_)));
     }
     int64_t end = kDataStart;
-    const DataFileScan scan = ScanDataFile(
-        base_ + "0", [&](const ScannedRecord& record) { Take(record, fd.get(), end); });
+    const DataFileScan scan =
+        ScanDataFile(storage::DataFileName(base_),
+                     [&](const ScannedRecord& record) { Take(record, fd.get(), end); });
     if (!scan.Complete()) {
       report_.bytes_lost = scan.file_size - scan.end_of_blocks;
       report_.lines.push_back(
@@ -380,8 +360,8 @@ class DatabaseCopier {
     if (const int closed = keys_db_.DbClose(); closed != storage::kOk) {
       return Fail(temp_base_ + "0: " + KernelText(closed));
     }
-    SyncPath(temp_base_ + "0", false);
-    SyncPath(temp_base_ + "1", false);
+    SyncPath(storage::DataFileName(temp_base_), false);
+    SyncPath(storage::KeyFileName(temp_base_), false);
     SyncDirectory(directory_);
     return true;
   }
@@ -400,9 +380,9 @@ class DatabaseCopier {
 };
 
 void WriteCommitMark(const std::string& mark, const std::string& group) {
-  Fd fd(::open(mark.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+  UniqueFd fd(::open(mark.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
   const std::string content = group + "\n";
-  if (!fd.ok() || !WriteFully(fd.get(), 0, content.data(), content.size()) ||
+  if (!fd.valid() || !WriteFully(fd.get(), 0, content.data(), content.size()) ||
       ::fsync(fd.get()) != 0 || fd.Close() != 0) {
     throw std::runtime_error(SystemError("Schreiben fehlgeschlagen", mark));
   }
@@ -413,9 +393,9 @@ std::string ReadCommitMark(const std::string& mark) {
   std::error_code error;
   const auto size = fs::file_size(mark, error);
   if (error || size == 0 || size > 256) return "";
-  Fd fd(::open(mark.c_str(), O_RDONLY | O_CLOEXEC));
+  UniqueFd fd(::open(mark.c_str(), O_RDONLY | O_CLOEXEC));
   std::string content(static_cast<size_t>(size), '\0');
-  if (!fd.ok() || !ReadFully(fd.get(), 0, content.data(), content.size())) return "";
+  if (!fd.valid() || !ReadFully(fd.get(), 0, content.data(), content.size())) return "";
   if (content.back() != '\n') return "";
   content.pop_back();
   const bool plain = !content.empty() && std::all_of(content.begin(), content.end(), [](char c) {
@@ -427,19 +407,18 @@ std::string ReadCommitMark(const std::string& mark) {
 // Steps 2 to 5 of the protocol.
 void ReplaceFiles(const std::string& directory, const std::string& group, char type_letter,
                   const std::string& base, const std::string& temp_base, bool keep_backup) {
-  const std::string suffixes[] = {"0", "1"};
-  for (const std::string& suffix : suffixes) {
-    if (Exists(base + suffix)) MakeBackup(base + suffix, BackupPath(base + suffix));
+  for (FileNameOf name : kRebuiltFiles) {
+    if (Exists(name(base))) MakeBackup(name(base), storage::BackupFileName(name(base)));
   }
   SyncDirectory(directory);
-  const std::string mark = CommitMarkPath(directory, type_letter);
+  const std::string mark = storage::RebuildCommitMarkName(directory, type_letter);
   WriteCommitMark(mark, group);
   SyncDirectory(directory);
-  for (const std::string& suffix : suffixes) Rename(temp_base + suffix, base + suffix);
+  for (FileNameOf name : kRebuiltFiles) Rename(name(temp_base), name(base));
   SyncDirectory(directory);
   RemoveIfExists(mark);
   if (!keep_backup) {
-    for (const std::string& suffix : suffixes) RemoveIfExists(BackupPath(base + suffix));
+    for (FileNameOf name : kRebuiltFiles) RemoveIfExists(storage::BackupFileName(name(base)));
   }
   SyncDirectory(directory);
 }
@@ -449,8 +428,8 @@ void ReplaceFiles(const std::string& directory, const std::string& group, char t
 DatabaseRebuild RebuildDatabase(const std::string& directory, const std::string& group,
                                 char type_letter, int key_length, const TTableRegistry& registry) {
   DatabaseRebuild report;
-  const std::string base = directory + group + ".Q" + type_letter;
-  report.data_file = base + "0";
+  const std::string base = storage::DatabaseBasePath(directory, group, type_letter);
+  report.data_file = storage::DataFileName(base);
   try {
     for (std::string& line : FinishInterruptedRebuilds(directory)) report.lines.push_back(line);
     if (!Exists(report.data_file)) {
@@ -462,11 +441,11 @@ DatabaseRebuild RebuildDatabase(const std::string& directory, const std::string&
       report.error = report.data_file + ": " + KernelText(format);
       return report;
     }
-    if (!Exists(base + "1")) report.lines.push_back("Schlüsseldatei fehlt, wird neu aufgebaut");
+    if (!Exists(storage::KeyFileName(base)))
+      report.lines.push_back("Schlüsseldatei fehlt, wird neu aufgebaut");
     DatabaseCopier copier(directory, group, type_letter, key_length, registry, report);
     if (!copier.Copy()) {
-      RemoveIfExists(copier.temp_base() + "0");
-      RemoveIfExists(copier.temp_base() + "1");
+      for (FileNameOf name : kRebuiltFiles) RemoveIfExists(name(copier.temp_base()));
       return report;
     }
     report.backup_kept = report.bytes_lost > 0 || report.records_not_valid > 0;
@@ -475,8 +454,9 @@ DatabaseRebuild RebuildDatabase(const std::string& directory, const std::string&
     report.lines.push_back(Printf("%d Datensätze übernommen, %d mit Schlüsseln",
                                   report.records_copied, report.records_with_keys));
     if (report.backup_kept) {
-      report.lines.push_back("alte Dateien bleiben als \"" + BackupPath(base) + "0\" und \"" +
-                             BackupPath(base) + "1\" erhalten");
+      report.lines.push_back("alte Dateien bleiben als \"" +
+                             storage::BackupFileName(storage::DataFileName(base)) + "\" und \"" +
+                             storage::BackupFileName(storage::KeyFileName(base)) + "\" erhalten");
     }
   } catch (const std::exception& error) {
     report.error = error.what();
@@ -487,25 +467,26 @@ DatabaseRebuild RebuildDatabase(const std::string& directory, const std::string&
 std::vector<std::string> FinishInterruptedRebuilds(const std::string& directory) {
   std::vector<std::string> lines;
   for (char letter = 'A'; letter <= 'Z'; ++letter) {
-    const std::string temp_base = TempBasePath(directory, letter);
-    const std::string mark = CommitMarkPath(directory, letter);
+    const std::string temp_base = storage::RebuildTempBasePath(directory, letter);
+    const std::string mark = storage::RebuildCommitMarkName(directory, letter);
     if (Exists(mark)) {
       const std::string group = ReadCommitMark(mark);
       if (!group.empty()) {
-        const std::string base = directory + group + ".Q" + letter;
-        for (const char* suffix : {"0", "1"}) {
-          if (Exists(temp_base + suffix)) Rename(temp_base + suffix, base + suffix);
+        const std::string base = storage::DatabaseBasePath(directory, group, letter);
+        for (FileNameOf name : kRebuiltFiles) {
+          if (Exists(name(temp_base))) Rename(name(temp_base), name(base));
         }
         SyncDirectory(directory);
-        lines.push_back("unterbrochener Neuaufbau von \"" + base + "0\" abgeschlossen");
+        lines.push_back("unterbrochener Neuaufbau von \"" + storage::DataFileName(base) +
+                        "\" abgeschlossen");
       }
       RemoveIfExists(mark);
     }
     // What is left of DB_TEMP was never committed.
-    for (const char* suffix : {"0", "1", "2"}) {
-      if (Exists(temp_base + suffix)) {
-        RemoveIfExists(temp_base + suffix);
-        lines.push_back("unvollständige Kopie \"" + temp_base + suffix + "\" gelöscht");
+    for (FileNameOf name : {storage::DataFileName, storage::KeyFileName, storage::LockFileName}) {
+      if (Exists(name(temp_base))) {
+        RemoveIfExists(name(temp_base));
+        lines.push_back("unvollständige Kopie \"" + name(temp_base) + "\" gelöscht");
       }
     }
   }

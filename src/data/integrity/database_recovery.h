@@ -71,12 +71,6 @@ struct DatabaseRebuild {
   bool ok() const { return error.empty(); }
 };
 
-// The names of the files the protocol uses, for a database base path (directory +
-// group + ".Q" + type letter).
-std::string TempBasePath(const std::string& directory, char type_letter);
-std::string CommitMarkPath(const std::string& directory, char type_letter);
-std::string BackupPath(const std::string& file);
-
 // Rebuilds the database of `group` in `directory` (ending in the path separator) as
 // described above. The database must not be open anywhere; the caller makes sure of
 // that (TdmDataRebuild signs in exclusively in the directory's "DATA.QDC"). The key

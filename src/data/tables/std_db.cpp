@@ -11,6 +11,7 @@
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_exception.h"
 #include "storage/db_kernel_locks.h"
+#include "storage/file/file_names.h"
 #include "storage/result_codes.h"
 
 namespace korvan::data {
@@ -35,7 +36,7 @@ TStdDb::~TStdDb() {
 }
 
 std::string TStdDb::BasePath() const {
-  return FDirectory + FGroupName + ".Q" + FTypeLetter;
+  return storage::DatabaseBasePath(FDirectory, FGroupName, FTypeLetter);
 }
 
 int TStdDb::DbCreate() {

@@ -41,4 +41,10 @@ std::string BackupFileName(const std::string& file) {
   return file + kBackupSuffix;
 }
 
+bool IsRebuildLeftoverName(const std::string& file_name) {
+  const std::string temp_prefix = std::string(kRebuildTempGroup) + kBaseInfix;
+  return file_name.starts_with(temp_prefix) ||
+         (file_name.size() > sizeof kBackupSuffix - 1 && file_name.ends_with(kBackupSuffix));
+}
+
 }  // namespace korvan::storage

@@ -31,5 +31,8 @@ std::string RebuildTempBasePath(const std::string& directory, char type_letter);
 std::string RebuildCommitMarkName(const std::string& directory, char type_letter);
 // Where a rebuild keeps the old content of `file`.
 std::string BackupFileName(const std::string& file);
+// Whether a file name (without directory) is one a rebuild may leave next to a database:
+// a file of its temporary group or a backup.
+bool IsRebuildLeftoverName(const std::string& file_name);
 
 }  // namespace korvan::storage

@@ -10,6 +10,7 @@
 #include "data/integrity/database_recovery.h"
 #include "data/tables/std_tb_test_support.h"
 #include "data/units/tb_waehrung.h"
+#include "storage/file/file_names.h"
 
 namespace korvan::data::testing {
 namespace {
@@ -106,8 +107,8 @@ class IntegrityTest : public TableTest {
            ") has no table class: " + std::to_string(records) + " Record(s)";
   }
   void ExpectFilesUnchanged(const std::string& data, const std::string& keys) {
-    EXPECT_EQ(FileBytes(db_->BasePath() + "0"), data);
-    EXPECT_EQ(FileBytes(db_->BasePath() + "1"), keys);
+    EXPECT_EQ(FileBytes(storage::DataFileName(db_->BasePath())), data);
+    EXPECT_EQ(FileBytes(storage::KeyFileName(db_->BasePath())), keys);
   }
 
   std::map<char, int> foreign_;  // records entered per unknown letter
@@ -120,8 +121,8 @@ TEST_F(IntegrityTest, ForeignKeysAndCodeLettersDryRunThenRepair) {
   AddRef(3, 99, 'A');  // no currency 99
   AddRef(4, 42, 'Q');  // letter not allowed
   ASSERT_EQ(db_->Flush(), 0);
-  const std::string data = FileBytes(db_->BasePath() + "0");
-  const std::string keys = FileBytes(db_->BasePath() + "1");
+  const std::string data = FileBytes(storage::DataFileName(db_->BasePath()));
+  const std::string keys = FileBytes(storage::KeyFileName(db_->BasePath()));
 
   std::string log;
   EXPECT_EQ(Run(true, true, &log), 2);
@@ -179,8 +180,8 @@ TEST_F(IntegrityTest, RecordsOfUnknownLettersAreConflictsAndNeverTouched) {
   AddForeignRecord('X', 0x22);
   AddForeignRecord('Q', 0x33);
   ASSERT_EQ(db_->Flush(), 0);
-  const std::string data = FileBytes(db_->BasePath() + "0");
-  const std::string keys = FileBytes(db_->BasePath() + "1");
+  const std::string data = FileBytes(storage::DataFileName(db_->BasePath()));
+  const std::string keys = FileBytes(storage::KeyFileName(db_->BasePath()));
   for (const bool only_test : {true, false}) {
     SCOPED_TRACE(only_test ? "dry run" : "repair run");
     EXPECT_EQ(Run(only_test, true, &log), static_cast<int>(foreign_.size())) << log;
@@ -205,7 +206,7 @@ TEST_F(IntegrityTest, RebuildKeepsUnknownRecordsByteForByteAndTheCheckStillRepor
   ASSERT_EQ(db_->Flush(), 0);
   const auto foreign_records = [this] {
     std::multimap<char, std::vector<uint8_t>> found;
-    ScanDataFile(db_->BasePath() + "0", [&](const ScannedRecord& record) {
+    ScanDataFile(storage::DataFileName(db_->BasePath()), [&](const ScannedRecord& record) {
       const char letter = static_cast<char>(record.bytes[4]);
       if (foreign_.contains(letter)) found.emplace(letter, record.bytes);
     });

@@ -10,6 +10,7 @@
 #include "data/tables/table_registry.h"
 #include "data/units/tb_einheit.h"
 #include "data/units/tb_waehrung.h"
+#include "storage/file/file_names.h"
 
 namespace korvan::data::testing {
 namespace {
@@ -97,35 +98,37 @@ void ExpectRecovered(const fs::path& dir, const std::vector<Expected>& expected,
 TEST(RebuildFaultTest, KeyFileDamageAndTornDataFilesAtRandomCutPoints) {
   korvan::testing::TempDir original;
   FillDatabase(original.path());
-  const std::string base = (original.path() / "DB_Stamm.QE").string();
-  const std::vector<Expected> expected = ExpectedRecords(base + "0");
+  const std::string base =
+      storage::DatabaseBasePath(original.path().string() + "/", "DB_Stamm", kType);
+  const std::vector<Expected> expected = ExpectedRecords(storage::DataFileName(base));
   ASSERT_EQ(expected.size(), 76u);
-  const auto data_size = static_cast<int64_t>(fs::file_size(base + "0"));
-  const auto key_size = static_cast<int64_t>(fs::file_size(base + "1"));
+  const auto data_size = static_cast<int64_t>(fs::file_size(storage::DataFileName(base)));
+  const auto key_size = static_cast<int64_t>(fs::file_size(storage::KeyFileName(base)));
   std::mt19937 random(20240611);
   for (int round = 0; round < 40; ++round) {
     korvan::testing::TempDir copy;
-    for (const char* suffix : {"0", "1"}) {
-      fs::copy_file(base + suffix, copy.path() / (std::string("DB_Stamm.QE") + suffix));
-    }
-    const std::string target = (copy.path() / "DB_Stamm.QE").string();
+    const std::string target =
+        storage::DatabaseBasePath(copy.path().string() + "/", "DB_Stamm", kType);
+    fs::copy_file(storage::DataFileName(base), storage::DataFileName(target));
+    fs::copy_file(storage::KeyFileName(base), storage::KeyFileName(target));
     const int kind = round % 4;
     int64_t cut = data_size;
     const auto at = std::uniform_int_distribution<int64_t>(0, key_size - 64)(random);
     std::string fault = "key file cut at " + std::to_string(at);
     if (kind == 0) {
-      fs::resize_file(target + "1", static_cast<uintmax_t>(at));
+      fs::resize_file(storage::KeyFileName(target), static_cast<uintmax_t>(at));
     } else if (kind == 1) {
-      std::fstream file(target + "1", std::ios::in | std::ios::out | std::ios::binary);
+      std::fstream file(storage::KeyFileName(target),
+                        std::ios::in | std::ios::out | std::ios::binary);
       file.seekp(at);
       for (int i = 0; i < 64; ++i) file.put(static_cast<char>(random()));
       fault = "key file scrambled at " + std::to_string(at);
     } else if (kind == 2) {
-      fs::remove(target + "1");
+      fs::remove(storage::KeyFileName(target));
       fault = "key file missing";
     } else {
       cut = std::uniform_int_distribution<int64_t>(80, data_size - 1)(random);
-      fs::resize_file(target + "0", static_cast<uintmax_t>(cut));
+      fs::resize_file(storage::DataFileName(target), static_cast<uintmax_t>(cut));
       fault = "data file torn at " + std::to_string(cut);
     }
     const std::string directory = copy.path().string() + "/";
@@ -138,7 +141,8 @@ TEST(RebuildFaultTest, KeyFileDamageAndTornDataFilesAtRandomCutPoints) {
                                      [&](const Expected& r) { return r.end == cut; });
       EXPECT_EQ(result.backup_kept, torn && result.bytes_lost > 0) << fault;
     }
-    EXPECT_FALSE(fs::exists(directory + "DB_TEMP.QE0")) << fault;
+    EXPECT_FALSE(fs::exists(storage::DataFileName(storage::RebuildTempBasePath(directory, kType))))
+        << fault;
     ExpectRecovered(copy.path(), expected, cut, fault);
   }
 }
@@ -147,20 +151,23 @@ TEST(RebuildFaultTest, CommittedReplacementIsFinishedAfterACrash) {
   korvan::testing::TempDir dir;
   FillDatabase(dir.path());
   const std::string directory = dir.path().string() + "/";
-  const std::vector<Expected> expected = ExpectedRecords(directory + "DB_Stamm.QE0");
+  const std::string base = storage::DatabaseBasePath(directory, "DB_Stamm", kType);
+  const std::string temp_base = storage::RebuildTempBasePath(directory, kType);
+  const std::string mark = storage::RebuildCommitMarkName(directory, kType);
+  const std::vector<Expected> expected = ExpectedRecords(storage::DataFileName(base));
   // A crash after the commit mark: the new files are still under their temporary names.
-  fs::copy_file(directory + "DB_Stamm.QE0", directory + "DB_TEMP.QE0");
-  fs::copy_file(directory + "DB_Stamm.QE1", directory + "DB_TEMP.QE1");
-  fs::remove(directory + "DB_Stamm.QE1");
-  std::ofstream(directory + "DB_TEMP.QE.commit") << "DB_Stamm\n";
+  fs::copy_file(storage::DataFileName(base), storage::DataFileName(temp_base));
+  fs::copy_file(storage::KeyFileName(base), storage::KeyFileName(temp_base));
+  fs::remove(storage::KeyFileName(base));
+  std::ofstream(mark) << "DB_Stamm\n";
   EXPECT_EQ(FinishInterruptedRebuilds(directory).size(), 1u);
-  EXPECT_FALSE(fs::exists(directory + "DB_TEMP.QE.commit"));
+  EXPECT_FALSE(fs::exists(mark));
   ExpectRecovered(dir.path(), expected, INT64_MAX, "finished");
   // Without a mark the copy was never complete and is thrown away.
-  fs::copy_file(directory + "DB_Stamm.QE0", directory + "DB_TEMP.QE0");
-  std::ofstream(directory + "DB_TEMP.QE.commit") << "DB_St";  // torn mark
+  fs::copy_file(storage::DataFileName(base), storage::DataFileName(temp_base));
+  std::ofstream(mark) << "DB_St";  // torn mark
   FinishInterruptedRebuilds(directory);
-  EXPECT_FALSE(fs::exists(directory + "DB_TEMP.QE0"));
+  EXPECT_FALSE(fs::exists(storage::DataFileName(temp_base)));
   ExpectRecovered(dir.path(), expected, INT64_MAX, "untouched");
 }
 

@@ -18,5 +18,14 @@ TEST(FileNamesTest, TheFilesOfOneDatabaseAndOfItsRebuild) {
   EXPECT_EQ(DatabaseBasePath("", "DB_Stamm", 'E'), "DB_Stamm.QE");
 }
 
+TEST(FileNamesTest, WhatARebuildMayLeaveBehind) {
+  EXPECT_TRUE(IsRebuildLeftoverName("DB_TEMP.QA0"));
+  EXPECT_TRUE(IsRebuildLeftoverName("DB_TEMP.QA.commit"));
+  EXPECT_TRUE(IsRebuildLeftoverName("DB_LV.QA1.bak"));
+  EXPECT_FALSE(IsRebuildLeftoverName("DB_LV.QA0"));
+  EXPECT_FALSE(IsRebuildLeftoverName(".bak"));
+  EXPECT_FALSE(IsRebuildLeftoverName("DB_TEMPO.QA0"));
+}
+
 }  // namespace
 }  // namespace korvan::storage

@@ -15,6 +15,7 @@
 #include "app/commands/db/db_key_walk.h"
 #include "app/commands/db/key_text.h"
 #include "storage/data_file_check.h"
+#include "storage/file/file_names.h"
 #include "storage/key_tree_check.h"
 
 namespace korvan::app {
@@ -80,7 +81,7 @@ void CheckBlockShapes(const DataBlock& block, std::vector<std::string>* problems
 // Table keys name records: each must point at the start of a live record.
 void CheckTableKeys(const OpenDatabase& db, const std::set<int64_t>& live_records,
                     Problems* problems) {
-  const std::string key_file = KeyFilePath(db.base_path());
+  const std::string key_file = storage::KeyFileName(db.base_path());
   try {
     WalkKeys(db, [&](uint32_t position, std::span<const uint8_t> key) {
       if (key[0] == kFreeSpaceKeyLead || live_records.count(position) != 0) return;
@@ -95,8 +96,8 @@ void CheckTableKeys(const OpenDatabase& db, const std::set<int64_t>& live_record
 }  // namespace
 
 int RunDbCheck(const std::string& base_path, Streams& streams) {
-  const std::string data_file = DataFilePath(base_path);
-  const std::string key_file = KeyFilePath(base_path);
+  const std::string data_file = storage::DataFileName(base_path);
+  const std::string key_file = storage::KeyFileName(base_path);
   Problems problems(streams.out);
   if (const int format = DataFileFormat(base_path); !IsRecordFormat(format)) {
     problems.Add(data_file, "format " + ResultCodeText(format));

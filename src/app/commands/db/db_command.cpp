@@ -8,6 +8,7 @@
 #include "app/cli/command_error.h"
 #include "app/commands/db/db_database.h"
 #include "storage/db_kernel.h"
+#include "storage/file/file_names.h"
 #include "storage/key_file.h"
 #include "storage/result_codes.h"
 
@@ -75,9 +76,10 @@ int RunDbCreate(const std::string& base_path, char db_type, int key_length, Stre
     throw CommandError(FileOfOpenFailure(base_path, result) + ": " + ResultCodeText(result));
   }
   if (const int closed = storage::iDK_DbClose(handle); closed != storage::kOk) {
-    throw CommandError(DataFilePath(base_path) + ": " + ResultCodeText(closed));
+    throw CommandError(storage::DataFileName(base_path) + ": " + ResultCodeText(closed));
   }
-  streams.out << "created " << DataFilePath(base_path) << " and " << KeyFilePath(base_path) << "\n";
+  streams.out << "created " << storage::DataFileName(base_path) << " and "
+              << storage::KeyFileName(base_path) << "\n";
   return kExitOk;
 }
 

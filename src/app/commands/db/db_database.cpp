@@ -7,6 +7,7 @@
 #include "app/cli/command_error.h"
 #include "storage/db_error_translate.h"
 #include "storage/db_kernel.h"
+#include "storage/file/file_names.h"
 #include "storage/key_file.h"
 #include "storage/result_codes.h"
 
@@ -38,13 +39,6 @@ bool IsKeyFileCode(int code) {
 
 }  // namespace
 
-std::string DataFilePath(const std::string& base_path) {
-  return base_path + "0";
-}
-std::string KeyFilePath(const std::string& base_path) {
-  return base_path + "1";
-}
-
 std::string ResultCodeText(int code) {
   for (const auto& [known, text] : kKeyLayerTexts) {
     if (known == code) return std::to_string(code) + " (" + text + ")";
@@ -53,7 +47,7 @@ std::string ResultCodeText(int code) {
 }
 
 std::string FileOfOpenFailure(const std::string& base_path, int code) {
-  return IsKeyFileCode(code) ? KeyFilePath(base_path) : DataFilePath(base_path);
+  return IsKeyFileCode(code) ? storage::KeyFileName(base_path) : storage::DataFileName(base_path);
 }
 
 OpenDatabase::OpenDatabase(const std::string& base_path, Access access) : base_path_(base_path) {
@@ -76,10 +70,10 @@ int OpenDatabase::KeyLength() const {
   try {
     result = storage::KeyFileKeyLength(handle_, &key_length);
   } catch (const std::exception& error) {
-    throw CommandError(KeyFilePath(base_path_) + ": " + error.what());
+    throw CommandError(storage::KeyFileName(base_path_) + ": " + error.what());
   }
   if (result != storage::kOk) {
-    throw CommandError(KeyFilePath(base_path_) + ": " + ResultCodeText(result));
+    throw CommandError(storage::KeyFileName(base_path_) + ": " + ResultCodeText(result));
   }
   return key_length;
 }
@@ -92,7 +86,7 @@ uint32_t OpenDatabase::KeyCount(bool with_free_space_keys) const {
       storage::iDK_KeyMatchesCount(handle_, pattern, 0, with_free_space_keys, &count);
   if (result == storage::kDkKeyNotFound) return 0;  // an empty tree
   if (result != storage::kOk) {
-    throw CommandError(KeyFilePath(base_path_) + ": " + ResultCodeText(result));
+    throw CommandError(storage::KeyFileName(base_path_) + ": " + ResultCodeText(result));
   }
   return count;
 }
@@ -101,8 +95,8 @@ void OpenDatabase::Close() {
   if (handle_ == 0) return;
   const int result = storage::iDK_DbClose(handle_);
   if (result != storage::kOk) {
-    throw CommandError(DataFilePath(base_path_) + ", " + KeyFilePath(base_path_) + ": " +
-                       ResultCodeText(result));
+    throw CommandError(storage::DataFileName(base_path_) + ", " + storage::KeyFileName(base_path_) +
+                       ": " + ResultCodeText(result));
   }
   handle_ = 0;
 }

@@ -5,10 +5,6 @@
 
 namespace korvan::app {
 
-// The files of a database named by its base path.
-std::string DataFilePath(const std::string& base_path);
-std::string KeyFilePath(const std::string& base_path);
-
 // "<code> (<text>)" for a kernel result code; key-file and cache codes, which the
 // kernel's message table does not know, get a short description of their own.
 std::string ResultCodeText(int code);

@@ -5,6 +5,7 @@
 #include "app/commands/db/db_command.h"
 #include "app/commands/db/db_database.h"
 #include "app/commands/db/db_format.h"
+#include "storage/file/file_names.h"
 
 namespace korvan::app {
 namespace {
@@ -19,7 +20,7 @@ std::string BlockKind(const DataBlock& block) {
 }  // namespace
 
 int RunDbDump(const std::string& base_path, Streams& streams) {
-  const std::string data_file = DataFilePath(base_path);
+  const std::string data_file = storage::DataFileName(base_path);
   if (const int format = DataFileFormat(base_path); !IsRecordFormat(format)) {
     streams.err << data_file << ": " << ResultCodeText(format) << "\n";
     return kExitFailure;

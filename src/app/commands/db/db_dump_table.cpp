@@ -20,6 +20,7 @@
 #include "data/units/tb_einheit.h"
 #include "data/units/tb_waehrung.h"
 #include "data/units/unit_record.h"
+#include "storage/file/file_names.h"
 
 namespace korvan::app {
 namespace {
@@ -95,7 +96,7 @@ class TableDump {
 }  // namespace
 
 int RunDbDumpTable(const std::string& base_path, char table_type, Streams& streams) {
-  const std::string data_file = DataFilePath(base_path);
+  const std::string data_file = storage::DataFileName(base_path);
   if (const int format = DataFileFormat(base_path); !IsRecordFormat(format)) {
     streams.err << data_file << ": " << ResultCodeText(format) << "\n";
     return kExitFailure;

@@ -8,6 +8,7 @@
 #include "app/commands/db/db_database.h"
 #include "storage/data_file_banner.h"
 #include "storage/db_kernel.h"
+#include "storage/file/file_names.h"
 
 namespace korvan::app {
 namespace {
@@ -42,11 +43,11 @@ bool IsRecordFormat(int format_code) {
 }
 
 int DataFileFormat(const std::string& base_path) {
-  const int format = storage::iDK_DbCheckFile(kOrdinaryType, DataFilePath(base_path));
+  const int format = storage::iDK_DbCheckFile(kOrdinaryType, storage::DataFileName(base_path));
   if (format != storage::kDkDataFileMissing && format != storage::kDkIoError) return format;
-  std::string message = DataFilePath(base_path) + ": " + ResultCodeText(format);
+  std::string message = storage::DataFileName(base_path) + ": " + ResultCodeText(format);
   std::error_code error;
-  const auto size = std::filesystem::file_size(DataFilePath(base_path), error);
+  const auto size = std::filesystem::file_size(storage::DataFileName(base_path), error);
   if (!error && size < storage::kDataFileHeaderSize) {
     message += ": file of " + std::to_string(size) + " bytes is shorter than its header";
   }

@@ -9,6 +9,7 @@
 #include "app/commands/db/db_format.h"
 #include "storage/db_kernel.h"
 #include "storage/delphi_datetime.h"
+#include "storage/file/file_names.h"
 #include "storage/result_codes.h"
 
 namespace korvan::app {
@@ -17,7 +18,7 @@ namespace {
 int KeyFileVersionOf(const OpenDatabase& db) {
   int version = 0;
   if (const int result = storage::KeyFileVersion(db.handle(), &version); result != storage::kOk) {
-    throw CommandError(KeyFilePath(db.base_path()) + ": " + ResultCodeText(result));
+    throw CommandError(storage::KeyFileName(db.base_path()) + ": " + ResultCodeText(result));
   }
   return version;
 }
@@ -25,11 +26,11 @@ int KeyFileVersionOf(const OpenDatabase& db) {
 void PrintHeader(const std::string& base_path, int format, std::ostream& out) {
   uint32_t version = 0;
   double stamp = 0;
-  const int result = storage::iDK_DbFileInfo(DataFilePath(base_path), &version, &stamp);
+  const int result = storage::iDK_DbFileInfo(storage::DataFileName(base_path), &version, &stamp);
   if (result != storage::kOk) {
-    throw CommandError(DataFilePath(base_path) + ": " + ResultCodeText(result));
+    throw CommandError(storage::DataFileName(base_path) + ": " + ResultCodeText(result));
   }
-  out << "data file: " << DataFilePath(base_path) << "\n"
+  out << "data file: " << storage::DataFileName(base_path) << "\n"
       << "format: " << FormatCodeText(format) << "\n"
       << "file version: " << version << "\n"
       << "time stamp: " << storage::FormatDelphiDateTime(stamp) << " (" << std::fixed
@@ -43,15 +44,15 @@ int RunDbInfo(const std::string& base_path, Streams& streams) {
   PrintHeader(base_path, format, streams.out);
 
   const OpenDatabase db(base_path, OpenDatabase::Access::kReadOnly);
-  streams.out << "key file: " << KeyFilePath(base_path) << "\n"
+  streams.out << "key file: " << storage::KeyFileName(base_path) << "\n"
               << "key file version: " << KeyFileVersionOf(db) << "\n"
               << "key length: " << db.KeyLength() << "\n";
 
   int64_t records = 0;
   int64_t free_blocks = 0;
-  const std::string stopped = WalkDataFile(DataFilePath(base_path), [&](const DataBlock& block) {
-    ++(block.live ? records : free_blocks);
-  });
+  const std::string stopped =
+      WalkDataFile(storage::DataFileName(base_path),
+                   [&](const DataBlock& block) { ++(block.live ? records : free_blocks); });
   const uint32_t all_keys = db.KeyCount(true);
   const uint32_t table_keys = db.KeyCount(false);
   streams.out << "records: " << records << "\n"
@@ -61,11 +62,11 @@ int RunDbInfo(const std::string& base_path, Streams& streams) {
 
   int exit_code = kExitOk;
   if (!IsRecordFormat(format)) {
-    streams.err << DataFilePath(base_path) << ": " << ResultCodeText(format) << "\n";
+    streams.err << storage::DataFileName(base_path) << ": " << ResultCodeText(format) << "\n";
     exit_code = kExitFailure;
   }
   if (!stopped.empty()) {
-    streams.err << DataFilePath(base_path) << ": " << stopped
+    streams.err << storage::DataFileName(base_path) << ": " << stopped
                 << " (the counts cover the blocks before it)\n";
     exit_code = kExitFailure;
   }

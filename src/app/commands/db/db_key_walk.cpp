@@ -7,6 +7,7 @@
 #include "app/cli/command_error.h"
 #include "app/commands/db/key_text.h"
 #include "storage/db_kernel.h"
+#include "storage/file/file_names.h"
 #include "storage/result_codes.h"
 
 namespace korvan::app {
@@ -55,7 +56,7 @@ class KeyWalkGuard {
 void WalkKeys(const OpenDatabase& db,
               const std::function<void(uint32_t position, std::span<const uint8_t> key)>& visit) {
   const int key_length = db.KeyLength();
-  const std::string key_file = KeyFilePath(db.base_path());
+  const std::string key_file = storage::KeyFileName(db.base_path());
   KeyWalkGuard guard(key_file, db.KeyCount(true), key_length);
   storage::KeyEntry entry;
   std::memset(entry.key, storage::kKeyPad, sizeof entry.key);
