@@ -1,13 +1,11 @@
 #include "storage/block_cache.h"
 
-#include <cerrno>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "storage/block_io.h"
 #include "storage/classic_cache.h"
+#include "storage/file/atomic_file.h"
 #include "storage/random_access_cache.h"
 #include "storage/result_codes.h"
 
@@ -18,19 +16,11 @@ bool ValidRegistration(int registration) {
   return registration >= 1 && registration <= kMaxCacheRegistrations;
 }
 
-void WriteFileAtomically(const std::string& path, const std::string& text) {
-  const std::string temporary = path + ".tmp";
-  {
-    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-    out << text;
-    out.flush();
-    if (!out) throw FileIoError("Write", errno);
-  }
-  std::error_code error;
-  std::filesystem::rename(temporary, path, error);
-  if (error) {
-    std::filesystem::remove(temporary, error);
-    throw FileIoError("Write", error.value());
+// The statistics can be written again at any time, so a crash may lose them.
+void WriteStatistics(const std::string& path, const std::string& text) {
+  if (const FileWriteResult result = WriteFileAtomically(path, text, Durability::kAtomic);
+      !result.ok()) {
+    throw FileIoError("Write", result.error);
   }
 }
 
@@ -155,8 +145,8 @@ std::vector<CacheMonitoring> BlockCache::GetMonitorings() const {
 
 void BlockCache::SaveMonitoring() const {
   if (settings_.monitoring_file.empty()) return;
-  WriteFileAtomically(settings_.monitoring_file + ".csv",
-                      FormatMonitoringCsv(monitored_files_, CollectMonitoring()));
+  WriteStatistics(settings_.monitoring_file + ".csv",
+                  FormatMonitoringCsv(monitored_files_, CollectMonitoring()));
 }
 
 }  // namespace korvan::storage

@@ -16,6 +16,7 @@
 
 #include "app/program/data_dir.h"
 #include "app/program/startup.h"
+#include "storage/file/unique_fd.h"
 
 namespace korvan::app {
 
@@ -34,31 +35,31 @@ class StopSignals {
     if (pthread_sigmask(SIG_BLOCK, &signals_, &previous_) != 0) {
       throw std::runtime_error("Signale können nicht umgeleitet werden");
     }
-    fd_ = signalfd(-1, &signals_, SFD_CLOEXEC | SFD_NONBLOCK);
-    if (fd_ < 0) {
+    fd_ = storage::UniqueFd(signalfd(-1, &signals_, SFD_CLOEXEC | SFD_NONBLOCK));
+    if (!fd_.valid()) {
       pthread_sigmask(SIG_SETMASK, &previous_, nullptr);
       throw std::runtime_error(std::string("signalfd: ") + std::strerror(errno));
     }
   }
   ~StopSignals() {
-    close(fd_);
+    fd_.Close();
     pthread_sigmask(SIG_SETMASK, &previous_, nullptr);
   }
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;
 
-  int fd() const { return fd_; }
+  int fd() const { return fd_.get(); }
 
   // Takes a pending signal; otherwise it would end the process once the mask is back.
   bool Received() const {
     signalfd_siginfo info{};
-    return read(fd_, &info, sizeof info) == static_cast<ssize_t>(sizeof info);
+    return read(fd_.get(), &info, sizeof info) == static_cast<ssize_t>(sizeof info);
   }
 
  private:
   sigset_t signals_{};
   sigset_t previous_{};
-  int fd_ = -1;
+  storage::UniqueFd fd_;
 };
 
 std::string JoinParameters(const std::vector<std::string>& lines) {

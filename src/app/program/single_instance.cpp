@@ -19,10 +19,12 @@
 
 #include "data/config/config_value.h"
 #include "data/config/ini_file.h"
+#include "storage/file/atomic_file.h"
 
 namespace korvan::app {
 
 namespace fs = std::filesystem;
+using storage::UniqueFd;
 using Clock = std::chrono::steady_clock;
 
 namespace {
@@ -149,19 +151,15 @@ std::vector<std::string> ReadLines(const fs::path& file) {
   return lines;
 }
 
+// The list is rewritten on each hand-over; a crash loses at most the last one.
 void WriteQParams(const fs::path& file, const std::vector<std::string>& lines) {
-  const fs::path temporary = fs::path(file).concat(".tmp");
-  {
-    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-    for (const std::string& line : lines) out << line << '\n';
-    out.flush();
-    if (!out) ThrowSystemError("Datei kann nicht geschrieben werden:", temporary);
-  }
-  std::error_code error;
-  fs::rename(temporary, file, error);
-  if (error) {
+  std::string text;
+  for (const std::string& line : lines) text += line + '\n';
+  const storage::FileWriteResult result =
+      storage::WriteFileAtomically(file.string(), text, storage::Durability::kAtomic);
+  if (!result.ok()) {
     throw std::runtime_error("\"" + file.string() +
-                             "\" kann nicht geschrieben werden: " + error.message());
+                             "\" kann nicht geschrieben werden: " + result.ErrorText());
   }
 }
 
@@ -210,20 +208,6 @@ fs::path InstanceRuntimeDirectory() {
   }
   CheckPrivateDirectory(dir);
   return dir;
-}
-
-UniqueFd::~UniqueFd() {
-  if (fd_ >= 0) ::close(fd_);
-}
-
-UniqueFd::UniqueFd(UniqueFd&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-
-UniqueFd& UniqueFd::operator=(UniqueFd&& other) noexcept {
-  if (this != &other) {
-    if (fd_ >= 0) ::close(fd_);
-    fd_ = std::exchange(other.fd_, -1);
-  }
-  return *this;
 }
 
 std::optional<InstanceLock> InstanceLock::TryAcquire(const fs::path& runtime_dir) {

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "storage/file/unique_fd.h"
+
 namespace korvan::app {
 
 // Only one long-running instance of the program runs per user. The first instance holds
@@ -32,21 +34,6 @@ inline constexpr const char* kRuntimeDirVariable = "KORVAN_RUNTIME_DIR";
 // to others (another user could otherwise intercept the hand-over).
 std::filesystem::path InstanceRuntimeDirectory();
 
-// An open file descriptor, closed when the object goes away.
-class UniqueFd {
- public:
-  UniqueFd() = default;
-  explicit UniqueFd(int fd) : fd_(fd) {}
-  ~UniqueFd();
-  UniqueFd(UniqueFd&& other) noexcept;
-  UniqueFd& operator=(UniqueFd&& other) noexcept;
-  int get() const { return fd_; }
-  bool valid() const { return fd_ >= 0; }
-
- private:
-  int fd_ = -1;
-};
-
 // The exclusive lock that makes this process the running instance; released when the
 // object goes away or the process ends, however it ends.
 class InstanceLock {
@@ -60,8 +47,8 @@ class InstanceLock {
                                                    std::chrono::milliseconds wait);
 
  private:
-  explicit InstanceLock(UniqueFd fd) : fd_(std::move(fd)) {}
-  UniqueFd fd_;
+  explicit InstanceLock(storage::UniqueFd fd) : fd_(std::move(fd)) {}
+  storage::UniqueFd fd_;
 };
 
 // What the running instance tells the new one about its parameters.
@@ -97,7 +84,7 @@ class InstanceServer {
 
   std::filesystem::path runtime_dir_;
   std::filesystem::path socket_path_;
-  UniqueFd socket_;
+  storage::UniqueFd socket_;
 };
 
 // How a hand-over to the running instance ended.

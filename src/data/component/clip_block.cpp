@@ -2,7 +2,10 @@
 
 #include <charconv>
 #include <fstream>
+#include <sstream>
 #include <system_error>
+
+#include "storage/file/atomic_file.h"
 
 namespace korvan::data {
 
@@ -156,30 +159,17 @@ class BlockReader {
 }  // namespace
 
 void WriteBlockFile(const std::filesystem::path& path, const TBlockFile& block) {
-  std::filesystem::path temp = path;
-  temp += ".tmp";
-  {
-    std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-    out << kOrigin << Escape(block.Origin) << "\r\n";
-    out << kInfo << Escape(block.Info) << "\r\n";
-    out << kRows << block.Rows.size() << "\r\n";
-    for (const TBlockRow& row : block.Rows) {
-      out << Escape(row.Key) << '\t' << Escape(std::string(1, row.ZArt)) << '\t' << row.Level;
-      for (const std::string& value : row.Values) out << '\t' << Escape(value);
-      out << "\r\n";
-    }
-    out.flush();
-    if (!out) {
-      out.close();
-      std::error_code ignored;
-      std::filesystem::remove(temp, ignored);
-      throw EBlockFileError("Blockdatei \"" + path.string() + "\" kann nicht geschrieben werden");
-    }
+  std::ostringstream out;
+  out << kOrigin << Escape(block.Origin) << "\r\n";
+  out << kInfo << Escape(block.Info) << "\r\n";
+  out << kRows << block.Rows.size() << "\r\n";
+  for (const TBlockRow& row : block.Rows) {
+    out << Escape(row.Key) << '\t' << Escape(std::string(1, row.ZArt)) << '\t' << row.Level;
+    for (const std::string& value : row.Values) out << '\t' << Escape(value);
+    out << "\r\n";
   }
-  std::error_code error;
-  std::filesystem::rename(temp, path, error);
-  if (error) {
-    std::filesystem::remove(temp, error);
+  // A block file is a clipboard: copying again recreates it, so a crash may lose it.
+  if (!storage::WriteFileAtomically(path.string(), out.str(), storage::Durability::kAtomic).ok()) {
     throw EBlockFileError("Blockdatei \"" + path.string() + "\" kann nicht geschrieben werden");
   }
 }

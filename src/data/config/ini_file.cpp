@@ -12,6 +12,8 @@
 #include "data/common/ascii_text.h"
 #include "data/common/cp1252.h"
 #include "data/config/config_error.h"
+#include "storage/file/atomic_file.h"
+#include "storage/file/unique_fd.h"
 
 namespace korvan::data {
 namespace {
@@ -86,25 +88,9 @@ void CheckName(std::string_view what, std::string_view name, std::string_view fo
   }
 }
 
-// A file descriptor that is closed when it goes out of scope.
-class FileDescriptor {
- public:
-  explicit FileDescriptor(int fd) : fd_(fd) {}
-  ~FileDescriptor() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  int get() const { return fd_; }
-  int Release() { return std::exchange(fd_, -1); }
-
- private:
-  int fd_;
-};
-
 std::optional<std::string> ReadWholeFile(const std::filesystem::path& file) {
-  FileDescriptor fd(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
-  if (fd.get() < 0) {
+  const storage::UniqueFd fd(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!fd.valid()) {
     if (errno == ENOENT) return std::nullopt;
     throw EAvaConfigError("Konfigurationsdatei \"" + file.string() +
                           "\" kann nicht geöffnet werden: " + ErrnoText(errno));
@@ -124,24 +110,6 @@ std::optional<std::string> ReadWholeFile(const std::filesystem::path& file) {
       throw EAvaConfigError("Konfigurationsdatei \"" + file.string() + "\" ist zu groß");
     }
   }
-}
-
-void WriteAll(int fd, std::string_view bytes, const std::filesystem::path& file) {
-  while (!bytes.empty()) {
-    const ssize_t put = ::write(fd, bytes.data(), bytes.size());
-    if (put < 0 && errno == EINTR) continue;
-    if (put < 0) {
-      throw EAvaConfigError("Konfigurationsdatei \"" + file.string() +
-                            "\" kann nicht geschrieben werden: " + ErrnoText(errno));
-    }
-    bytes.remove_prefix(static_cast<std::size_t>(put));
-  }
-}
-
-// Makes the rename itself durable.
-void SyncDirectory(const std::filesystem::path& directory) {
-  FileDescriptor fd(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (fd.get() >= 0) ::fsync(fd.get());
 }
 
 }  // namespace
@@ -289,30 +257,17 @@ void IniFile::Save(const std::filesystem::path& file, std::vector<IniProblem>* p
                           "\" kann nicht angelegt werden: " + error.message());
   }
 
-  std::string temp_name = (directory / ("." + file.filename().string() + ".XXXXXX")).string();
-  FileDescriptor fd(::mkstemp(temp_name.data()));
-  if (fd.get() < 0) {
+  // Settings are the user's work: durable, and kept whole when writing fails.
+  const storage::FileWriteResult result =
+      storage::WriteFileAtomically(file.string(), bytes, storage::Durability::kDurable);
+  if (result.failed == storage::FileWriteStep::kReplace) {
     throw EAvaConfigError("Konfigurationsdatei \"" + file.string() +
-                          "\" kann nicht geschrieben werden: " + ErrnoText(errno));
+                          "\" kann nicht ersetzt werden: " + ErrnoText(result.error));
   }
-  try {
-    WriteAll(fd.get(), bytes, file);
-    // The new file keeps the permissions of the one it replaces.
-    struct stat existing {};
-    const mode_t mode = ::stat(file.c_str(), &existing) == 0 ? existing.st_mode & 07777 : 0644;
-    if (::fchmod(fd.get(), mode) != 0 || ::fsync(fd.get()) != 0 || ::close(fd.Release()) != 0) {
-      throw EAvaConfigError("Konfigurationsdatei \"" + file.string() +
-                            "\" kann nicht geschrieben werden: " + ErrnoText(errno));
-    }
-    if (::rename(temp_name.c_str(), file.c_str()) != 0) {
-      throw EAvaConfigError("Konfigurationsdatei \"" + file.string() +
-                            "\" kann nicht ersetzt werden: " + ErrnoText(errno));
-    }
-  } catch (...) {
-    ::unlink(temp_name.c_str());
-    throw;
+  if (!result.ok()) {
+    throw EAvaConfigError("Konfigurationsdatei \"" + file.string() +
+                          "\" kann nicht geschrieben werden: " + ErrnoText(result.error));
   }
-  SyncDirectory(directory);
 }
 
 const IniFile::Section* IniFile::FindSection(std::string_view name) const {

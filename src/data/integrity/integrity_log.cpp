@@ -1,8 +1,5 @@
 #include "data/integrity/integrity_log.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -10,6 +7,7 @@
 #include <stdexcept>
 
 #include "data/common/stamped_path.h"
+#include "storage/file/atomic_file.h"
 
 namespace korvan::data {
 namespace fs = std::filesystem;
@@ -44,26 +42,15 @@ void WriteSubItem(const TDiSubLogItem& item, std::ostream& out) {
   out << "      Aktion: <" << item.FAction << ">\r\n";
 }
 
-[[noreturn]] void Fail(const fs::path& path, const char* what) {
-  throw std::runtime_error("Protokolldatei \"" + path.string() + "\": " + what + ": " +
-                           std::strerror(errno));
-}
-
-void WriteDurably(const fs::path& path, const std::string& content) {
-  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
-  if (fd < 0) Fail(path, "nicht anlegbar");
-  size_t written = 0;
-  while (written < content.size()) {
-    const ssize_t n = ::write(fd, content.data() + written, content.size() - written);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) {
-      ::close(fd);
-      Fail(path, "nicht schreibbar");
-    }
-    written += static_cast<size_t>(n);
+const char* FailedStepText(storage::FileWriteStep step) {
+  switch (step) {
+    case storage::FileWriteStep::kCreate:
+      return "nicht anlegbar";
+    case storage::FileWriteStep::kReplace:
+      return "nicht umbenennbar";
+    default:
+      return "nicht schreibbar";
   }
-  const bool synced = ::fsync(fd) == 0;
-  if (::close(fd) != 0 || !synced) Fail(path, "nicht schreibbar");
 }
 
 }  // namespace
@@ -83,12 +70,11 @@ fs::path AddLogToFile(const std::vector<TDiLogItem>& items, const fs::path& fold
   std::ostringstream text;
   AddLogToStream(items, text);
   const fs::path path = NewStampedPath(folder, "Integrity_", ".log");
-  fs::path temporary = path;
-  temporary += ".tmp";
-  WriteDurably(temporary, text.str());
-  if (::rename(temporary.c_str(), path.c_str()) != 0) {
-    ::unlink(temporary.c_str());
-    Fail(path, "nicht umbenennbar");
+  const storage::FileWriteResult result =
+      storage::WriteFileAtomically(path.string(), text.str(), storage::Durability::kDurable);
+  if (!result.ok()) {
+    throw std::runtime_error("Protokolldatei \"" + path.string() +
+                             "\": " + FailedStepText(result.failed) + ": " + result.ErrorText());
   }
   return path;
 }
