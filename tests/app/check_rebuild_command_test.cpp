@@ -19,6 +19,9 @@
 #include <vector>
 
 #include "app/program/installation.h"
+#include "app/program/program_tables.h"
+#include "boq/units/tb_einheit.h"
+#include "boq/units/tb_waehrung.h"
 #include "data/db/control_list.h"
 #include "data/db/db_groups.h"
 #include "data/db/path_types.h"
@@ -26,8 +29,6 @@
 #include "data/tables/std_db.h"
 #include "data/tables/table_key.h"
 #include "data/tables/table_registry.h"
-#include "data/units/tb_einheit.h"
-#include "data/units/tb_waehrung.h"
 #include "storage/data_file_check.h"
 #include "storage/db_kernel.h"
 #include "storage/key_tree_check.h"
@@ -87,7 +88,7 @@ std::vector<std::string> Problems(const data::DatabaseFile& file) {
   for (const std::string& problem : storage::CheckDataFile(db.Handle()).problems) {
     problems.push_back(problem);
   }
-  const data::TTableRegistry registry = data::StandardTableRegistry();
+  const data::TTableRegistry& registry = app::ProgramTables();
   std::map<char, std::unique_ptr<data::TStdTB>> tables;
   data::ScanDataFile(file.DataFileName(), [&](const data::ScannedRecord& record) {
     const char letter = static_cast<char>(record.bytes[4]);
@@ -155,8 +156,8 @@ struct MasterTables {
       : db(Stamm(base)), opened(db.DbOpen(write)) {}
   data::TStdDb db;
   int opened;
-  data::TTbWaehrung currencies{db};
-  data::TTbEinheit units{db};
+  boq::TTbWaehrung currencies{db};
+  boq::TTbEinheit units{db};
   data::TStdTB& Of(char table) {
     return table == 'W' ? static_cast<data::TStdTB&>(currencies) : units;
   }

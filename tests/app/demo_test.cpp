@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <string>
 
+#include "boq/units/tb_einheit.h"
+#include "boq/units/tb_waehrung.h"
 #include "data/records/null_values.h"
 #include "data/tables/std_db.h"
 #include "data/tables/table_key.h"
-#include "data/units/tb_einheit.h"
-#include "data/units/tb_waehrung.h"
 #include "storage/result_codes.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
@@ -36,10 +36,10 @@ TEST(Demo, SetsUpASampleInstallationOnceAndDumpsItsTables) {
     data::TStdDb db("DB_Stamm", (base / "STAMMDATEN").string(), 'E', kStammKeyLength);
     db.SetMessages(&messages);
     ASSERT_EQ(db.DbOpen(false), storage::kOk);
-    data::TTbWaehrung currencies(db);
+    boq::TTbWaehrung currencies(db);
     ASSERT_TRUE(currencies.GetKey(data::KeyNumber(41)));
     EXPECT_EQ(currencies.Rec().Symbol.Get(), "CHF");
-    data::TTbEinheit units(db);
+    boq::TTbEinheit units(db);
     ASSERT_TRUE(units.GetKey(data::KeyNumber16(49) + data::KeyNumber16(2)));
     EXPECT_EQ(units.Rec().Bezeichnung.Get(), "Quadratmeter");
     EXPECT_TRUE(messages.errors.empty());

@@ -9,10 +9,11 @@
 #include "app/commands/lists/data_module_registry.h"
 #include "app/commands/lists/master_data_session.h"
 #include "app/program/installation.h"
+#include "app/program/program_tables.h"
+#include "boq/units/tb_waehrung.h"
 #include "data/component/list_operation.h"
 #include "data/db/db_groups.h"
 #include "data/tables/std_db.h"
-#include "data/units/tb_waehrung.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 
@@ -34,7 +35,7 @@ struct OtherUser {
   }
   // The name of the currency with unique key `key`, renamed first when `new_name` is given.
   std::string Name(const std::string& key, const std::string& new_name = "") {
-    data::TTbWaehrung table(db);
+    boq::TTbWaehrung table(db);
     if (!table.GetKey(key, '1')) return "<fehlt>";
     if (new_name.empty()) return table.Rec().Bez.Get();
     table.Rec().Bez.Set(new_name);
@@ -71,10 +72,11 @@ TEST(EditConflict, ARecordChangedByAnotherUserIsRefusedUnlessOverwriteIsAnswered
 
   for (const bool overwrite : {false, true}) {
     SCOPED_TRACE(overwrite ? "overwrite" : "refuse");
-    MasterDataSession session(base.string(), overwrite);
-    const std::unique_ptr<DataModuleHandle> module = MakeDataModule("waehrung", session.Db());
+    MasterDataSession session(ProgramTables(), base.string(), overwrite);
+    const std::unique_ptr<data::TTableListModule> module =
+        MakeDataModule(ProgramTables(), "waehrung", session.Db());
     ASSERT_NE(module, nullptr);
-    data::TCData& cdata = module->CData();
+    data::TCData& cdata = module->CData1;
     const std::string shown_name = overwrite ? "Franken (Bob)" : "Schweizer Franken";
     const int row = RowNamed(cdata, shown_name);
     ASSERT_GT(row, 0);

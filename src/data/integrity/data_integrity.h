@@ -32,7 +32,9 @@ class TDataIntegrity {
   // The table name under which a database's records of unknown type letters are logged.
   static constexpr std::string_view kUnknownTablesName = "Unbekannte Tabellen";
 
-  explicit TDataIntegrity(TTableRegistry registry = StandardTableRegistry());
+  // `registry` knows the table classes whose rules are checked; records of letters it does
+  // not know are counted and left alone.
+  explicit TDataIntegrity(TTableRegistry registry);
   ~TDataIntegrity();
   TDataIntegrity(const TDataIntegrity&) = delete;
   TDataIntegrity& operator=(const TDataIntegrity&) = delete;

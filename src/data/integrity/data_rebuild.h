@@ -22,8 +22,12 @@ namespace korvan::data {
 // directory, and stays signed in until the files are replaced.
 class TdmDataRebuild {
  public:
-  TdmDataRebuild(const DatabaseFiles& files, ControlUser me,
-                 TTableRegistry registry = StandardTableRegistry());
+  // `registry` knows the table classes that build the keys of the copied records; a
+  // record of a letter it does not know is copied without keys.
+  TdmDataRebuild(const DatabaseFiles& files, ControlUser me, TTableRegistry registry);
+
+  // The table classes the rebuild and its integrity checks know.
+  const TTableRegistry& Registry() const { return FRegistry; }
 
   // The group's databases, rebuilt; one result per existing data file.
   std::vector<DatabaseRebuild> RebuildGroup(std::string_view group);

@@ -173,7 +173,7 @@ bool CopyAndCompare(TdmDataRebuild& rebuild, const std::vector<const DatabaseFil
   }
   if (!copy.ok) return false;
 
-  TDataIntegrity second_check;
+  TDataIntegrity second_check(rebuild.Registry());
   TReorgStep& check2 = step("4. I-Check nach Kopie");
   check2.details.push_back(std::to_string(rebuild.IntegrityCheck(second_check, true)) +
                            " Problem(e)");
@@ -219,7 +219,7 @@ TReorgResult doDmDataReorgWithCopy(TdmDataRebuild& rebuild, const fs::path& back
   };
   const std::vector<const DatabaseFile*> files = rebuild.ExistingFiles();
 
-  TDataIntegrity first_check;
+  TDataIntegrity first_check(rebuild.Registry());
   TReorgStep& check1 = step("1. I-Check");
   check1.details.push_back(std::to_string(rebuild.IntegrityCheck(first_check, true)) +
                            " Problem(e)");

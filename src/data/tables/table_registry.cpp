@@ -1,16 +1,26 @@
 #include "data/tables/table_registry.h"
 
+#include <algorithm>
 #include <set>
-
-#include "data/tables/tb_counter.h"
-#include "data/tables/tb_db_info.h"
-#include "data/units/tb_einheit.h"
-#include "data/units/tb_waehrung.h"
 
 namespace korvan::data {
 
 void TTableRegistry::Register(char db_type, char table_type, Factory factory) {
   factories_[{db_type, table_type}] = std::move(factory);
+}
+
+void TTableRegistry::RegisterModule(std::string name, ModuleFactory factory) {
+  const auto same = [&](const auto& entry) { return entry.first == name; };
+  if (auto found = std::find_if(modules_.begin(), modules_.end(), same); found != modules_.end()) {
+    found->second = std::move(factory);
+    return;
+  }
+  modules_.emplace_back(std::move(name), std::move(factory));
+}
+
+void TTableRegistry::RegisterDumpFormat(char table_type, const RecordLayout& layout,
+                                        std::span<const DumpColumn> columns) {
+  dump_formats_[table_type] = TableDumpFormat{&layout, columns};
 }
 
 const TTableRegistry::Factory* TTableRegistry::Find(char db_type, char table_type) const {
@@ -37,26 +47,22 @@ std::vector<std::unique_ptr<TStdTB>> TTableRegistry::CreateTables(TStdDb& db) co
   return tables;
 }
 
-namespace {
-
-template <class Table>
-TTableRegistry::Factory FactoryOf() {
-  return [](TStdDb& db) -> std::unique_ptr<TStdTB> { return std::make_unique<Table>(db); };
+const TTableRegistry::ModuleFactory* TTableRegistry::FindModule(std::string_view name) const {
+  for (const auto& [module_name, factory] : modules_) {
+    if (module_name == name) return &factory;
+  }
+  return nullptr;
 }
 
-// The master-data database (DB_Stamm) keeps currencies and units.
-constexpr char kStammDbType = 'E';
+std::vector<std::string> TTableRegistry::ModuleNames() const {
+  std::vector<std::string> names;
+  for (const auto& entry : modules_) names.push_back(entry.first);
+  return names;
+}
 
-}  // namespace
-
-TTableRegistry StandardTableRegistry() {
-  TTableRegistry registry;
-  // Every database carries its version record and its id counters.
-  registry.Register(TTableRegistry::kAnyDbType, kDbInfoTableType, FactoryOf<TTbDbInfo>());
-  registry.Register(TTableRegistry::kAnyDbType, kCounterTableType, FactoryOf<TTbCounter>());
-  registry.Register(kStammDbType, kWaehrungTableType, FactoryOf<TTbWaehrung>());
-  registry.Register(kStammDbType, kEinheitTableType, FactoryOf<TTbEinheit>());
-  return registry;
+const TableDumpFormat* TTableRegistry::FindDumpFormat(char table_type) const {
+  const auto found = dump_formats_.find(table_type);
+  return found == dump_formats_.end() ? nullptr : &found->second;
 }
 
 }  // namespace korvan::data

@@ -119,15 +119,22 @@ bool SameRecordContent(JournalImage stored, JournalImage image) {
                      [](uint8_t byte) { return byte == 0; });
 }
 
-TTableRecordRestorer::TTableRecordRestorer(std::vector<TStdDb*> databases)
-    : resolver_([databases = std::move(databases)](const TableTarget& target) -> TStdTB* {
-        for (TStdDb* db : databases) {
-          if (db->BasePath() == target.db_file && db->DbType() == target.db_type) {
-            return db->GetTable(target.table_type);
-          }
-        }
-        return nullptr;
-      }) {}
+TTableRecordRestorer::TTableRecordRestorer(std::vector<TStdDb*> databases, TTableRegistry tables)
+    : resolver_([this](const TableTarget& target) { return TableOf(target); }),
+      databases_(std::move(databases)),
+      tables_(std::move(tables)) {}
+
+TStdTB* TTableRecordRestorer::TableOf(const TableTarget& target) {
+  for (TStdDb* db : databases_) {
+    if (db->BasePath() != target.db_file || db->DbType() != target.db_type) continue;
+    if (TStdTB* table = db->GetTable(target.table_type)) return table;
+    const TTableRegistry::Factory* factory = tables_.Find(db->DbType(), target.table_type);
+    if (factory == nullptr) return nullptr;
+    created_.push_back((*factory)(*db));
+    return created_.back().get();
+  }
+  return nullptr;
+}
 
 int TTableRecordRestorer::RestoreRecord(const TableTarget& target, JournalImage expected,
                                         JournalImage image, std::string& error) {

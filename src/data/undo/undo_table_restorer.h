@@ -1,11 +1,13 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "data/tables/std_tb.h"
 #include "data/tables/table_change_journal.h"
+#include "data/tables/table_registry.h"
 
 namespace korvan::data {
 
@@ -19,8 +21,12 @@ class TTableRecordRestorer : public RecordRestorer {
   // returns nullptr.
   using TTableResolver = std::function<TStdTB*(const TableTarget&)>;
   explicit TTableRecordRestorer(TTableResolver resolver) : resolver_(std::move(resolver)) {}
-  // Resolves among the tables of the given databases, by base path and type letters.
-  explicit TTableRecordRestorer(std::vector<TStdDb*> databases);
+  // Resolves among the tables of the given databases, by base path and type letters; a
+  // table without an object in its database gets one from `tables`, kept while the
+  // restorer lives (the databases must outlive it).
+  TTableRecordRestorer(std::vector<TStdDb*> databases, TTableRegistry tables);
+  TTableRecordRestorer(const TTableRecordRestorer&) = delete;
+  TTableRecordRestorer& operator=(const TTableRecordRestorer&) = delete;
 
   int RestoreRecord(const TableTarget& table, JournalImage expected, JournalImage image,
                     std::string& error) override;
@@ -32,7 +38,12 @@ class TTableRecordRestorer : public RecordRestorer {
   int Delete(TStdTB& table, int32_t position, const std::vector<uint8_t>& stored,
              std::string& error);
 
+  TStdTB* TableOf(const TableTarget& target);
+
   TTableResolver resolver_;
+  std::vector<TStdDb*> databases_;
+  TTableRegistry tables_;
+  std::vector<std::unique_ptr<TStdTB>> created_;
 };
 
 // The target of a table object, as the table layer reports it to the journal.

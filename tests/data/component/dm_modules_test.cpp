@@ -3,11 +3,12 @@
 #include <map>
 #include <random>
 
+#include "boq/units/dm_einheit.h"
+#include "boq/units/dm_waehrung.h"
 #include "data/tables/std_tb_test_support.h"
+#include "data/test_tables.h"
 #include "data/undo/undo_redo.h"
 #include "data/undo/undo_table_restorer.h"
-#include "data/units/dm_einheit.h"
-#include "data/units/dm_waehrung.h"
 
 namespace korvan::data::testing {
 namespace {
@@ -19,11 +20,11 @@ TStringList Euro() {
 }
 
 TEST_F(DataModuleTest, CurrencyAndUnitRowsAreCheckedAndWrittenThroughTheTable) {
-  TdmWaehrung module(*db_);
+  boq::TdmWaehrung module(*db_);
   ASSERT_TRUE(module.Loaded()) << module.CData1.LastError();
   ASSERT_EQ(module.CData1.ListOperation(0, loAddRecord), TListOpResult::Done);
   ASSERT_EQ(module.CData1.Screen2Data(1, Euro()), TScreen2DataResult::Stored) << module.LastError();
-  TdmWaehrung reread(*db_);
+  boq::TdmWaehrung reread(*db_);
   ASSERT_TRUE(reread.Loaded());
   ASSERT_EQ(reread.CData1.GetRmax(), 1);
   EXPECT_EQ(reread.CData1.Data2Screen(1), Euro());
@@ -41,7 +42,7 @@ TEST_F(DataModuleTest, CurrencyAndUnitRowsAreCheckedAndWrittenThroughTheTable) {
   ASSERT_EQ(reread.CData1.ListOperation(1, loDeleteRecord), TListOpResult::Done);
   EXPECT_FALSE(reread.Table().ExistsRec(KeyNumber(32766), '1'));
 
-  TdmEinheit units(*db_);
+  boq::TdmEinheit units(*db_);
   ASSERT_TRUE(units.Loaded());
   const TStringList meter = {"49", "1", "10", "Meter", "m", "1", "3", "1", "", ""};
   for (int row = 1; row <= 2; ++row) {
@@ -72,8 +73,9 @@ class DataModuleUndoTest : public TableTest {
  protected:
   void SetUp() override {
     TableTest::SetUp();
-    module_ = std::make_unique<TdmWaehrung>(*db_);
-    restorer_ = std::make_unique<TTableRecordRestorer>(std::vector<TStdDb*>{db_.get()});
+    module_ = std::make_unique<boq::TdmWaehrung>(*db_);
+    restorer_ =
+        std::make_unique<TTableRecordRestorer>(std::vector<TStdDb*>{db_.get()}, TestTables());
     journal_.SetRecordRestorer(restorer_.get());
     journal_.SetRowRestorer(&rows_);
     module_->CData1.SetUndoJournal(&actions_);
@@ -126,7 +128,7 @@ class DataModuleUndoTest : public TableTest {
   TCDataUndoJournal actions_{journal_};
   ReloadRows rows_;
   std::unique_ptr<TTableRecordRestorer> restorer_;
-  std::unique_ptr<TdmWaehrung> module_;
+  std::unique_ptr<boq::TdmWaehrung> module_;
 };
 
 // Random edits, inserts and deletes through the currency list, with undo and redo in

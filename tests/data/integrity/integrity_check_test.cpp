@@ -5,11 +5,12 @@
 #include <map>
 #include <sstream>
 
+#include "boq/units/tb_waehrung.h"
 #include "data/integrity/data_check.h"
 #include "data/integrity/data_integrity.h"
 #include "data/integrity/database_recovery.h"
 #include "data/tables/std_tb_test_support.h"
-#include "data/units/tb_waehrung.h"
+#include "data/test_tables.h"
 #include "storage/file/file_names.h"
 
 namespace korvan::data::testing {
@@ -42,7 +43,7 @@ class TTbTestRef : public TTypedTB<t_TestRef> {
   void DoValidateRecord(TDataCheck& check) override {
     check.SetAvaRecordID(Rec().Id);
     check.CheckItemForElementAsPrimaryKeyInTable("IdWaehrung", Rec().IdWaehrung, kNullId, 'E',
-                                                 kWaehrungTableType);
+                                                 boq::kWaehrungTableType);
     check.CheckItemForCharSelector("Kz", Rec().Kz, 'A', "AB", "Kennzeichen A oder B");
   }
 };
@@ -55,7 +56,7 @@ std::string FileBytes(const std::filesystem::path& path) {
 class IntegrityTest : public TableTest {
  protected:
   void AddCurrency(int32_t id) {
-    TTbWaehrung currencies(*db_);
+    boq::TTbWaehrung currencies(*db_);
     currencies.Rec().ID = id;
     ASSERT_EQ(currencies.UpDateRec(), 0);
   }
@@ -83,11 +84,11 @@ class IntegrityTest : public TableTest {
   }
   // Runs the check over the registry's tables, or over currencies and the test tables.
   int Run(bool only_test, bool test_tables, std::string* log) {
-    TDataIntegrity run;
+    TDataIntegrity run(TestTables());
     run.SetOnlyTest(only_test);
     if (test_tables) {
       std::vector<std::unique_ptr<TStdTB>> tables;
-      tables.push_back(std::make_unique<TTbWaehrung>(*db_));
+      tables.push_back(std::make_unique<boq::TTbWaehrung>(*db_));
       tables.push_back(std::make_unique<TTbTestRef>(*db_));
       tables.push_back(std::make_unique<TTbTestItem>(*db_));
       run.Add(*db_, std::move(tables));
@@ -215,8 +216,8 @@ TEST_F(IntegrityTest, RebuildKeepsUnknownRecordsByteForByteAndTheCheckStillRepor
   const auto before = foreign_records();
   ASSERT_EQ(db_->DbClose(), 0);
 
-  const DatabaseRebuild result = RebuildDatabase(dir_.path().string() + "/", "DB_Stamm", kDbType,
-                                                 kKeyLength, StandardTableRegistry());
+  const DatabaseRebuild result =
+      RebuildDatabase(dir_.path().string() + "/", "DB_Stamm", kDbType, kKeyLength, TestTables());
   ASSERT_TRUE(result.ok()) << result.error;
   EXPECT_EQ(result.records_without_keys, static_cast<int>(before.size()));
   EXPECT_EQ(result.records_not_valid, 0);

@@ -5,11 +5,12 @@
 #include <map>
 #include <random>
 
+#include "boq/units/tb_einheit.h"
+#include "boq/units/tb_waehrung.h"
 #include "data/integrity/database_recovery.h"
 #include "data/tables/std_tb_test_support.h"
 #include "data/tables/table_registry.h"
-#include "data/units/tb_einheit.h"
-#include "data/units/tb_waehrung.h"
+#include "data/test_tables.h"
 #include "storage/file/file_names.h"
 
 namespace korvan::data::testing {
@@ -29,8 +30,8 @@ struct Expected {
 void FillDatabase(const fs::path& dir) {
   TStdDb db("DB_Stamm", dir.string(), kType, kKeyLength);
   ASSERT_EQ(db.DbCreate(), 0);
-  TTbWaehrung currencies(db);
-  TTbEinheit units(db);
+  boq::TTbWaehrung currencies(db);
+  boq::TTbEinheit units(db);
   for (int i = 1; i <= 40; ++i) {
     currencies.InitRecord();
     currencies.Rec().ID = i;
@@ -51,7 +52,7 @@ void FillDatabase(const fs::path& dir) {
 
 std::vector<Expected> ExpectedRecords(const std::string& data_file) {
   TStdDb keys_db("DB_Stamm", "/nonexistent", kType, kKeyLength);
-  const TTableRegistry registry = StandardTableRegistry();
+  const TTableRegistry registry = TestTables();
   std::map<char, std::unique_ptr<TStdTB>> tables;
   std::vector<Expected> records;
   ScanDataFile(data_file, [&](const ScannedRecord& record) {
@@ -133,7 +134,7 @@ TEST(RebuildFaultTest, KeyFileDamageAndTornDataFilesAtRandomCutPoints) {
     }
     const std::string directory = copy.path().string() + "/";
     const DatabaseRebuild result =
-        RebuildDatabase(directory, "DB_Stamm", kType, kKeyLength, StandardTableRegistry());
+        RebuildDatabase(directory, "DB_Stamm", kType, kKeyLength, TestTables());
     ASSERT_TRUE(result.ok()) << fault << ": " << result.error;
     EXPECT_TRUE(result.replaced);
     if (kind == 3) {

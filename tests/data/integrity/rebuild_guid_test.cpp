@@ -11,6 +11,7 @@
 #include "data/records/short_string.h"
 #include "data/tables/std_tb_test_support.h"
 #include "data/tables/table_registry.h"
+#include "data/test_tables.h"
 
 namespace korvan::data::testing {
 namespace {
@@ -60,7 +61,7 @@ constexpr char kMandatoryType = 'G';
 constexpr char kOptionalType = 'H';
 
 TTableRegistry TestRegistry() {
-  TTableRegistry registry = StandardTableRegistry();
+  TTableRegistry registry = TestTables();
   for (const auto& [type, name] : {std::pair{kMandatoryType, "TTbTestGuid"},
                                    std::pair{kOptionalType, "TTbTestGuidOptional"}}) {
     registry.Register(kDbType, type, [type, name](TStdDb& db) -> std::unique_ptr<TStdTB> {

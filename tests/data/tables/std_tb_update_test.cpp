@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
+#include "boq/units/tb_waehrung.h"
 #include "data/tables/std_tb_test_support.h"
 #include "data/tables/tb_counter.h"
 #include "data/tables/tb_db_info.h"
-#include "data/units/tb_waehrung.h"
 #include "storage/db_kernel_codes.h"
 
 namespace korvan::data::testing {
@@ -151,13 +151,13 @@ TEST_F(TableTest, DatabaseObjectsOfOneFileShareOneHandle) {
 }
 
 TEST_F(TableTest, ReadOfAWrongSizedRecordIsReported) {
-  TTbWaehrung table(*db_);
+  boq::TTbWaehrung table(*db_);
   // A record of the currency letter and version but not its size.
   std::vector<uint8_t> record(120, 0);
   storage::TDbRecordHeader header{};
   header.RecLen = 120;
-  header.RecTyp = kWaehrungTableType;
-  header.Version = TTbWaehrung::kLayoutVersion;
+  header.RecTyp = boq::kWaehrungTableType;
+  header.Version = boq::TTbWaehrung::kLayoutVersion;
   std::memcpy(record.data(), &header, sizeof header);
   int32_t position = 0;
   ASSERT_EQ(storage::iDK_RecordInsert(db_->Handle(), record.data(), 120, true, &position), 0);

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "boq/units/tb_einheit.h"
+#include "boq/units/tb_waehrung.h"
 #include "data/tables/std_tb_test_support.h"
 #include "data/tables/table_key.h"
 #include "data/tables/tb_counter.h"
-#include "data/units/tb_einheit.h"
-#include "data/units/tb_waehrung.h"
 
 namespace korvan::data::testing {
 namespace {
@@ -33,7 +33,7 @@ class TableWalk : public TableTest {
   void SetUp() override {
     TableTest::SetUp();
     // Neighbours in the tree on both sides of the currencies ("E..." and "Z...").
-    TTbEinheit units(*db_);
+    boq::TTbEinheit units(*db_);
     for (int16_t id : {1, 2}) {
       units.InitRecord();
       units.Rec().IdLang = 1;
@@ -46,14 +46,14 @@ class TableWalk : public TableTest {
     ASSERT_EQ(counters.NextId('W', "Waehrung", &id), 0);
   }
 
-  void AddCurrency(TTbWaehrung& table, int32_t id, int32_t land) {
+  void AddCurrency(boq::TTbWaehrung& table, int32_t id, int32_t land) {
     table.InitRecord();
     table.Rec().ID = id;
     table.Rec().IdLand = land;
     ASSERT_EQ(table.UpDateRec(), 0) << table.LastErrorText();
   }
 
-  static std::vector<int32_t> Walk(TTbWaehrung& table, std::string_view pattern, char index,
+  static std::vector<int32_t> Walk(boq::TTbWaehrung& table, std::string_view pattern, char index,
                                    bool backwards = false) {
     std::vector<int32_t> ids;
     bool found = backwards ? table.GetLastKey(pattern, index) : table.GetFirstKey(pattern, index);
@@ -66,7 +66,7 @@ class TableWalk : public TableTest {
 };
 
 TEST_F(TableWalk, EmptyPatternVisitsTheWholeTableInIndexOrderAndNothingElse) {
-  TTbWaehrung table(*db_);
+  boq::TTbWaehrung table(*db_);
   EXPECT_FALSE(table.GetFirstKey("", '1'));  // no currency yet: the neighbours stay out
   for (auto [id, land] : {std::pair{42, 49}, {-1, 30}, {7, 49}, {-5, 1}, {kNullId, 2}}) {
     AddCurrency(table, id, land);
@@ -103,12 +103,12 @@ TEST_F(TableWalk, EmptyPatternVisitsTheWholeTableInIndexOrderAndNothingElse) {
   std::vector<std::vector<uint8_t>> batch;
   ASSERT_EQ(table.GetBatch("", '2', batch), 0);
   std::vector<int32_t> batch_ids;
-  for (const auto& record : batch) batch_ids.push_back(TTbWaehrung::Of(record).ID);
+  for (const auto& record : batch) batch_ids.push_back(boq::TTbWaehrung::Of(record).ID);
   EXPECT_EQ(batch_ids, Walk(table, "", '2'));
 }
 
 TEST_F(TableWalk, NullIdIsPadsAndFoundByAnOpenPattern) {
-  TTbEinheit units(*db_);
+  boq::TTbEinheit units(*db_);
   units.InitRecord();
   units.Rec().IdLang = kNullId16;  // the language left open
   units.Rec().IdEinheit = 5;
@@ -127,7 +127,7 @@ TEST_F(TableWalk, NullIdIsPadsAndFoundByAnOpenPattern) {
 }
 
 TEST_F(TableWalk, DeletingTheCurrentRecordDoesNotEndTheWalk) {
-  TTbWaehrung table(*db_);
+  boq::TTbWaehrung table(*db_);
   for (int32_t id = 1; id <= 6; ++id) AddCurrency(table, id, 49);
   std::vector<int32_t> visited;
   for (bool found = table.GetFirstKey("", '1'); found; found = table.GetNextKey()) {
@@ -142,12 +142,12 @@ TEST_F(TableWalk, DeletingTheCurrentRecordDoesNotEndTheWalk) {
 }
 
 TEST_F(TableWalk, KeysOfTheFirstTables) {
-  TTbWaehrung currencies(*db_);
+  boq::TTbWaehrung currencies(*db_);
   currencies.Rec().ID = -1;
   currencies.Rec().IdLand = 49;
   EXPECT_EQ(currencies.CurrentKey('1'), "W1-0000000001" + Pads(kKeyLength - 13));
   EXPECT_EQ(currencies.CurrentKey('2'), "W200000000049" + Pads(kKeyLength - 13));
-  TTbEinheit units(*db_);
+  boq::TTbEinheit units(*db_);
   units.Rec().IdLang = 1;
   units.Rec().IdEinheit = 12;
   units.Rec().Sz = 3;

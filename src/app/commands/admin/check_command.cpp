@@ -15,6 +15,7 @@
 #include "app/cli/command_error.h"
 #include "app/program/current_project.h"
 #include "app/program/data_dir.h"
+#include "app/program/program_tables.h"
 #include "data/db/path_types.h"
 #include "data/integrity/data_integrity.h"
 #include "data/integrity/data_rebuild.h"
@@ -102,8 +103,8 @@ void MaintenanceTarget::RequireNoOtherUsers(const std::vector<const data::Databa
 int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group,
              Streams& streams) {
   const MaintenanceTarget target(base_dir, group);
-  data::TdmDataRebuild rebuild(target.files(), target.Me());
-  data::TDataIntegrity run;
+  data::TdmDataRebuild rebuild(target.files(), target.Me(), ProgramTables());
+  data::TDataIntegrity run(rebuild.Registry());
   ProgressLine progress(streams.err);
   run.FOnProgress = [&](const data::TStdTB& table, int checked, int total) {
     progress.Show(table, checked, total);
@@ -118,7 +119,7 @@ int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group
   streams.out << "Protokoll: " << log_file.string() << "\n";
   if (!dry_run && problems > 0) {
     // Repairs are problems of the first run; what remains is what a second look finds.
-    data::TDataIntegrity again;
+    data::TDataIntegrity again(rebuild.Registry());
     problems = rebuild.IntegrityCheck(again, true, group);
     streams.out << "nach der Reparatur: " << problems << " Problem(e)\n";
   }

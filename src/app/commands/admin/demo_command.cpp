@@ -13,13 +13,13 @@
 #include "app/commands/db/db_database.h"
 #include "app/program/data_dir.h"
 #include "app/program/installation.h"
+#include "boq/units/currency_records.h"
+#include "boq/units/tb_einheit.h"
+#include "boq/units/tb_waehrung.h"
 #include "data/db/db_groups.h"
 #include "data/records/null_values.h"
 #include "data/tables/std_db.h"
 #include "data/tables/table_key.h"
-#include "data/units/currency_records.h"
-#include "data/units/tb_einheit.h"
-#include "data/units/tb_waehrung.h"
 #include "storage/result_codes.h"
 
 namespace korvan::app {
@@ -41,8 +41,8 @@ struct SampleCurrency {
 
 // The euro keeps the id of the built-in list; the others use their country number.
 constexpr SampleCurrency kSampleCurrencies[] = {
-    {data::kEuroCurrencyId, "Europäische Währungsunion", "Euro", "EUR", 1.0, true, true,
-     data::kEuroCurrencyId},
+    {boq::kEuroCurrencyId, "Europäische Währungsunion", "Euro", "EUR", 1.0, true, true,
+     boq::kEuroCurrencyId},
     {41, "Schweiz", "Schweizer Franken", "CHF", 0.94, false, false, 41},
     {1, "Vereinigte Staaten", "US-Dollar", "USD", 1.08, false, false, 1},
     {44, "Vereinigtes Königreich", "Pfund Sterling", "GBP", 0.85, false, false, 44},
@@ -73,12 +73,12 @@ void Insert(data::TStdTB& table, const data::TCollectedMessages& messages) {
 }
 
 int AddCurrencies(data::TStdDb& db, const data::TCollectedMessages& messages) {
-  data::TTbWaehrung table(db);
+  boq::TTbWaehrung table(db);
   int added = 0;
   for (const SampleCurrency& sample : kSampleCurrencies) {
     if (table.ExistsRec(data::KeyNumber(sample.id))) continue;
     table.InitRecord();
-    data::t_Waehrung& currency = table.Rec();
+    boq::t_Waehrung& currency = table.Rec();
     currency.ID = sample.id;
     currency.Land.Set(sample.land);
     currency.Bez.Set(sample.bez);
@@ -96,12 +96,12 @@ int AddCurrencies(data::TStdDb& db, const data::TCollectedMessages& messages) {
 }
 
 int AddUnits(data::TStdDb& db, const data::TCollectedMessages& messages) {
-  data::TTbEinheit table(db);
+  boq::TTbEinheit table(db);
   int added = 0;
   for (const SampleUnit& sample : kSampleUnits) {
     if (table.ExistsRec(data::KeyNumber16(kGerman) + data::KeyNumber16(sample.id))) continue;
     table.InitRecord();
-    data::t_Einheit& unit = table.Rec();
+    boq::t_Einheit& unit = table.Rec();
     unit.IdLang = kGerman;
     unit.IdEinheit = sample.id;
     unit.Sz = static_cast<int16_t>(sample.id * 10);

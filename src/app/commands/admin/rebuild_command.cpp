@@ -7,13 +7,14 @@
 
 #include "app/commands/admin/check_command.h"
 #include "app/program/data_dir.h"
+#include "app/program/program_tables.h"
 #include "data/integrity/data_rebuild.h"
 
 namespace korvan::app {
 
 int RunRebuild(const std::string& base_dir, const std::string& group, Streams& streams) {
   const MaintenanceTarget target(base_dir, group);
-  data::TdmDataRebuild rebuild(target.files(), target.Me());
+  data::TdmDataRebuild rebuild(target.files(), target.Me(), ProgramTables());
   target.RequireNoOtherUsers(rebuild.ExistingFiles(group), "Neuaufbau");
   const std::vector<data::DatabaseRebuild> results =
       group.empty() ? rebuild.RebuildAll() : rebuild.RebuildGroup(group);

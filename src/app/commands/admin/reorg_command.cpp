@@ -7,13 +7,14 @@
 
 #include "app/commands/admin/check_command.h"
 #include "app/program/data_dir.h"
+#include "app/program/program_tables.h"
 #include "data/integrity/data_reorg.h"
 
 namespace korvan::app {
 
 int RunReorg(const std::string& base_dir, Streams& streams) {
   const MaintenanceTarget target(base_dir, "");
-  data::TdmDataRebuild rebuild(target.files(), target.Me());
+  data::TdmDataRebuild rebuild(target.files(), target.Me(), ProgramTables());
   target.RequireNoOtherUsers(rebuild.ExistingFiles(), "Reorganisation");
   // The steps take minutes on large projects: say which one is running as it starts.
   const auto announce = [&](const std::string& step) {

@@ -7,6 +7,7 @@
 
 #include "app/cli/command_error.h"
 #include "app/commands/db/db_database.h"
+#include "app/program/program_tables.h"
 #include "storage/db_kernel.h"
 #include "storage/file/file_names.h"
 #include "storage/key_file.h"
@@ -57,7 +58,7 @@ int DbCommand::Info(Streams& streams) {
 int DbCommand::Dump(Streams& streams) {
   if (table_.empty()) return RunDbDump(base_path_, streams);
   if (table_.size() != 1) throw UsageError("--table needs one type letter, not '" + table_ + "'");
-  return RunDbDumpTable(base_path_, table_[0], streams);
+  return RunDbDumpTable(base_path_, table_[0], ProgramTables(), streams);
 }
 int DbCommand::Keys(Streams& streams) {
   return RunDbKeys(base_path_, streams);

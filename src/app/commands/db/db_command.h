@@ -7,6 +7,10 @@
 
 #include "app/cli/command.h"
 
+namespace korvan::data {
+class TTableRegistry;
+}
+
 namespace korvan::app {
 
 // `korvan db <operation> <base>`: the storage maintenance tool. It works on the two
@@ -45,9 +49,10 @@ class DbCommand : public Command {
 int RunDbCreate(const std::string& base_path, char db_type, int key_length, Streams& streams);
 int RunDbInfo(const std::string& base_path, Streams& streams);
 int RunDbDump(const std::string& base_path, Streams& streams);
-// The records of one table (its type letter), in the table's dump format where one is
-// known, else field by field (db_dump_table.cpp).
-int RunDbDumpTable(const std::string& base_path, char table_type, Streams& streams);
+// The records of one table (its type letter), in the dump format `tables` knows for it,
+// else field by field (db_dump_table.cpp).
+int RunDbDumpTable(const std::string& base_path, char table_type,
+                   const data::TTableRegistry& tables, Streams& streams);
 int RunDbKeys(const std::string& base_path, Streams& streams);
 int RunDbCheck(const std::string& base_path, Streams& streams);
 int RunDbShell(const std::string& base_path, std::istream& in, Streams& streams);

@@ -1,7 +1,6 @@
 // `korvan db dump --table <letter>`: the records of one table, in data-file order.
 #include <cstring>
 #include <fstream>
-#include <optional>
 #include <ostream>
 #include <span>
 #include <vector>
@@ -12,40 +11,12 @@
 #include "app/commands/db/db_command.h"
 #include "app/commands/db/db_database.h"
 #include "app/commands/db/db_format.h"
-#include "data/records/framework_records.h"
 #include "data/records/record_dump.h"
-#include "data/tables/tb_counter.h"
-#include "data/tables/tb_db_info.h"
-#include "data/units/currency_records.h"
-#include "data/units/tb_einheit.h"
-#include "data/units/tb_waehrung.h"
-#include "data/units/unit_record.h"
+#include "data/tables/table_registry.h"
 #include "storage/file/file_names.h"
 
 namespace korvan::app {
 namespace {
-
-// How the records of a table letter are shown: the layout, and the columns of its table
-// dump when it has one (else the record is shown field by field).
-struct TableDumpFormat {
-  char table_type;
-  const data::RecordLayout* layout;
-  std::span<const data::DumpColumn> columns;
-};
-
-constexpr TableDumpFormat kTableDumpFormats[] = {
-    {data::kWaehrungTableType, &data::kWaehrungLayout, {}},
-    {data::kEinheitTableType, &data::kEinheitLayout, {}},
-    {data::kCounterTableType, &data::kCounterLayout, {}},
-    {data::kDbInfoTableType, &data::kDbInfoLayout, {}},
-};
-
-std::optional<TableDumpFormat> FormatOf(char table_type) {
-  for (const TableDumpFormat& format : kTableDumpFormats) {
-    if (format.table_type == table_type) return format;
-  }
-  return std::nullopt;
-}
 
 // The bytes of the record in a block: as many as its header's Size says when that fits
 // the block (a block may be a few bytes longer than its record), else the whole block.
@@ -66,8 +37,7 @@ std::vector<uint8_t> ReadRecord(std::ifstream& file, const std::string& path,
 
 class TableDump {
  public:
-  TableDump(std::optional<TableDumpFormat> format, std::ostream& out)
-      : format_(format), out_(out) {}
+  TableDump(const data::TableDumpFormat* format, std::ostream& out) : format_(format), out_(out) {}
 
   void Record(int32_t position, const std::vector<uint8_t>& record) {
     if (!format_) {
@@ -88,14 +58,15 @@ class TableDump {
   int count() const { return count_; }
 
  private:
-  std::optional<TableDumpFormat> format_;
+  const data::TableDumpFormat* format_;
   std::ostream& out_;
   int count_ = 0;
 };
 
 }  // namespace
 
-int RunDbDumpTable(const std::string& base_path, char table_type, Streams& streams) {
+int RunDbDumpTable(const std::string& base_path, char table_type,
+                   const data::TTableRegistry& tables, Streams& streams) {
   const std::string data_file = storage::DataFileName(base_path);
   if (const int format = DataFileFormat(base_path); !IsRecordFormat(format)) {
     streams.err << data_file << ": " << ResultCodeText(format) << "\n";
@@ -104,7 +75,7 @@ int RunDbDumpTable(const std::string& base_path, char table_type, Streams& strea
   std::ifstream file(data_file, std::ios::binary);
   if (!file) throw CommandError(data_file + ": nicht lesbar");
 
-  const std::optional<TableDumpFormat> format = FormatOf(table_type);
+  const data::TableDumpFormat* format = tables.FindDumpFormat(table_type);
   TableDump dump(format, streams.out);
   const std::string stopped = WalkDataFile(data_file, [&](const DataBlock& block) {
     if (block.has_header && block.header.RecTyp == table_type) {

@@ -10,6 +10,7 @@
 #include "app/commands/lists/data_module_registry.h"
 #include "app/commands/lists/master_data_session.h"
 #include "app/program/data_dir.h"
+#include "app/program/program_tables.h"
 #include "data/common/text_catalogue.h"
 #include "data/component/list_operation.h"
 
@@ -49,7 +50,7 @@ int Usage(std::ostream& err, const std::string& message) {
 }  // namespace
 
 void EditCommand::Define(CLI::App& app) {
-  app.add_option("module", module_, "data module: " + DataModuleNames())->required();
+  app.add_option("module", module_, "data module: " + DataModuleNames(ProgramTables()))->required();
   app.add_option("row", row_, "row number as `korvan list` shows it")->required();
   app.add_option("assignments", assignments_, "<column>=<value>")->required();
   app.add_flag("--force", force_, "overwrite a record another user changed meanwhile");
@@ -57,14 +58,15 @@ void EditCommand::Define(CLI::App& app) {
 }
 
 int EditCommand::Run(Streams& streams) {
-  if (!IsDataModule(module_)) {
-    return Usage(streams.err,
-                 "Unbekanntes Datenmodul \"" + module_ + "\" (bekannt: " + DataModuleNames() + ")");
+  if (!IsDataModule(ProgramTables(), module_)) {
+    return Usage(streams.err, "Unbekanntes Datenmodul \"" + module_ +
+                                  "\" (bekannt: " + DataModuleNames(ProgramTables()) + ")");
   }
-  MasterDataSession session(data_dir_, force_, data::TDamagedFile::kSetAside);
+  MasterDataSession session(ProgramTables(), data_dir_, force_, data::TDamagedFile::kSetAside);
   WarnSetAside(streams.err, session.Journal().SetAsideFiles());
-  const std::unique_ptr<DataModuleHandle> module = MakeDataModule(module_, session.Db());
-  data::TCData& cdata = module->CData();
+  const std::unique_ptr<data::TTableListModule> module =
+      MakeDataModule(ProgramTables(), module_, session.Db());
+  data::TCData& cdata = module->CData1;
   if (row_ < 1 || row_ > cdata.GetRmax()) {
     return Usage(streams.err, "Zeile " + std::to_string(row_) + " gibt es in der Liste \"" +
                                   module_ + "\" nicht (Zeilen 1 bis " +

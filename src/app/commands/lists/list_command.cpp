@@ -9,6 +9,7 @@
 #include "app/commands/lists/data_module_registry.h"
 #include "app/commands/lists/master_data_session.h"
 #include "app/program/data_dir.h"
+#include "app/program/program_tables.h"
 #include "data/common/text_catalogue.h"
 
 namespace korvan::app {
@@ -47,19 +48,20 @@ void PrintTable(const std::vector<std::vector<std::string>>& cells, const std::v
 }  // namespace
 
 void ListCommand::Define(CLI::App& app) {
-  app.add_option("module", module_, "data module: " + DataModuleNames())->required();
+  app.add_option("module", module_, "data module: " + DataModuleNames(ProgramTables()))->required();
   AddDataDirOption(app, data_dir_);
 }
 
 int ListCommand::Run(Streams& streams) {
-  if (!IsDataModule(module_)) {
-    streams.err << "Unbekanntes Datenmodul \"" << module_ << "\" (bekannt: " << DataModuleNames()
-                << ")\n";
+  if (!IsDataModule(ProgramTables(), module_)) {
+    streams.err << "Unbekanntes Datenmodul \"" << module_
+                << "\" (bekannt: " << DataModuleNames(ProgramTables()) << ")\n";
     return kExitUsage;
   }
-  MasterDataSession session(data_dir_, false);
-  const std::unique_ptr<DataModuleHandle> module = MakeDataModule(module_, session.Db());
-  data::TCData& cdata = module->CData();
+  MasterDataSession session(ProgramTables(), data_dir_, false);
+  const std::unique_ptr<data::TTableListModule> module =
+      MakeDataModule(ProgramTables(), module_, session.Db());
+  data::TCData& cdata = module->CData1;
   const data::TColumnStructure& columns = cdata.Struktur();
 
   std::vector<std::vector<std::string>> cells(1, {"Zeile"});

@@ -32,9 +32,10 @@ std::unique_ptr<data::TUndoRedo> OpenJournal(const std::string& data_dir,
   }
 }
 
-MasterDataSession::MasterDataSession(const std::string& data_dir, bool overwrite,
+MasterDataSession::MasterDataSession(const data::TTableRegistry& tables,
+                                     const std::string& data_dir, bool overwrite,
                                      data::TDamagedFile damaged)
-    : data_dir_(data_dir), damaged_(damaged), answer_(overwrite) {
+    : tables_(tables), data_dir_(data_dir), damaged_(damaged), answer_(overwrite) {
   const Installation installation = LoadInstallation(data_dir);
   files_ = std::make_unique<data::DatabaseFiles>(installation.machine.ToDatabaseDirectories());
   const data::DatabaseFile* stamm = files_->Find("DB_Stamm", data::kPathStammdaten);
@@ -55,7 +56,8 @@ void MasterDataSession::OpenJournalOnce() {
   journal_ = OpenJournal(data_dir_, damaged_);
   observing_ = std::make_unique<data::ScopedTableChangeObserver>(journal_.get());
   actions_ = std::make_unique<data::TCDataUndoJournal>(*journal_);
-  restorer_ = std::make_unique<data::TTableRecordRestorer>(std::vector<data::TStdDb*>{db_.get()});
+  restorer_ =
+      std::make_unique<data::TTableRecordRestorer>(std::vector<data::TStdDb*>{db_.get()}, tables_);
   rows_ = std::make_unique<RowReloader>();
   journal_->SetRecordRestorer(restorer_.get());
   journal_->SetRowRestorer(rows_.get());

@@ -7,6 +7,7 @@
 #include "data/db/db_groups.h"
 #include "data/tables/concurrency_question.h"
 #include "data/tables/std_db.h"
+#include "data/tables/table_registry.h"
 #include "data/undo/undo_redo.h"
 #include "data/undo/undo_table_restorer.h"
 
@@ -19,12 +20,13 @@ std::unique_ptr<data::TUndoRedo> OpenJournal(const std::string& data_dir,
 
 // The master data of the installation in `data_dir`, open for one command, with the
 // journal of the data directory ("UNDO.QUJ", "REDO.QUJ") recording every record change
-// from its first use on. The concurrency question is answered by `overwrite`. A damaged
+// from its first use on; the journal puts records back through the table classes of
+// `tables`. The concurrency question is answered by `overwrite`. A damaged
 // journal is reported (CommandError naming file and byte) or, for commands that must not
 // be stopped by it, set aside as `damaged` says.
 class MasterDataSession {
  public:
-  MasterDataSession(const std::string& data_dir, bool overwrite,
+  MasterDataSession(const data::TTableRegistry& tables, const std::string& data_dir, bool overwrite,
                     data::TDamagedFile damaged = data::TDamagedFile::kReport);
   ~MasterDataSession();
   MasterDataSession(const MasterDataSession&) = delete;
@@ -40,6 +42,7 @@ class MasterDataSession {
   class RowReloader;
   void OpenJournalOnce();
 
+  const data::TTableRegistry& tables_;
   std::string data_dir_;
   data::TDamagedFile damaged_;
   std::unique_ptr<data::DatabaseFiles> files_;

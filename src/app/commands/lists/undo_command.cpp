@@ -10,8 +10,7 @@
 #include "app/cli/command_error.h"
 #include "app/commands/lists/master_data_session.h"
 #include "app/program/data_dir.h"
-#include "data/units/tb_einheit.h"
-#include "data/units/tb_waehrung.h"
+#include "app/program/program_tables.h"
 
 namespace korvan::app {
 namespace {
@@ -62,10 +61,7 @@ int UndoCommand::Run(Streams& streams) {
 }
 
 int UndoCommand::Step(Streams& streams) {
-  MasterDataSession session(data_dir_, false);
-  // The journal puts records back through the table objects of the master data.
-  const data::TTbWaehrung currencies(session.Db());
-  const data::TTbEinheit units(session.Db());
+  MasterDataSession session(ProgramTables(), data_dir_, false);
   data::TUndoRedo& journal = session.Journal();
   if (redo_ ? !journal.CanRedo() : journal.Empty()) {
     streams.err << (redo_ ? "Es gibt nichts wiederherzustellen\n"

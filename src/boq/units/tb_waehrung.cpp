@@ -1,10 +1,17 @@
-#include "data/units/tb_waehrung.h"
+#include "boq/units/tb_waehrung.h"
 
 #include "data/integrity/data_check.h"
 #include "data/records/null_values.h"
 #include "data/tables/table_key.h"
 
-namespace korvan::data {
+namespace korvan::boq {
+
+using data::KeyNumber;
+using data::kNullId;
+using data::RecordView;
+using data::TDataCheck;
+using data::TStdDb;
+using data::TStdTB;
 
 TTbWaehrung::TTbWaehrung(TStdDb& db, char table_type)
     : TTypedTB(db, table_type, kLayoutVersion, "TTbWaehrung") {
@@ -51,4 +58,4 @@ void TTbWaehrung::DoValidateRecord(TDataCheck& check) {
                                  std::string_view("\0\1", 2), "Landeswährung: 0 oder 1");
 }
 
-}  // namespace korvan::data
+}  // namespace korvan::boq

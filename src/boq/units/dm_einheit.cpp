@@ -1,10 +1,19 @@
-#include "data/units/dm_einheit.h"
+#include "boq/units/dm_einheit.h"
 
 #include "data/component/dm_values.h"
 #include "data/tables/table_key.h"
 #include "storage/result_codes.h"
 
-namespace korvan::data {
+namespace korvan::boq {
+
+using data::KeyNumber16;
+using data::ParseListInteger;
+using data::TCData;
+using data::TCDataRow;
+using data::TStdDb;
+using data::TStringList;
+using data::TValueRule;
+
 namespace {
 
 using Kind = TValueRule::Kind;
@@ -143,4 +152,4 @@ std::string TdmEinheit::RowName(const TStringList& t) const {
   return t[cEinheit];
 }
 
-}  // namespace korvan::data
+}  // namespace korvan::boq

@@ -1,4 +1,4 @@
-#include "data/units/dm_waehrung.h"
+#include "boq/units/dm_waehrung.h"
 
 #include <limits>
 
@@ -6,7 +6,20 @@
 #include "data/tables/table_key.h"
 #include "storage/result_codes.h"
 
-namespace korvan::data {
+namespace korvan::boq {
+
+using data::FormatJaNein;
+using data::FormatListReal;
+using data::KeyNumber;
+using data::ParseJaNein;
+using data::ParseListInteger;
+using data::ParseListReal;
+using data::TCData;
+using data::TCDataRow;
+using data::TStdDb;
+using data::TStringList;
+using data::TValueRule;
+
 namespace {
 
 using Kind = TValueRule::Kind;
@@ -129,4 +142,4 @@ std::string TdmWaehrung::RowName(const TStringList& t) const {
   return t[cSymbol];
 }
 
-}  // namespace korvan::data
+}  // namespace korvan::boq

@@ -1,10 +1,17 @@
-#include "data/units/tb_einheit.h"
+#include "boq/units/tb_einheit.h"
 
 #include "data/integrity/data_check.h"
 #include "data/records/null_values.h"
 #include "data/tables/table_key.h"
 
-namespace korvan::data {
+namespace korvan::boq {
+
+using data::KeyNumber16;
+using data::kNullId16;
+using data::RecordView;
+using data::TDataCheck;
+using data::TStdDb;
+using data::TStdTB;
 
 TTbEinheit::TTbEinheit(TStdDb& db, char table_type)
     : TTypedTB(db, table_type, kLayoutVersion, "TTbEinheit") {
@@ -49,4 +56,4 @@ void TTbEinheit::DoValidateRecord(TDataCheck& check) {
                                  "Preisanteile: 1, 2, 3, A oder B");
 }
 
-}  // namespace korvan::data
+}  // namespace korvan::boq

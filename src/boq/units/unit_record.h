@@ -8,7 +8,7 @@
 #include "data/records/record_header_fields.h"
 #include "data/records/short_string.h"
 
-namespace korvan::data {
+namespace korvan::boq {
 
 // How quantities in a unit are written.
 enum class TValFormat : uint8_t {
@@ -32,17 +32,17 @@ inline constexpr std::string_view kValFormatNames[] = {"vfNONE", "vfDec", "vfFtI
 
 // A unit of measure of one language.
 struct t_Einheit {
-  TDbRecordHeader Header;
+  data::TDbRecordHeader Header;
   int16_t IdLang;
   int16_t IdEinheit;
-  int16_t Sz;            // sort number
-  string40 Bezeichnung;  // long name
-  string6 Einheit;       // symbol as printed and exchanged
-  char Preisanteile;     // unit-price split: '1', '2', '3', 'A', 'B'
+  int16_t Sz;                  // sort number
+  data::string40 Bezeichnung;  // long name
+  data::string6 Einheit;       // symbol as printed and exchanged
+  char Preisanteile;           // unit-price split: '1', '2', '3', 'A', 'B'
   uint8_t Nachkommastellen;
   uint8_t ValFormat;  // TValFormat; kept as a byte so damaged values stay readable
-  string3 FN003;
-  string3 FN004;
+  data::string3 FN003;
+  data::string3 FN004;
 };
 
 #pragma pack(pop)
@@ -61,20 +61,21 @@ static_assert(offsetof(t_Einheit, ValFormat) == 104);
 static_assert(offsetof(t_Einheit, FN003) == 105);
 static_assert(offsetof(t_Einheit, FN004) == 109);
 
-inline constexpr FieldDescriptor kEinheitFields[] = {
-    HeaderField(),
-    {"IdLang", offsetof(t_Einheit, IdLang), 2, FieldType::kInt16},
-    {"IdEinheit", offsetof(t_Einheit, IdEinheit), 2, FieldType::kInt16},
-    {"Sz", offsetof(t_Einheit, Sz), 2, FieldType::kInt16},
-    {"Bezeichnung", offsetof(t_Einheit, Bezeichnung), 41, FieldType::kShortString},
-    {"Einheit", offsetof(t_Einheit, Einheit), 7, FieldType::kShortString},
-    {"Preisanteile", offsetof(t_Einheit, Preisanteile), 1, FieldType::kChar},
-    {"Nachkommastellen", offsetof(t_Einheit, Nachkommastellen), 1, FieldType::kByte},
-    {"ValFormat", offsetof(t_Einheit, ValFormat), 1, FieldType::kEnum8, nullptr, kValFormatNames},
-    {"FN003", offsetof(t_Einheit, FN003), 4, FieldType::kShortString},
-    {"FN004", offsetof(t_Einheit, FN004), 4, FieldType::kShortString},
+inline constexpr data::FieldDescriptor kEinheitFields[] = {
+    data::HeaderField(),
+    {"IdLang", offsetof(t_Einheit, IdLang), 2, data::FieldType::kInt16},
+    {"IdEinheit", offsetof(t_Einheit, IdEinheit), 2, data::FieldType::kInt16},
+    {"Sz", offsetof(t_Einheit, Sz), 2, data::FieldType::kInt16},
+    {"Bezeichnung", offsetof(t_Einheit, Bezeichnung), 41, data::FieldType::kShortString},
+    {"Einheit", offsetof(t_Einheit, Einheit), 7, data::FieldType::kShortString},
+    {"Preisanteile", offsetof(t_Einheit, Preisanteile), 1, data::FieldType::kChar},
+    {"Nachkommastellen", offsetof(t_Einheit, Nachkommastellen), 1, data::FieldType::kByte},
+    {"ValFormat", offsetof(t_Einheit, ValFormat), 1, data::FieldType::kEnum8, nullptr,
+     kValFormatNames},
+    {"FN003", offsetof(t_Einheit, FN003), 4, data::FieldType::kShortString},
+    {"FN004", offsetof(t_Einheit, FN004), 4, data::FieldType::kShortString},
 };
-inline constexpr RecordLayout kEinheitLayout{"t_Einheit", sizeof(t_Einheit), kEinheitFields};
-static_assert(DescribesLayoutExactly(kEinheitLayout));
+inline constexpr data::RecordLayout kEinheitLayout{"t_Einheit", sizeof(t_Einheit), kEinheitFields};
+static_assert(data::DescribesLayoutExactly(kEinheitLayout));
 
-}  // namespace korvan::data
+}  // namespace korvan::boq

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "data/tables/table_registry.h"
+
+namespace korvan::boq {
+
+// Enters the tables of the bill of quantities with their data modules and dump formats:
+// currencies and units of the master data.
+void RegisterBoqTables(data::TTableRegistry& registry);
+
+}  // namespace korvan::boq
