@@ -5,7 +5,6 @@
 #include <map>
 #include <sstream>
 
-#include "boq/units/tb_waehrung.h"
 #include "data/integrity/data_check.h"
 #include "data/integrity/data_integrity.h"
 #include "data/integrity/database_recovery.h"
@@ -20,8 +19,8 @@ namespace {
 struct t_TestRef {
   storage::TDbRecordHeader Header;
   int32_t Id;
-  int32_t IdWaehrung;  // a currency of the same database, or the null id
-  char Kz;             // "A" or "B"
+  int32_t IdRate;  // a rate of the same database, or the null id
+  char Kz;         // "A" or "B"
 };
 #pragma pack(pop)
 
@@ -31,7 +30,7 @@ class TTbTestRef : public TTypedTB<t_TestRef> {
   void InitRecord() override {
     TStdTB::InitRecord();
     Rec().Id = kNullId;
-    Rec().IdWaehrung = kNullId;
+    Rec().IdRate = kNullId;
     Rec().Kz = 'A';
   }
   char GetMaxIndex() const override { return '1'; }
@@ -42,8 +41,8 @@ class TTbTestRef : public TTypedTB<t_TestRef> {
   using TStdTB::DoValidateRecord;
   void DoValidateRecord(TDataCheck& check) override {
     check.SetAvaRecordID(Rec().Id);
-    check.CheckItemForElementAsPrimaryKeyInTable("IdWaehrung", Rec().IdWaehrung, kNullId, 'E',
-                                                 boq::kWaehrungTableType);
+    check.CheckItemForElementAsPrimaryKeyInTable("IdRate", Rec().IdRate, kNullId, 'E',
+                                                 kTestRateType);
     check.CheckItemForCharSelector("Kz", Rec().Kz, 'A', "AB", "Kennzeichen A oder B");
   }
 };
@@ -55,15 +54,15 @@ std::string FileBytes(const std::filesystem::path& path) {
 
 class IntegrityTest : public TableTest {
  protected:
-  void AddCurrency(int32_t id) {
-    boq::TTbWaehrung currencies(*db_);
-    currencies.Rec().ID = id;
-    ASSERT_EQ(currencies.UpDateRec(), 0);
+  void AddRate(int32_t id) {
+    TTbTestRate rates(*db_);
+    rates.Rec().Id = id;
+    ASSERT_EQ(rates.UpDateRec(), 0);
   }
-  void AddRef(int32_t id, int32_t currency, char kz) {
+  void AddRef(int32_t id, int32_t rate, char kz) {
     TTbTestRef refs(*db_);
     refs.Rec().Id = id;
-    refs.Rec().IdWaehrung = currency;
+    refs.Rec().IdRate = rate;
     refs.Rec().Kz = kz;
     ASSERT_EQ(refs.UpDateRec(), 0);
   }
@@ -82,13 +81,13 @@ class IntegrityTest : public TableTest {
               0);
     ++foreign_[letter];
   }
-  // Runs the check over the registry's tables, or over currencies and the test tables.
+  // Runs the check over the registry's tables, or over rates and the test tables.
   int Run(bool only_test, bool test_tables, std::string* log) {
     TDataIntegrity run(TestTables());
     run.SetOnlyTest(only_test);
     if (test_tables) {
       std::vector<std::unique_ptr<TStdTB>> tables;
-      tables.push_back(std::make_unique<boq::TTbWaehrung>(*db_));
+      tables.push_back(std::make_unique<TTbTestRate>(*db_));
       tables.push_back(std::make_unique<TTbTestRef>(*db_));
       tables.push_back(std::make_unique<TTbTestItem>(*db_));
       run.Add(*db_, std::move(tables));
@@ -116,10 +115,10 @@ class IntegrityTest : public TableTest {
 };
 
 TEST_F(IntegrityTest, ForeignKeysAndCodeLettersDryRunThenRepair) {
-  AddCurrency(42);
+  AddRate(42);
   AddRef(1, kNullId, 'A');  // the null reference passes
   AddRef(2, 42, 'B');
-  AddRef(3, 99, 'A');  // no currency 99
+  AddRef(3, 99, 'A');  // no rate 99
   AddRef(4, 42, 'Q');  // letter not allowed
   ASSERT_EQ(db_->Flush(), 0);
   const std::string data = FileBytes(storage::DataFileName(db_->BasePath()));
@@ -127,8 +126,7 @@ TEST_F(IntegrityTest, ForeignKeysAndCodeLettersDryRunThenRepair) {
 
   std::string log;
   EXPECT_EQ(Run(true, true, &log), 2);
-  EXPECT_NE(log.find("ForeignKey: IdWaehrung=99 nicht vorhanden in DB_Stamm - W"),
-            std::string::npos)
+  EXPECT_NE(log.find("ForeignKey: IdRate=99 nicht vorhanden in DB_Stamm - P"), std::string::npos)
       << log;
   EXPECT_NE(log.find("CharSelektor: Kz='Q'($51) not allowed"), std::string::npos) << log;
   EXPECT_NE(log.find("Aktion: <Nur Trockenlauf - Datensatz nicht geschrieben>"), std::string::npos);
@@ -142,7 +140,7 @@ TEST_F(IntegrityTest, ForeignKeysAndCodeLettersDryRunThenRepair) {
   EXPECT_EQ(Run(true, true, &log), 0) << log;
   TTbTestRef refs(*db_);
   ASSERT_TRUE(refs.GetKey(KeyNumber(3)));
-  EXPECT_EQ(refs.Rec().IdWaehrung, kNullId);
+  EXPECT_EQ(refs.Rec().IdRate, kNullId);
   ASSERT_TRUE(refs.GetKey(KeyNumber(4)));
   EXPECT_EQ(refs.Rec().Kz, 'A');
   EXPECT_TRUE(StorageProblems().empty());
@@ -167,7 +165,7 @@ TEST_F(IntegrityTest, RecordCountDifferenceAbortsTheTable) {
 }
 
 TEST_F(IntegrityTest, RecordsOfUnknownLettersAreConflictsAndNeverTouched) {
-  AddCurrency(1);
+  AddRate(1);
   TTbTestItem items(*db_);
   ASSERT_EQ(InsertItem(items, 1, kNullId), 0);
   ASSERT_EQ(InsertItem(items, 2, kNullId), 0);
@@ -199,9 +197,9 @@ TEST_F(IntegrityTest, RecordsOfUnknownLettersAreConflictsAndNeverTouched) {
 }
 
 TEST_F(IntegrityTest, RebuildKeepsUnknownRecordsByteForByteAndTheCheckStillReportsThem) {
-  AddCurrency(1);
+  AddRate(1);
   AddForeignRecord('Q', 0x5A);
-  AddCurrency(2);
+  AddRate(2);
   AddForeignRecord('X', 0xA5);
   AddForeignRecord('Q', 0x01);
   ASSERT_EQ(db_->Flush(), 0);
@@ -235,7 +233,7 @@ TEST_F(IntegrityTest, RebuildKeepsUnknownRecordsByteForByteAndTheCheckStillRepor
 TEST(IntegrityLogTest, HintsAreNoProblemsAndEachRunGetsItsOwnFile) {
   TDiLogItem item;
   item.FDatabaseName = "DB_Stamm";
-  item.FTableName = "TTbWaehrung";
+  item.FTableName = "TTbTestRate";
   TDiSubLogItem finding;
   finding.FKind = TLogKind::lkError;
   finding.FData = "ID=5";

@@ -5,8 +5,6 @@
 #include <map>
 #include <random>
 
-#include "boq/units/tb_einheit.h"
-#include "boq/units/tb_waehrung.h"
 #include "data/integrity/database_recovery.h"
 #include "data/tables/std_tb_test_support.h"
 #include "data/tables/table_registry.h"
@@ -26,26 +24,26 @@ struct Expected {
   TRecordKeys keys;
 };
 
-// A master-data database with currencies and units, some deleted again (free space).
+// A master-data database with rates and measures, some deleted again (free space).
 void FillDatabase(const fs::path& dir) {
   TStdDb db("DB_Stamm", dir.string(), kType, kKeyLength);
   ASSERT_EQ(db.DbCreate(), 0);
-  boq::TTbWaehrung currencies(db);
-  boq::TTbEinheit units(db);
+  TTbTestRate rates(db);
+  TTbTestMeasure measures(db);
   for (int i = 1; i <= 40; ++i) {
-    currencies.InitRecord();
-    currencies.Rec().ID = i;
-    currencies.Rec().IdLand = i % 7;
-    ASSERT_EQ(currencies.UpDateRec(), 0);
-    units.InitRecord();
-    units.Rec().IdLang = 49;
-    units.Rec().IdEinheit = static_cast<int16_t>(i);
-    units.Rec().Sz = static_cast<int16_t>(100 - i);
-    ASSERT_EQ(units.UpDateRec(), 0);
+    rates.InitRecord();
+    rates.Rec().Id = i;
+    rates.Rec().Group = i % 7;
+    ASSERT_EQ(rates.UpDateRec(), 0);
+    measures.InitRecord();
+    measures.Rec().IdLang = 49;
+    measures.Rec().IdMeasure = static_cast<int16_t>(i);
+    measures.Rec().Sz = static_cast<int16_t>(100 - i);
+    ASSERT_EQ(measures.UpDateRec(), 0);
   }
   for (int i = 5; i <= 40; i += 9) {
-    ASSERT_TRUE(currencies.GetKey(KeyNumber(i)));
-    ASSERT_EQ(currencies.DeleteRec(), 0);
+    ASSERT_TRUE(rates.GetKey(KeyNumber(i)));
+    ASSERT_EQ(rates.DeleteRec(), 0);
   }
   ASSERT_EQ(db.DbClose(), 0);
 }

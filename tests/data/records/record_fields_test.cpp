@@ -6,21 +6,19 @@
 #include <string>
 #include <vector>
 
-#include "boq/units/currency_records.h"
-#include "boq/units/unit_record.h"
 #include "data/records/framework_records.h"
 #include "data/records/null_values.h"
 #include "data/records/record_compare.h"
 #include "data/records/short_string.h"
 #include "data/records/wae_betrag.h"
+#include "data/test_tables.h"
 
 namespace korvan::data {
 namespace {
 
 TEST(RecordLayout, DescriptionsCoverTheirStructsExactly) {
-  for (const RecordLayout* layout :
-       {&kRecordHeaderLayout, &kWaeBetragLayout, &kDbInfoLayout, &kCounterLayout,
-        &boq::kEinheitLayout, &boq::kWaehrungLayout, &boq::kPrjWaeFaktorLayout}) {
+  for (const RecordLayout* layout : {&kRecordHeaderLayout, &kWaeBetragLayout, &kDbInfoLayout,
+                                     &kCounterLayout, &testing::kTestRateLayout}) {
     EXPECT_TRUE(DescribesLayoutExactly(*layout)) << layout->name;
   }
   static constexpr FieldDescriptor gap[] = {{"A", 0, 4, FieldType::kInt32},
@@ -67,29 +65,28 @@ TEST(RecordValues, TriStatesAndDamagedBytes) {
   EXPECT_EQ(DecodeTriState(77), TriState::kDefault);
   EXPECT_FALSE(IsValidTriStateByte(77));
   EXPECT_TRUE(IsValidTriStateByte(128));
-  EXPECT_EQ(boq::DecodeValFormat(2), boq::TValFormat::vfFtIn64);
-  EXPECT_EQ(boq::DecodeValFormat(200), boq::TValFormat::vfNONE);
   EXPECT_FALSE(IsNullId(kRootParentId));
 }
 
 using Names = std::vector<std::string>;
 
 TEST(RecordCompare, ReportsEachDifferingFieldByName) {
-  boq::t_Waehrung a{};
-  a.Header.RecTyp = 'W';
+  testing::t_TestRate a{};
+  a.Header.RecTyp = testing::kTestRateType;
   a.Bez.Set("Euro");
   a.Symbol.Set("EUR");
   a.Faktor = 1.0;
-  boq::t_Waehrung b = a;
-  EXPECT_TRUE(RecordsEqual(boq::kWaehrungLayout, BytesOf(a), BytesOf(b)));
+  testing::t_TestRate b = a;
+  EXPECT_TRUE(RecordsEqual(testing::kTestRateLayout, BytesOf(a), BytesOf(b)));
   b.Faktor = 1.95583;
   b.Symbol.Set("DEM");
-  b.kzLand = 1;
+  b.kzAktiv = 1;
   b.Header.Version = 2;
-  EXPECT_EQ(DifferingFields(boq::kWaehrungLayout, BytesOf(a), BytesOf(b)),
-            (Names{"Header.Version", "Symbol", "Faktor", "kzLand"}));
-  EXPECT_EQ(DifferingFields(boq::kWaehrungLayout, BytesOf(a), BytesOf(b), {.skip_header = true}),
-            (Names{"Symbol", "Faktor", "kzLand"}));
+  EXPECT_EQ(DifferingFields(testing::kTestRateLayout, BytesOf(a), BytesOf(b)),
+            (Names{"Header.Version", "Symbol", "Faktor", "kzAktiv"}));
+  EXPECT_EQ(
+      DifferingFields(testing::kTestRateLayout, BytesOf(a), BytesOf(b), {.skip_header = true}),
+      (Names{"Symbol", "Faktor", "kzAktiv"}));
 
   // Short strings by their characters only; floating point by value.
   b = a;
@@ -97,13 +94,13 @@ TEST(RecordCompare, ReportsEachDifferingFieldByName) {
   b.Header.ModifiedById[20] = 'y';
   a.Faktor = 0.0;
   b.Faktor = -0.0;
-  EXPECT_TRUE(RecordsEqual(boq::kWaehrungLayout, BytesOf(a), BytesOf(b)));
+  EXPECT_TRUE(RecordsEqual(testing::kTestRateLayout, BytesOf(a), BytesOf(b)));
   a.Faktor = b.Faktor = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_TRUE(RecordsEqual(boq::kWaehrungLayout, BytesOf(a), BytesOf(b)));
+  EXPECT_TRUE(RecordsEqual(testing::kTestRateLayout, BytesOf(a), BytesOf(b)));
   a.Faktor = 1.0;
   b.Faktor = std::nextafter(1.0, 2.0);
   b.Bez.length = 250;  // a damaged length reads as the full capacity
-  EXPECT_EQ(DifferingFields(boq::kWaehrungLayout, BytesOf(a), BytesOf(b)),
+  EXPECT_EQ(DifferingFields(testing::kTestRateLayout, BytesOf(a), BytesOf(b)),
             (Names{"Bez", "Faktor"}));
 }
 

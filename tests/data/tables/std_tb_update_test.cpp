@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "boq/units/tb_waehrung.h"
 #include "data/tables/std_tb_test_support.h"
 #include "data/tables/tb_counter.h"
 #include "data/tables/tb_db_info.h"
+#include "data/test_tables.h"
 #include "storage/db_kernel_codes.h"
 
 namespace korvan::data::testing {
@@ -151,20 +151,20 @@ TEST_F(TableTest, DatabaseObjectsOfOneFileShareOneHandle) {
 }
 
 TEST_F(TableTest, ReadOfAWrongSizedRecordIsReported) {
-  boq::TTbWaehrung table(*db_);
-  // A record of the currency letter and version but not its size.
+  TTbTestRate table(*db_);
+  // A record of the rate letter and version but not its size.
   std::vector<uint8_t> record(120, 0);
   storage::TDbRecordHeader header{};
   header.RecLen = 120;
-  header.RecTyp = boq::kWaehrungTableType;
-  header.Version = boq::TTbWaehrung::kLayoutVersion;
+  header.RecTyp = kTestRateType;
+  header.Version = 1;
   std::memcpy(record.data(), &header, sizeof header);
   int32_t position = 0;
   ASSERT_EQ(storage::iDK_RecordInsert(db_->Handle(), record.data(), 120, true, &position), 0);
   EXPECT_FALSE(table.GetRec(position));
   EXPECT_EQ(table.LastErrorText(),
-            "Error: Expected record size: 191, read record size: 120 (function: GetRec) in DB: "
-            "DB_Stamm - TB: TTbWaehrung");
+            "Error: Expected record size: 91, read record size: 120 (function: GetRec) in DB: "
+            "DB_Stamm - TB: TTbTestRate");
   EXPECT_FALSE(table.GetRec(position + 7));  // not a record boundary
   EXPECT_NE(table.LastError(), 0);
 }

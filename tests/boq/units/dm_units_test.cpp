@@ -3,10 +3,11 @@
 #include <map>
 #include <random>
 
+#include "boq/boq_tables.h"
 #include "boq/units/dm_einheit.h"
 #include "boq/units/dm_waehrung.h"
+#include "data/tables/data_tables.h"
 #include "data/tables/std_tb_test_support.h"
-#include "data/test_tables.h"
 #include "data/undo/undo_redo.h"
 #include "data/undo/undo_table_restorer.h"
 
@@ -14,6 +15,14 @@ namespace korvan::data::testing {
 namespace {
 
 class DataModuleTest : public TableTest {};
+
+// The tables the journal writes back through: the framework's and the units'.
+TTableRegistry UnitTables() {
+  TTableRegistry registry;
+  RegisterDataTables(registry);
+  boq::RegisterBoqTables(registry);
+  return registry;
+}
 
 TStringList Euro() {
   return {"32766", "Europa", "Euro", "EUR", "1", "2", "J", "J", "2", "32766"};
@@ -75,7 +84,7 @@ class DataModuleUndoTest : public TableTest {
     TableTest::SetUp();
     module_ = std::make_unique<boq::TdmWaehrung>(*db_);
     restorer_ =
-        std::make_unique<TTableRecordRestorer>(std::vector<TStdDb*>{db_.get()}, TestTables());
+        std::make_unique<TTableRecordRestorer>(std::vector<TStdDb*>{db_.get()}, UnitTables());
     journal_.SetRecordRestorer(restorer_.get());
     journal_.SetRowRestorer(&rows_);
     module_->CData1.SetUndoJournal(&actions_);
