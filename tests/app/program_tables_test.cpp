@@ -40,13 +40,13 @@ std::set<std::string> TableClassesInSources() {
   const std::regex declaration(R"(class\s+(\w+)\s*(?:final\s*)?:\s*public\s+([\w:]+))");
   std::multimap<std::string, std::string> bases;  // base -> derived
   for (const fs::directory_entry& entry : fs::recursive_directory_iterator(KORVAN_SOURCE_DIR)) {
-    if (entry.path().extension() != ".h") continue;
+    const fs::path extension = entry.path().extension();
+    if (extension != ".h" && extension != ".cpp") continue;
     std::ifstream file(entry.path());
     std::stringstream text;
     text << file.rdbuf();
     const std::string source = text.str();
-    for (std::sregex_iterator it(source.begin(), source.end(), declaration), end; it != end;
-         ++it) {
+    for (std::sregex_iterator it(source.begin(), source.end(), declaration), end; it != end; ++it) {
       std::string base = (*it)[2];
       if (const size_t colon = base.rfind("::"); colon != std::string::npos) {
         base = base.substr(colon + 2);
