@@ -38,6 +38,9 @@ void TStdTB::AcceptWritten(int32_t position) {
 int TStdTB::InsertCurrent() {
   FCurrentRecord.resize(static_cast<size_t>(RecordLength(FCurrentRecord)), 0);
   SetHeaderForWrite(FCurrentRecord);
+  if (TableChangeObserver* journal = CurrentTableChangeObserver()) {
+    journal->RecordWillChange(TableTargetOf(*this), {}, FCurrentRecord);
+  }
   int32_t position = 0;
   int result = kOk;
   try {
@@ -99,6 +102,9 @@ int TStdTB::UpdateCurrent() {
   }
 
   SetHeaderForWrite(FCurrentRecord);
+  if (TableChangeObserver* journal = CurrentTableChangeObserver()) {
+    journal->RecordWillChange(TableTargetOf(*this), stored.current, FCurrentRecord);
+  }
   const int32_t old_length = static_cast<int32_t>(stored.raw.size());
   const int32_t new_length = static_cast<int32_t>(FCurrentRecord.size());
   const int written = WriteAsked("Update", [&] {
@@ -216,6 +222,9 @@ int TStdTB::DeleteRec() {
   // The kernel compares the header as this user read it with the stored one.
   std::vector<uint8_t> header(FCurrentRecord.begin(),
                               FCurrentRecord.begin() + storage::kRecordHeaderSize);
+  if (TableChangeObserver* journal = CurrentTableChangeObserver()) {
+    journal->RecordWillChange(TableTargetOf(*this), stored.current, {});
+  }
   const int deleted = WriteAsked("Delete", [&] {
     return storage::iDK_RecordDelete(FDbOwner.Handle(), header.data(), position);
   });

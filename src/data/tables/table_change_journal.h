@@ -22,6 +22,11 @@ struct TableTarget {
 class TableChangeObserver {
  public:
   virtual ~TableChangeObserver() = default;
+  // Called before a record is written, with its image now and the image it is to have
+  // (empty before: it is inserted; empty after: it is deleted), so that the journal can
+  // make the change durable before the data holds it. The write may still fail.
+  virtual void RecordWillChange(const TableTarget& /*table*/, JournalImage /*before*/,
+                                JournalImage /*after*/) {}
   virtual void RecordInserted(const TableTarget& table, JournalImage after) = 0;
   virtual void RecordUpdated(const TableTarget& table, JournalImage before, JournalImage after) = 0;
   virtual void RecordDeleted(const TableTarget& table, JournalImage before) = 0;

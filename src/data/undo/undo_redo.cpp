@@ -1,6 +1,11 @@
 #include "data/undo/undo_redo.h"
 
+#include <algorithm>
 #include <filesystem>
+
+#include "data/undo/journal_path.h"
+#include "data/undo/test_kill_point.h"
+#include "data/undo/undo_table_restorer.h"
 
 namespace korvan::data {
 
@@ -37,12 +42,17 @@ TUndoRedo::TUndoRedo(const std::string& directory) {
   FRedoStack = std::make_unique<TVirtualStack>(directory);
 }
 
-TUndoRedo::TUndoRedo(std::unique_ptr<TVirtualStack> undo, std::unique_ptr<TVirtualStack> redo)
-    : FRedoStack(std::move(redo)), FUndoStack(std::move(undo)) {}
+TUndoRedo::TUndoRedo(std::unique_ptr<TVirtualStack> undo, std::unique_ptr<TVirtualStack> redo,
+                     std::string directory)
+    : FDirectory(std::move(directory)),
+      FIntent(std::make_unique<TUndoIntent>(PendingFile(FDirectory))),
+      FRedoStack(std::move(redo)),
+      FUndoStack(std::move(undo)) {}
 
 namespace {
 constexpr const char* kUndoFileName = "UNDO.QUJ";
 constexpr const char* kRedoFileName = "REDO.QUJ";
+constexpr const char* kPendingFileName = "PENDING.QUJ";
 }  // namespace
 
 std::vector<std::string> TUndoRedo::PersistentFiles(const std::string& data_directory) {
@@ -50,16 +60,61 @@ std::vector<std::string> TUndoRedo::PersistentFiles(const std::string& data_dire
   return {(dir / kUndoFileName).string(), (dir / kRedoFileName).string()};
 }
 
+std::string TUndoRedo::PendingFile(const std::string& data_directory) {
+  return (std::filesystem::path(data_directory) / kPendingFileName).string();
+}
+
 std::unique_ptr<TUndoRedo> TUndoRedo::OpenPersistent(const std::string& data_directory,
                                                      TDamagedFile damaged) {
   const std::vector<std::string> files = PersistentFiles(data_directory);
-  auto undo = TVirtualStack::OpenPersistent(files[0], damaged);
-  auto redo = TVirtualStack::OpenPersistent(files[1], damaged);
-  return std::unique_ptr<TUndoRedo>(new TUndoRedo(std::move(undo), std::move(redo)));
+  std::optional<TUnfinishedStep> unfinished;
+  // The intent file is read under the undo file's lock: whoever holds it holds the
+  // journal. The stacks are cut to the lengths the unfinished step calls for before they
+  // are read, so that a frame the dead process was writing is not taken for damage.
+  auto undo = TVirtualStack::OpenPersistent(files[0], damaged, [&] {
+    try {
+      unfinished = TUndoIntent::Read(PendingFile(data_directory));
+    } catch (const UndoJournalError& error) {
+      // Not the stack's damage: setting the stack aside would not help.
+      throw UndoJournalError(std::string(error.what()) +
+                             "; \"korvan undo --clear\" löscht das Journal");
+    }
+    return unfinished ? unfinished->UndoLength() : int64_t{-1};
+  });
+  auto redo = TVirtualStack::OpenPersistent(
+      files[1], damaged, [&] { return unfinished ? unfinished->RedoLength() : int64_t{-1}; });
+  std::unique_ptr<TUndoRedo> journal(
+      new TUndoRedo(std::move(undo), std::move(redo), data_directory));
+  if (!unfinished) return journal;
+  if (unfinished->committed || unfinished->changes.empty()) {
+    if (unfinished->committed) {
+      journal->FRecoveryNote =
+          "Hinweis: ein abgebrochener Schritt des Rückgängig-Journals wurde abgeschlossen";
+    }
+    journal->FIntent->Finish();
+  } else {
+    journal->FUnfinished = std::move(unfinished);
+  }
+  return journal;
 }
 
 std::vector<std::string> TUndoRedo::RemovePersistent(const std::string& data_directory) {
-  return TVirtualStack::RemovePersistent(PersistentFiles(data_directory));
+  std::vector<std::string> files = PersistentFiles(data_directory);
+  files.push_back(PendingFile(data_directory));
+  return TVirtualStack::RemovePersistent(files);
+}
+
+// A persistent journal with nothing to take back or make again leaves no files: looking
+// at it, or an edit that was refused, must not leave empty journals behind.
+TUndoRedo::~TUndoRedo() {
+  if (FDirectory.empty() || FUnfinished || FIntent->Begun() || FTransactions > 0) return;
+  if (!FUndoStack->Empty() || !FRedoStack->Empty()) return;
+  try {
+    FRedoStack->RemoveFile();
+    FUndoStack->RemoveFile();
+  } catch (const UndoJournalError&) {
+    // Empty files are an empty journal; leaving them is harmless.
+  }
 }
 
 std::vector<TSetAsideFile> TUndoRedo::SetAsideFiles() const {
@@ -74,12 +129,29 @@ void TUndoRedo::Notify() {
   if (FOnChange) FOnChange();
 }
 
+bool TUndoRedo::Recording() const {
+  return FActive && !Locked() && FTransactions > 0 && !FStepBroken;
+}
+
+TableTarget TUndoRedo::JournalTarget(const TableTarget& table) const {
+  if (FDirectory.empty()) return table;
+  TableTarget named = table;
+  named.db_file = JournalPathOf(table.db_file, FDirectory);
+  return named;
+}
+
 void TUndoRedo::StartTransaction(const TStartItem& item) {
   if (!FActive || Locked()) return;
   if (FTransactions++ > 0) return;
   FRecordedInStep = false;
   FStepBroken = false;
   try {
+    if (!ResolveUnfinished()) throw UndoJournalError(FLastError);
+    // The intent comes first: a stack that grew without it would look damaged.
+    FUndoStack->Normalize();
+    if (FIntent) {
+      FIntent->Begin(TIntentOperation::kRecord, FUndoStack->FileSize(), FRedoStack->FileSize());
+    }
     FUndoStack->StartTransaction(item);
   } catch (const UndoJournalError& error) {
     FStepBroken = true;
@@ -87,19 +159,37 @@ void TUndoRedo::StartTransaction(const TStartItem& item) {
   }
 }
 
+// The data changed but the step cannot be offered (taking it back would restore only
+// part of it): it is dropped whole, and the undone steps with it, which no longer fit
+// the data.
+void TUndoRedo::DropStep() {
+  try {
+    FUndoStack->DropLastTransaction();
+    if (!FRedoStack->Empty()) FRedoStack->Clear();
+    if (FIntent && FIntent->Begun()) FIntent->Finish();
+  } catch (const UndoJournalError& error) {
+    if (FLastError.empty()) FLastError = error.what();
+  }
+}
+
 void TUndoRedo::EndTransaction() {
   if (Locked() || FTransactions == 0) return;
   if (--FTransactions > 0) return;
+  if (FStepBroken) {
+    DropStep();
+    return;
+  }
   try {
-    if (FStepBroken) {
-      // An incomplete step must never be offered: taking it back would restore only part.
-      FUndoStack->DropLastTransaction();
+    if (FUndoStack->Normalize()) {
+      // Nothing changed: no step, and the undone steps stay.
+      if (FIntent && FIntent->Begun()) FIntent->Finish();
       return;
     }
-    if (FUndoStack->Normalize()) return;
     FUndoStack->UpdateLastStartItem();
+    FinishRecording();
   } catch (const UndoJournalError& error) {
     FLastError = error.what();
+    DropStep();
     return;
   }
   FUndoStack->SetModified(true);
@@ -107,15 +197,31 @@ void TUndoRedo::EndTransaction() {
   Notify();
 }
 
-bool TUndoRedo::Push(const TCustomUndoRedoItem& item) {
-  if (!FActive || Locked() || FTransactions == 0 || FStepBroken) return false;
+// The step is complete on the undo stack. A new change makes the undone steps
+// meaningless (redo would overwrite it), so the redo stack is emptied - but only after
+// the commit, so that a step taken back after a crash keeps them.
+void TUndoRedo::FinishRecording() {
+  if (!FIntent) {
+    if (!FRedoStack->Empty()) FRedoStack->Clear();
+    return;
+  }
+  FUndoStack->Sync();
+  FIntent->Commit(FUndoStack->FileSize(),
+                  std::min(FRedoStack->FileSize(), TVirtualStack::kEmptyLength));
   try {
-    if (!FRecordedInStep) {
-      // A new change makes the undone steps meaningless: redo would overwrite it.
-      if (!FRedoStack->Empty()) FRedoStack->Clear();
-      FRecordedInStep = true;
-    }
+    if (!FRedoStack->Empty()) FRedoStack->Clear();
+    FIntent->Finish();
+  } catch (const UndoJournalError& error) {
+    // The step is final: the next opening of the journal finishes the files.
+    FLastError = error.what();
+  }
+}
+
+bool TUndoRedo::Push(const TCustomUndoRedoItem& item) {
+  if (!Recording()) return false;
+  try {
     FUndoStack->Push(item);
+    FRecordedInStep = true;
   } catch (const UndoJournalError& error) {
     FStepBroken = true;
     FLastError = error.what();
@@ -134,9 +240,35 @@ void TUndoRedo::SetStartItemDoReloadAll() {
   if (TStartItem* start = FUndoStack->LastStartItem()) start->SetReloadAll(true);
 }
 
+namespace {
+
+// Whether a record change leaves the record as it was (the write only stamped it anew).
+bool Unchanged(JournalImage before, JournalImage after) {
+  return !before.empty() && !after.empty() && SameRecordContent(after, before);
+}
+
+}  // namespace
+
+// Made durable before the record is written: if the process dies before the step is
+// complete, the next opening finds the change and takes it back.
+void TUndoRedo::RecordWillChange(const TableTarget& table, JournalImage before,
+                                 JournalImage after) {
+  if (!Recording() || !FIntent || Unchanged(before, after)) return;
+  try {
+    FIntent->AddChange(TDBUndoRedoItem(JournalTarget(table), before, after));
+    FIntent->Sync();
+  } catch (const UndoJournalError& error) {
+    FStepBroken = true;
+    FLastError = error.what();
+  }
+  TestKillPoint();  // the intent holds the change, the record is not written yet
+}
+
 void TUndoRedo::RecordChange(const TableTarget& table, JournalImage before, JournalImage after,
                              TRecordChange change) {
-  if (!Push(TDBUndoRedoItem(table, before, after))) return;
+  TestKillPoint();  // the record is written, the undo stack does not hold it yet
+  if (Unchanged(before, after)) return;
+  if (!Push(TDBUndoRedoItem(JournalTarget(table), before, after))) return;
   if (TStartItem* start = FUndoStack->LastStartItem()) {
     start->AddCounterInfo(table.db_type, table.table_type, change);
   }
@@ -160,12 +292,84 @@ void TUndoRedo::Clear() {
   Notify();
 }
 
+bool TUndoRedo::ResolveUnfinished() {
+  if (!FUnfinished) return true;
+  if (FTargets.records == nullptr) {
+    FLastError =
+        "ein abgebrochener Schritt des Rückgängig-Journals kann ohne Tabellenzugriff "
+        "nicht zurückgenommen werden";
+    return false;
+  }
+  const TLockScope no_recording(*this);
+  int taken_back = 0;
+  std::vector<std::unique_ptr<TDBUndoRedoItem>>& changes = FUnfinished->changes;
+  for (size_t i = changes.size(); i-- > 0;) {
+    std::string error;
+    TestKillPoint();
+    const int result = changes[i]->Reverse(FTargets, error);
+    if (result == kUndoOk) {
+      ++taken_back;
+    } else if (result != kUndoConflict) {
+      // Found neither as the change left it nor missing: the step stays unfinished, and
+      // the changes already taken back are found as they were before it next time.
+      FLastError =
+          "ein abgebrochener Schritt des Rückgängig-Journals kann nicht "
+          "zurückgenommen werden: " +
+          error;
+      return false;
+    }
+    // A conflict: the record is not as the change would have left it - the change was
+    // never made, the process died before it.
+  }
+  try {
+    FIntent->Finish();
+  } catch (const UndoJournalError& error) {
+    FLastError = error.what();
+    return false;
+  }
+  FUnfinished.reset();
+  FRecoveryNote = taken_back == 0
+                      ? "Hinweis: ein abgebrochener Schritt des Rückgängig-Journals wurde "
+                        "verworfen; er hatte noch nichts gespeichert"
+                      : "Hinweis: ein abgebrochener Schritt des Rückgängig-Journals wurde "
+                        "zurückgenommen (" +
+                            std::to_string(taken_back) +
+                            (taken_back == 1 ? " Datensatz" : " Datensätze") + " zurückgesetzt)";
+  return true;
+}
+
 TUndoOutcome TUndoRedo::PopUndo() {
   return Transfer(*FUndoStack, *FRedoStack);
 }
 
 TUndoOutcome TUndoRedo::PopRedo() {
   return Transfer(*FRedoStack, *FUndoStack);
+}
+
+namespace {
+
+// The change that applying `item` makes, as an undo item: reversing it takes the change
+// back.
+TDBUndoRedoItem ChangeOf(const TDBUndoRedoItem& item) {
+  const bool undo = item.Kind() == TUndoRedoItemKind::ikUndo;
+  const std::vector<uint8_t>& now = undo ? item.After() : item.Before();
+  const std::vector<uint8_t>& then = undo ? item.Before() : item.After();
+  return TDBUndoRedoItem(item.Target(), now, then);
+}
+
+}  // namespace
+
+// The record changes of a step about to be taken back or made again, in the order they
+// will be made, durable before the first is made.
+void TUndoRedo::BeginIntent(TIntentOperation operation,
+                            const std::vector<std::unique_ptr<TCustomUndoRedoItem>>& items) {
+  FIntent->Begin(operation, FUndoStack->FileSize(), FRedoStack->FileSize());
+  for (size_t i = items.size(); i-- > 0;) {
+    if (const auto* record = dynamic_cast<const TDBUndoRedoItem*>(items[i].get())) {
+      FIntent->AddChange(ChangeOf(*record));
+    }
+  }
+  FIntent->Sync();
 }
 
 // The newest step of `from` is read and checked whole, then its items are reversed
@@ -177,6 +381,11 @@ TUndoOutcome TUndoRedo::Transfer(TVirtualStack& from, TVirtualStack& to) {
   if (FTransactions > 0) {
     outcome.code = kUndoInTransaction;
     outcome.error = "ein Schritt ist noch nicht abgeschlossen";
+    return outcome;
+  }
+  if (!ResolveUnfinished()) {
+    outcome.code = kUndoDamaged;
+    outcome.error = FLastError;
     return outcome;
   }
   if (from.TransactionCount() == 0) {
@@ -194,34 +403,75 @@ TUndoOutcome TUndoRedo::Transfer(TVirtualStack& from, TVirtualStack& to) {
   }
   outcome.start = step.start;
 
-  std::vector<std::unique_ptr<TCustomUndoRedoItem>> applied;
   const TLockScope no_recording(*this);
+  if (FIntent) {
+    try {
+      BeginIntent(&from == FUndoStack.get() ? TIntentOperation::kUndo : TIntentOperation::kRedo,
+                  step.items);
+    } catch (const UndoJournalError& error) {
+      outcome.code = kUndoDamaged;
+      outcome.error = error.what();
+      try {
+        FIntent->Finish();
+      } catch (const UndoJournalError&) {
+      }
+      return outcome;
+    }
+  }
+  std::vector<std::unique_ptr<TCustomUndoRedoItem>> applied;
   for (size_t i = step.items.size(); i-- > 0;) {
+    TestKillPoint();
     const int result = step.items[i]->Reverse(FTargets, outcome.error);
     if (result != kUndoOk) {
       TakeBack(applied, FTargets);
       outcome.code = result;
+      try {
+        if (FIntent) FIntent->Finish();
+      } catch (const UndoJournalError&) {
+        // Left for the next opening, which finds every change taken back already.
+      }
       return outcome;
     }
     applied.push_back(std::move(step.items[i]));
   }
+  outcome = MoveStep(from, to, step, applied);
+  if (outcome.ok()) Notify();
+  return outcome;
+}
+
+// Records the applied step on `to` and removes it from `from`. Up to the commit in the
+// intent file, a failure takes the data back; after it, the step is made, and should the
+// files fail, the next opening finishes them.
+TUndoOutcome TUndoRedo::MoveStep(TVirtualStack& from, TVirtualStack& to, TUndoTransaction& step,
+                                 std::vector<std::unique_ptr<TCustomUndoRedoItem>>& applied) {
+  TUndoOutcome outcome;
+  outcome.start = step.start;
   bool started = false;
+  bool committed = false;
   try {
     to.StartTransaction(step.start);
     started = true;
     for (const auto& item : applied) to.Push(*item);
+    if (FIntent) {
+      to.Sync();
+      const int64_t from_final = from.LastTransactionPosition();
+      const bool undoing = &from == FUndoStack.get();
+      FIntent->Commit(undoing ? from_final : to.FileSize(), undoing ? to.FileSize() : from_final);
+      committed = true;
+    }
     from.DropLastTransaction();
+    if (FIntent) FIntent->Finish();
   } catch (const UndoJournalError& error) {
+    if (committed) return outcome;
     TakeBack(applied, FTargets);
     try {
       if (started) to.DropLastTransaction();
+      if (FIntent) FIntent->Finish();
     } catch (const UndoJournalError&) {
     }
     outcome.code = kUndoDamaged;
     outcome.error = error.what();
-    return outcome;
   }
-  Notify();
   return outcome;
 }
 

@@ -2,10 +2,12 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "data/tables/table_change_journal.h"
+#include "data/undo/undo_intent.h"
 #include "data/undo/undo_items.h"
 #include "data/undo/virtual_stack.h"
 
@@ -35,6 +37,12 @@ class TUndoRedo : public TableChangeObserver {
   // of the program until cleared. Throws UndoJournalError when the files are in use by
   // another process, and when one is damaged unless `damaged` says to set it aside
   // (SetAsideFiles() then tells which).
+  //
+  // Every step of it is bracketed by the intent file "PENDING.QUJ" (TUndoIntent), so
+  // that journal and data agree after the process is killed at any point: a step whose
+  // data changes were complete is finished here; the data changes of any other are taken
+  // back by ResolveUnfinished(), which needs the record restorer. Records are named
+  // relative to the data directory. A journal with no step left is removed when closed.
   static std::unique_ptr<TUndoRedo> OpenPersistent(const std::string& data_directory,
                                                    TDamagedFile damaged = TDamagedFile::kReport);
   // Deletes the journal of a data directory (the user clears it; closing a project will
@@ -43,7 +51,9 @@ class TUndoRedo : public TableChangeObserver {
   static std::vector<std::string> RemovePersistent(const std::string& data_directory);
   // The files of the persistent journal of a data directory: undo stack, redo stack.
   static std::vector<std::string> PersistentFiles(const std::string& data_directory);
-  ~TUndoRedo() override = default;
+  // The intent file of the persistent journal of a data directory.
+  static std::string PendingFile(const std::string& data_directory);
+  ~TUndoRedo() override;
   TUndoRedo(const TUndoRedo&) = delete;
   TUndoRedo& operator=(const TUndoRedo&) = delete;
 
@@ -65,6 +75,7 @@ class TUndoRedo : public TableChangeObserver {
   // when recording worked.
   const std::string& LastError() const { return FLastError; }
 
+  void RecordWillChange(const TableTarget& table, JournalImage before, JournalImage after) override;
   void RecordInserted(const TableTarget& table, JournalImage after) override;
   void RecordUpdated(const TableTarget& table, JournalImage before, JournalImage after) override;
   void RecordDeleted(const TableTarget& table, JournalImage before) override;
@@ -82,6 +93,17 @@ class TUndoRedo : public TableChangeObserver {
   std::vector<std::string> UndoCaptions() const { return FUndoStack->GetTransactions(); }
   std::vector<std::string> RedoCaptions() const { return FRedoStack->GetTransactions(); }
 
+  // --- A step a killed process left ------------------------------------------------------
+  // Whether the data changes of an unfinished step still wait to be taken back.
+  bool HasUnfinished() const { return FUnfinished.has_value(); }
+  // Takes back the data changes of the unfinished step through the record restorer and
+  // ends it; false (with LastError set) when that is not possible yet. Recording and
+  // undo call it first; nothing is recorded or taken back while a step is unfinished.
+  bool ResolveUnfinished();
+  // What opening and ResolveUnfinished did about an unfinished step, for the user; empty
+  // when there was none.
+  const std::string& RecoveryNote() const { return FRecoveryNote; }
+
   // --- Connections -------------------------------------------------------------------
   void SetRecordRestorer(RecordRestorer* restorer) { FTargets.records = restorer; }
   void SetRowRestorer(TCDataRowRestorer* restorer) { FTargets.rows = restorer; }
@@ -96,8 +118,17 @@ class TUndoRedo : public TableChangeObserver {
   TVirtualStack& RedoStack() { return *FRedoStack; }
 
  private:
-  TUndoRedo(std::unique_ptr<TVirtualStack> undo, std::unique_ptr<TVirtualStack> redo);
+  TUndoRedo(std::unique_ptr<TVirtualStack> undo, std::unique_ptr<TVirtualStack> redo,
+            std::string directory);
   TUndoOutcome Transfer(TVirtualStack& from, TVirtualStack& to);
+  TUndoOutcome MoveStep(TVirtualStack& from, TVirtualStack& to, TUndoTransaction& step,
+                        std::vector<std::unique_ptr<TCustomUndoRedoItem>>& applied);
+  void BeginIntent(TIntentOperation operation,
+                   const std::vector<std::unique_ptr<TCustomUndoRedoItem>>& items);
+  void FinishRecording();
+  void DropStep();
+  TableTarget JournalTarget(const TableTarget& table) const;
+  bool Recording() const;
   void RecordChange(const TableTarget& table, JournalImage before, JournalImage after,
                     TRecordChange change);
   void Notify();
@@ -108,6 +139,10 @@ class TUndoRedo : public TableChangeObserver {
   bool FRecordedInStep = false;
   bool FStepBroken = false;
   std::string FLastError;
+  std::string FDirectory;  // of a persistent journal; empty for a temporary one
+  std::unique_ptr<TUndoIntent> FIntent;
+  std::optional<TUnfinishedStep> FUnfinished;
+  std::string FRecoveryNote;
   std::unique_ptr<TVirtualStack> FRedoStack;
   std::unique_ptr<TVirtualStack> FUndoStack;
   TUndoTargets FTargets;

@@ -1,5 +1,6 @@
 #include "data/undo/undo_stream.h"
 
+#include <algorithm>
 #include <array>
 
 namespace korvan::data {
@@ -190,6 +191,19 @@ uint32_t Crc32(std::span<const uint8_t> bytes, uint32_t crc) {
   crc = ~crc;
   for (uint8_t byte : bytes) crc = table[(crc ^ byte) & 0xFF] ^ (crc >> 8);
   return ~crc;
+}
+
+std::vector<uint8_t> MakeJournalFrame(uint8_t kind, std::span<const uint8_t> data) {
+  std::vector<uint8_t> frame(kJournalFrameHead + data.size() + kJournalFrameTail);
+  frame[0] = kind;
+  const auto length = static_cast<uint32_t>(data.size());
+  for (int i = 0; i < 4; ++i) frame[1 + i] = static_cast<uint8_t>(length >> (8 * i));
+  std::copy(data.begin(), data.end(), frame.begin() + kJournalFrameHead);
+  const uint32_t crc = Crc32({frame.data(), kJournalFrameHead + data.size()});
+  for (int i = 0; i < 4; ++i) {
+    frame[kJournalFrameHead + data.size() + i] = static_cast<uint8_t>(crc >> (8 * i));
+  }
+  return frame;
 }
 
 }  // namespace korvan::data

@@ -81,4 +81,10 @@ std::string Utf16ToUtf8(std::u16string_view utf16);
 // CRC-32 (the polynomial of zip files) of a byte range, continuing from `crc`.
 uint32_t Crc32(std::span<const uint8_t> bytes, uint32_t crc = 0);
 
+// One frame of a journal file: kind (1 byte), data length (32-bit), the data, and the
+// CRC-32 of all that.
+inline constexpr size_t kJournalFrameHead = 5;
+inline constexpr size_t kJournalFrameTail = 4;
+std::vector<uint8_t> MakeJournalFrame(uint8_t kind, std::span<const uint8_t> data);
+
 }  // namespace korvan::data

@@ -7,6 +7,7 @@
 #include "data/common/cp1252.h"
 #include "data/common/date_time.h"
 #include "data/tables/table_key.h"
+#include "data/undo/journal_path.h"
 #include "data/undo/undo_items.h"
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_codes.h"
@@ -119,14 +120,19 @@ bool SameRecordContent(JournalImage stored, JournalImage image) {
                      [](uint8_t byte) { return byte == 0; });
 }
 
-TTableRecordRestorer::TTableRecordRestorer(std::vector<TStdDb*> databases, TTableRegistry tables)
+TTableRecordRestorer::TTableRecordRestorer(std::vector<TStdDb*> databases, TTableRegistry tables,
+                                           std::string journal_dir)
     : resolver_([this](const TableTarget& target) { return TableOf(target); }),
       databases_(std::move(databases)),
-      tables_(std::move(tables)) {}
+      tables_(std::move(tables)),
+      journal_dir_(std::move(journal_dir)) {}
 
 TStdTB* TTableRecordRestorer::TableOf(const TableTarget& target) {
   for (TStdDb* db : databases_) {
-    if (db->BasePath() != target.db_file || db->DbType() != target.db_type) continue;
+    if (db->DbType() != target.db_type ||
+        !IsJournalPathOf(target.db_file, db->BasePath(), journal_dir_)) {
+      continue;
+    }
     if (TStdTB* table = db->GetTable(target.table_type)) return table;
     const TTableRegistry::Factory* factory = tables_.Find(db->DbType(), target.table_type);
     if (factory == nullptr) return nullptr;

@@ -23,8 +23,10 @@ class TTableRecordRestorer : public RecordRestorer {
   explicit TTableRecordRestorer(TTableResolver resolver) : resolver_(std::move(resolver)) {}
   // Resolves among the tables of the given databases, by base path and type letters; a
   // table without an object in its database gets one from `tables`, kept while the
-  // restorer lives (the databases must outlive it).
-  TTableRecordRestorer(std::vector<TStdDb*> databases, TTableRegistry tables);
+  // restorer lives (the databases must outlive it). A relative path in the journal is
+  // taken from `journal_dir`.
+  TTableRecordRestorer(std::vector<TStdDb*> databases, TTableRegistry tables,
+                       std::string journal_dir = {});
   TTableRecordRestorer(const TTableRecordRestorer&) = delete;
   TTableRecordRestorer& operator=(const TTableRecordRestorer&) = delete;
 
@@ -43,6 +45,7 @@ class TTableRecordRestorer : public RecordRestorer {
   TTableResolver resolver_;
   std::vector<TStdDb*> databases_;
   TTableRegistry tables_;
+  std::string journal_dir_;
   std::vector<std::unique_ptr<TStdTB>> created_;
 };
 

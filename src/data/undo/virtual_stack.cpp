@@ -10,13 +10,15 @@
 #include <cstring>
 #include <filesystem>
 
+#include "data/undo/test_kill_point.h"
+
 namespace korvan::data {
 
 namespace {
 
 constexpr std::array<char, 8> kMagic = {'K', 'o', 'r', 'v', 'U', 'n', 'd', 'o'};
 constexpr uint32_t kFormatVersion = 1;
-constexpr int64_t kHeaderSize = 16;
+constexpr int64_t kHeaderSize = TVirtualStack::kEmptyLength;
 constexpr int64_t kFrameHead = 5;  // kind and data length
 constexpr int64_t kFrameTail = 4;  // CRC-32
 constexpr const char* kSetAsideSuffix = ".defekt";
@@ -71,11 +73,12 @@ TVirtualStack::TVirtualStack(const std::string& directory) {
   }
 }
 
-TVirtualStack::TVirtualStack(const std::string& path, TDamagedFile damaged, PersistentTag)
+TVirtualStack::TVirtualStack(const std::string& path, TDamagedFile damaged,
+                             const TLengthAfterLock& length_after_lock, PersistentTag)
     : FTemporary(false) {
   FFileName = path;
   try {
-    OpenNamed();
+    OpenNamed(length_after_lock);
   } catch (const UndoJournalError& error) {
     if (!error.Damaged() || damaged != TDamagedFile::kSetAside) {
       CloseStream();
@@ -84,7 +87,7 @@ TVirtualStack::TVirtualStack(const std::string& path, TDamagedFile damaged, Pers
     MoveAside(error);
     CloseStream();
     try {
-      OpenNamed();
+      OpenNamed({});
     } catch (...) {
       CloseStream();
       throw;
@@ -97,23 +100,51 @@ void TVirtualStack::CloseStream() {
   FStream = -1;
 }
 
+// Opens the named file and takes its lock. The file may have been removed or replaced by
+// its holder while this process waited to open it (an empty journal is removed when it
+// is closed); the lock then guards a file nobody else will see, so it is opened again.
+void TVirtualStack::OpenLocked() {
+  for (int attempt = 0;; ++attempt) {
+    FStream = open(FFileName.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    if (FStream < 0) Fail("kann nicht geöffnet werden: " + ErrnoText());
+    LockOrThrow();
+    struct stat held {};
+    struct stat named {};
+    if (fstat(FStream, &held) != 0) Fail("kann nicht gelesen werden: " + ErrnoText());
+    if (stat(FFileName.c_str(), &named) == 0 && named.st_ino == held.st_ino &&
+        named.st_dev == held.st_dev) {
+      return;
+    }
+    if (attempt == 10) Fail("wird ständig ersetzt");
+    CloseStream();
+  }
+}
+
 // Opens the named file, takes its lock and reads it back; an empty or new file gets the
 // header. On failure the descriptor is left for the caller to close.
-void TVirtualStack::OpenNamed() {
+void TVirtualStack::OpenNamed(const TLengthAfterLock& length_after_lock) {
   FStartList.clear();
   FLastStartItem.reset();
   FSize = 0;
-  FStream = open(FFileName.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-  if (FStream < 0) Fail("kann nicht geöffnet werden: " + ErrnoText());
-  LockOrThrow();
+  OpenLocked();
   struct stat info {};
   if (fstat(FStream, &info) != 0) Fail("kann nicht gelesen werden: " + ErrnoText());
   if (!S_ISREG(info.st_mode)) Fail("ist keine gewöhnliche Datei");
   FSize = info.st_size;
+  const int64_t valid = length_after_lock ? length_after_lock() : -1;
+  if (valid >= 0 && FSize > valid) {
+    TestKillPoint();
+    if (ftruncate(FStream, valid) != 0) Fail("kann nicht gekürzt werden: " + ErrnoText());
+    FSize = valid;
+  }
   if (FSize == 0) {
     WriteHeader();
-  } else {
-    ReadBack();
+    return;
+  }
+  ReadBack();
+  // Left by a process that died before it recorded anything in its step.
+  if (!FStartList.empty() && FStartList.back().kind == TStackEntryKind::kStart) {
+    CutAt(FStartList.size() - 1);
   }
 }
 
@@ -128,9 +159,26 @@ void TVirtualStack::MoveAside(const UndoJournalError& damage) {
   FSetAside = TSetAsideFile{FFileName, target, damage.what(), damage.Position()};
 }
 
-std::unique_ptr<TVirtualStack> TVirtualStack::OpenPersistent(const std::string& path,
-                                                             TDamagedFile damaged) {
-  return std::unique_ptr<TVirtualStack>(new TVirtualStack(path, damaged, PersistentTag{}));
+std::unique_ptr<TVirtualStack> TVirtualStack::OpenPersistent(
+    const std::string& path, TDamagedFile damaged, const TLengthAfterLock& length_after_lock) {
+  return std::unique_ptr<TVirtualStack>(
+      new TVirtualStack(path, damaged, length_after_lock, PersistentTag{}));
+}
+
+int64_t TVirtualStack::LastTransactionPosition() const {
+  const int index = LastStartTransaction();
+  return index < 0 ? FSize : FStartList[static_cast<size_t>(index)].position;
+}
+
+void TVirtualStack::Sync() {
+  if (fdatasync(FStream) != 0) Fail("kann nicht auf die Platte geschrieben werden: " + ErrnoText());
+}
+
+void TVirtualStack::RemoveFile() {
+  TestKillPoint();
+  if (unlink(FFileName.c_str()) != 0 && errno != ENOENT) {
+    Fail("kann nicht gelöscht werden: " + ErrnoText());
+  }
 }
 
 std::vector<std::string> TVirtualStack::RemovePersistent(const std::vector<std::string>& paths) {
@@ -224,6 +272,7 @@ void TVirtualStack::WriteHeader() {
   std::array<uint8_t, kHeaderSize> header{};
   std::memcpy(header.data(), kMagic.data(), kMagic.size());
   StoreU32(header.data() + 8, kFormatVersion);
+  TestKillPoint();
   if (ftruncate(FStream, 0) != 0) Fail("kann nicht geleert werden: " + ErrnoText());
   FSize = 0;
   WriteAt(0, header.data(), header.size());
@@ -231,6 +280,7 @@ void TVirtualStack::WriteHeader() {
 }
 
 void TVirtualStack::WriteAt(int64_t position, const void* data, size_t size) {
+  TestKillPoint();
   const auto* bytes = static_cast<const uint8_t*>(data);
   size_t done = 0;
   while (done < size) {
@@ -301,13 +351,7 @@ void TVirtualStack::ReadBack() {
 
 std::vector<uint8_t> TVirtualStack::MakeFrame(TStackEntryKind kind,
                                               const std::vector<uint8_t>& data) {
-  std::vector<uint8_t> frame(static_cast<size_t>(kFrameHead) + data.size() + kFrameTail);
-  frame[0] = static_cast<uint8_t>(kind);
-  StoreU32(frame.data() + 1, static_cast<uint32_t>(data.size()));
-  std::copy(data.begin(), data.end(), frame.begin() + kFrameHead);
-  const uint32_t crc = Crc32({frame.data(), static_cast<size_t>(kFrameHead) + data.size()});
-  StoreU32(frame.data() + kFrameHead + data.size(), crc);
-  return frame;
+  return MakeJournalFrame(static_cast<uint8_t>(kind), data);
 }
 
 int64_t TVirtualStack::AppendFrame(TStackEntryKind kind, const std::vector<uint8_t>& data) {
@@ -359,6 +403,7 @@ TStartItem TVirtualStack::LoadStart(size_t index) const {
 
 void TVirtualStack::CutAt(size_t index) {
   const int64_t position = FStartList[index].position;
+  TestKillPoint();
   if (ftruncate(FStream, position) != 0) Fail("kann nicht gekürzt werden: " + ErrnoText());
   FSize = position;
   FStartList.resize(index);

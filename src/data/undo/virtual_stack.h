@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -45,11 +46,20 @@ class TVirtualStack {
  public:
   // A temporary stack in `directory` ("." when empty).
   explicit TVirtualStack(const std::string& directory = ".");
+  // The length of the file of an empty stack (its header).
+  static constexpr int64_t kEmptyLength = 16;
+  // Tells, once the file's lock is held and before it is read, the length the file must
+  // have (a longer file is cut there: the rest belongs to a step that was not
+  // finished), or -1 to keep it as it is.
+  using TLengthAfterLock = std::function<int64_t()>;
+
   // A stack in a named file that outlives the process; an existing file is read back
   // and checked. An empty file (as a crash right after creating it leaves) is an empty
-  // stack. A damaged file is reported or set aside as `damaged` says.
+  // stack, and a transaction start with nothing after it at the end is dropped. A
+  // damaged file is reported or set aside as `damaged` says.
   static std::unique_ptr<TVirtualStack> OpenPersistent(
-      const std::string& path, TDamagedFile damaged = TDamagedFile::kReport);
+      const std::string& path, TDamagedFile damaged = TDamagedFile::kReport,
+      const TLengthAfterLock& length_after_lock = {});
   // Deletes persistent stacks' files without reading them (damaged ones too) and returns
   // those that existed. When another process has one of them open, UndoJournalError is
   // thrown and none is deleted.
@@ -93,6 +103,15 @@ class TVirtualStack {
   void DropLastTransaction();
 
   const std::string& FileName() const { return FFileName; }
+  // The length of the file now, and where the newest transaction begins in it (the
+  // length when there is none).
+  int64_t FileSize() const { return FSize; }
+  int64_t LastTransactionPosition() const;
+  // Makes what was written durable.
+  void Sync();
+  // Removes the file of a persistent stack while its lock is still held; the stack is
+  // then closed with the object.
+  void RemoveFile();
   // The damaged file that opening moved aside, if it did.
   const std::optional<TSetAsideFile>& SetAside() const { return FSetAside; }
   bool Modified() const { return FModified; }
@@ -104,9 +123,11 @@ class TVirtualStack {
     int64_t position;
   };
   struct PersistentTag {};
-  TVirtualStack(const std::string& path, TDamagedFile damaged, PersistentTag);
+  TVirtualStack(const std::string& path, TDamagedFile damaged,
+                const TLengthAfterLock& length_after_lock, PersistentTag);
 
-  void OpenNamed();
+  void OpenNamed(const TLengthAfterLock& length_after_lock);
+  void OpenLocked();
   void CloseStream();
   void MoveAside(const UndoJournalError& damage);
   void LockOrThrow();

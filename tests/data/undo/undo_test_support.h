@@ -56,16 +56,22 @@ class FakeTables : public RecordRestorer {
   static TableTarget Target(char type) { return {"/data/DB_Test.QE", 'E', type, 52}; }
 
   void Insert(char type, std::vector<uint8_t> image) {
+    if (auto* journal = CurrentTableChangeObserver())
+      journal->RecordWillChange(Target(type), {}, image);
     tables_[type][IdOf(image)] = image;
     if (auto* journal = CurrentTableChangeObserver()) journal->RecordInserted(Target(type), image);
   }
   void Update(char type, std::vector<uint8_t> image) {
+    if (auto* journal = CurrentTableChangeObserver())
+      journal->RecordWillChange(Target(type), tables_[type].at(IdOf(image)), image);
     std::vector<uint8_t> before = std::exchange(tables_[type].at(IdOf(image)), image);
     if (auto* journal = CurrentTableChangeObserver())
       journal->RecordUpdated(Target(type), before, image);
   }
   void Delete(char type, int32_t id) {
     const std::vector<uint8_t> before = tables_[type].at(id);
+    if (auto* journal = CurrentTableChangeObserver())
+      journal->RecordWillChange(Target(type), before, {});
     tables_[type].erase(id);
     if (auto* journal = CurrentTableChangeObserver()) journal->RecordDeleted(Target(type), before);
   }

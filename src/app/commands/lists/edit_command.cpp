@@ -64,6 +64,9 @@ int EditCommand::Run(Streams& streams) {
   }
   MasterDataSession session(ProgramTables(), data_dir_, force_, data::TDamagedFile::kSetAside);
   WarnSetAside(streams.err, session.Journal().SetAsideFiles());
+  if (!session.Journal().RecoveryNote().empty()) {
+    streams.err << session.Journal().RecoveryNote() << '\n';
+  }
   const std::unique_ptr<data::TTableListModule> module =
       MakeDataModule(ProgramTables(), module_, session.Db());
   data::TCData& cdata = module->CData1;

@@ -1,5 +1,7 @@
 #include "app/commands/lists/master_data_session.h"
 
+#include <filesystem>
+
 #include "app/cli/command_error.h"
 #include "app/commands/db/db_database.h"
 #include "app/program/installation.h"
@@ -47,6 +49,16 @@ MasterDataSession::MasterDataSession(const data::TTableRegistry& tables,
   if (const int opened = db_->DbOpen(true); opened != storage::kOk) {
     throw CommandError(stamm->DataFileName() + ": " + ResultCodeText(opened));
   }
+  // A step a killed process left unfinished is settled before anything is read, so that
+  // nobody sees a change the journal then takes back. Should that fail, the commands
+  // that use the journal report it.
+  std::error_code missing;
+  if (std::filesystem::exists(data::TUndoRedo::PendingFile(data_dir), missing)) {
+    try {
+      OpenJournalOnce();
+    } catch (const CommandError&) {
+    }
+  }
 }
 
 // Opened on first use: a session that only reads neither takes the journal's lock nor is
@@ -56,11 +68,21 @@ void MasterDataSession::OpenJournalOnce() {
   journal_ = OpenJournal(data_dir_, damaged_);
   observing_ = std::make_unique<data::ScopedTableChangeObserver>(journal_.get());
   actions_ = std::make_unique<data::TCDataUndoJournal>(*journal_);
-  restorer_ =
-      std::make_unique<data::TTableRecordRestorer>(std::vector<data::TStdDb*>{db_.get()}, tables_);
+  restorer_ = std::make_unique<data::TTableRecordRestorer>(std::vector<data::TStdDb*>{db_.get()},
+                                                           tables_, data_dir_);
   rows_ = std::make_unique<RowReloader>();
   journal_->SetRecordRestorer(restorer_.get());
   journal_->SetRowRestorer(rows_.get());
+  // A step a killed process left is taken back before anything else is done, so that
+  // journal and data agree.
+  if (!journal_->ResolveUnfinished()) {
+    const std::string problem = journal_->LastError();
+    observing_.reset();
+    actions_.reset();
+    journal_.reset();
+    throw CommandError(problem +
+                       "\nDas Journal wird nicht verwendet. \"korvan undo --clear\" löscht es.");
+  }
 }
 
 data::TUndoRedo& MasterDataSession::Journal() {

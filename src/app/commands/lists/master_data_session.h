@@ -34,7 +34,8 @@ class MasterDataSession {
 
   data::TStdDb& Db() { return *db_; }
   // The journal, opened on first use; from then on it records every record change of the
-  // session. CommandError when it cannot be opened.
+  // session. A step a killed process left unfinished is finished or taken back first
+  // (RecoveryNote() tells the user). CommandError when it cannot be opened.
   data::TUndoRedo& Journal();
   data::UserActionScope& Actions();
 

@@ -61,8 +61,10 @@ int UndoCommand::Run(Streams& streams) {
 }
 
 int UndoCommand::Step(Streams& streams) {
+  // The journal puts records back through the table objects of the program's registry.
   MasterDataSession session(ProgramTables(), data_dir_, false);
   data::TUndoRedo& journal = session.Journal();
+  if (!journal.RecoveryNote().empty()) streams.err << journal.RecoveryNote() << '\n';
   if (redo_ ? !journal.CanRedo() : journal.Empty()) {
     streams.err << (redo_ ? "Es gibt nichts wiederherzustellen\n"
                           : "Es gibt nichts rückgängig zu machen\n");
@@ -91,8 +93,17 @@ int UndoCommand::List(Streams& streams) {
   RequireDataDir(data_dir_);
   std::vector<std::string> undo;
   std::vector<std::string> redo;
-  // Looking must not create the files of a journal that does not exist yet.
-  if (AnyExists(data::TUndoRedo::PersistentFiles(data_dir_))) {
+  std::error_code missing;
+  if (std::filesystem::exists(data::TUndoRedo::PendingFile(data_dir_), missing)) {
+    // A step a killed process left is settled first: the list shows what undo finds.
+    MasterDataSession session(ProgramTables(), data_dir_, false);
+    undo = session.Journal().UndoCaptions();
+    redo = session.Journal().RedoCaptions();
+    if (!session.Journal().RecoveryNote().empty()) {
+      streams.err << session.Journal().RecoveryNote() << '\n';
+    }
+  } else if (AnyExists(data::TUndoRedo::PersistentFiles(data_dir_))) {
+    // Looking must not create the files of a journal that does not exist yet.
     const std::unique_ptr<data::TUndoRedo> journal =
         OpenJournal(data_dir_, data::TDamagedFile::kReport);
     undo = journal->UndoCaptions();

@@ -1,0 +1,155 @@
+// `korvan edit`, `korvan undo` and `korvan redo` killed at every write they make to the
+// journal or the data; afterwards the installation is used on as a user would, and the
+// journal must agree with the data: every acknowledged change is there, every step on
+// the stacks can be taken back and made again, and nothing the killed process did is
+// half there.
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "testing/run_korvan.h"
+#include "testing/temp_dir.h"
+
+namespace korvan::app {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Contains;
+using testing::ExpectKorvan;
+using testing::ProgramResult;
+
+constexpr int kKilled = 128 + SIGKILL;
+constexpr int kMostWrites = 60;  // far more than one edit, undo or redo makes
+
+// The pound's factor as `korvan list waehrung` shows it.
+std::string PoundFactor(const std::filesystem::path& base) {
+  const ProgramResult listing = ExpectKorvan({"list", "waehrung", "-d", base.string()}, 0);
+  std::istringstream lines(listing.out);
+  for (std::string line; std::getline(lines, line);) {
+    if (!Contains(line, "Pfund Sterling")) continue;
+    for (const char* factor : {"0,85", "1,11"}) {
+      if (Contains(line, factor)) return factor;
+    }
+    return line;
+  }
+  return "no pound in: " + listing.out;
+}
+
+// The number of steps `korvan undo --list` shows under `title`.
+int Steps(const std::string& listing, const std::string& title) {
+  const std::regex count(title + " \\((\\d+) Schritt");
+  std::smatch match;
+  return std::regex_search(listing, match, count) ? std::stoi(match[1]) : -1;
+}
+
+struct JournalState {
+  int undo = -1;
+  int redo = -1;
+  std::string pound;
+};
+
+// Runs one command with the test hook that kills it after `writes` writes.
+ProgramResult RunKilledAfter(int writes, const std::vector<std::string>& args) {
+  setenv("KORVAN_TEST_KILL_AFTER_WRITES", std::to_string(writes).c_str(), 1);
+  ProgramResult result = testing::RunKorvanBinary(args);
+  unsetenv("KORVAN_TEST_KILL_AFTER_WRITES");
+  return result;
+}
+
+class UndoCrash : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    Korvan(base_, {"demo"});
+    // Step "A": the Swiss franc's factor; it stays below every step the tests kill.
+    Korvan(base_, {"edit", "waehrung", "2", "Faktor=0,97"});
+  }
+  static ProgramResult Korvan(const fs::path& base, std::vector<std::string> args,
+                              int exit_code = 0) {
+    args.insert(args.end(), {"-d", base.string()});
+    return ExpectKorvan(args, exit_code);
+  }
+  // Step "B": the pound from 0,85 to 1,11.
+  void EditPound(const fs::path& base) {
+    Korvan(base, {"edit", "waehrung", "3", "Faktor=1,11"}, 0);
+  }
+  // A copy of the installation as it is now, for one killed run.
+  fs::path Copy(int run) {
+    const fs::path copy = dir_.path() / ("run" + std::to_string(run));
+    fs::remove_all(copy);
+    fs::copy(base_, copy, fs::copy_options::recursive);
+    return copy;
+  }
+  JournalState Look(const fs::path& base, bool check) {
+    JournalState state;
+    const ProgramResult listing = Korvan(base, {"undo", "--list"});
+    state.undo = Steps(listing.out, "Rückgängig machen");
+    state.redo = Steps(listing.out, "Wiederherstellen");
+    state.pound = PoundFactor(base);
+    if (check) Korvan(base, {"check"});
+    return state;
+  }
+
+  // Kills `args` after 0, 1, 2, ... writes until a run completes. After each kill the
+  // state must be `before` or `after` (nothing in between), and the step the stacks
+  // say is newest must be takable back (or, when there is none to take back, makable
+  // again) with the data following. The run that completes must leave `after`.
+  void KillAtEveryWrite(const std::vector<std::string>& args, const JournalState& before,
+                        const JournalState& after) {
+    bool completed = false;
+    for (int writes = 0; writes < kMostWrites && !completed; ++writes) {
+      SCOPED_TRACE("killed after " + std::to_string(writes) + " writes");
+      const fs::path copy = Copy(writes);
+      std::vector<std::string> call = args;
+      call.insert(call.end(), {"-d", copy.string()});
+      const ProgramResult run = RunKilledAfter(writes, call);
+      ASSERT_TRUE(run.exit_code == 0 || run.exit_code == kKilled) << run.out << run.err;
+      completed = run.exit_code == 0;
+      const JournalState state = Look(copy, writes % 3 == 0);
+      if (completed) {
+        EXPECT_EQ(state.pound, after.pound);
+        EXPECT_EQ(state.undo, after.undo);
+        EXPECT_EQ(state.redo, after.redo);
+      } else {
+        const bool done = state.pound == after.pound;
+        const JournalState& expected = done ? after : before;
+        EXPECT_EQ(state.pound, expected.pound);
+        EXPECT_EQ(state.undo, expected.undo) << "pound at " << state.pound;
+        EXPECT_EQ(state.redo, expected.redo) << "pound at " << state.pound;
+      }
+      // Going on: the newest step moves, and the data with it. Only "B" changes the
+      // pound; making a step again is always "B", taking one back leaves 0,85.
+      const bool redo = state.redo > 0;
+      Korvan(copy, {redo ? "redo" : "undo"});
+      EXPECT_EQ(PoundFactor(copy), redo ? "1,11" : "0,85");
+      fs::remove_all(copy);
+    }
+    EXPECT_TRUE(completed) << "the command never completed";
+  }
+
+  testing::TempDir dir_;
+  fs::path base_ = dir_.path() / "base";
+};
+
+TEST_F(UndoCrash, AKilledEditLeavesItsStepWholeOrNotAtAll) {
+  KillAtEveryWrite({"edit", "waehrung", "3", "Faktor=1,11"}, {1, 0, "0,85"}, {2, 0, "1,11"});
+}
+
+TEST_F(UndoCrash, AKilledUndoLeavesItsStepMovedWholeOrNotAtAll) {
+  EditPound(base_);
+  KillAtEveryWrite({"undo"}, {2, 0, "1,11"}, {1, 1, "0,85"});
+}
+
+TEST_F(UndoCrash, AKilledRedoLeavesItsStepMovedWholeOrNotAtAll) {
+  EditPound(base_);
+  Korvan(base_, {"undo"});
+  KillAtEveryWrite({"redo"}, {1, 1, "0,85"}, {2, 0, "1,11"});
+}
+
+}  // namespace
+}  // namespace korvan::app

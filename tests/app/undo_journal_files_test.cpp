@@ -1,0 +1,78 @@
+// The journal's files of an installation: they move with it, they are not left behind by
+// commands that record nothing, and an edit that changes nothing makes no step.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "testing/run_korvan.h"
+#include "testing/temp_dir.h"
+
+namespace korvan::app {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Contains;
+using testing::ProgramResult;
+
+ProgramResult Korvan(const fs::path& base, std::vector<std::string> args, int exit_code = 0,
+                     const std::vector<std::string>& parts = {}) {
+  args.insert(args.end(), {"-d", base.string()});
+  return testing::ExpectKorvan(args, exit_code, parts);
+}
+
+bool HasJournalFiles(const fs::path& base) {
+  return fs::exists(base / "UNDO.QUJ") || fs::exists(base / "REDO.QUJ") ||
+         fs::exists(base / "PENDING.QUJ");
+}
+
+TEST(UndoJournalFiles, ACopiedInstallationTakesItsStepsBackWhereItIsNow) {
+  testing::TempDir dir;
+  const fs::path original = dir.path() / "ava";
+  Korvan(original, {"demo"});
+  Korvan(original, {"edit", "waehrung", "3", "Faktor=1,11"});
+  Korvan(original, {"edit", "waehrung", "2", "Faktor=0,97"});
+  Korvan(original, {"undo"});
+
+  const fs::path moved = dir.path() / "elsewhere" / "ava";
+  fs::create_directories(moved.parent_path());
+  fs::copy(original, moved, fs::copy_options::recursive);
+  fs::remove_all(original);  // nothing of the old place may be needed
+
+  Korvan(moved, {"redo"}, 0, {"Wiederhergestellt: Bearbeiten"});
+  EXPECT_TRUE(Contains(Korvan(moved, {"list", "waehrung"}).out, "0,97"));
+  Korvan(moved, {"undo"});
+  Korvan(moved, {"undo"}, 0, {"Rückgängig gemacht: Bearbeiten"});
+  const std::string listing = Korvan(moved, {"list", "waehrung"}).out;
+  EXPECT_TRUE(Contains(listing, "0,85")) << listing;
+  EXPECT_TRUE(Contains(listing, "0,94")) << listing;
+  EXPECT_FALSE(fs::exists(original));
+}
+
+TEST(UndoJournalFiles, RefusedOrUnchangingEditsAndLookingLeaveNoJournal) {
+  testing::TempDir dir;
+  const fs::path base = dir.path() / "ava";
+  Korvan(base, {"demo"});
+  Korvan(base, {"edit", "waehrung", "99", "Faktor=1,11"}, 2);
+  Korvan(base, {"edit", "waehrung", "3", "Faktor=nichts"}, 2);
+  Korvan(base, {"undo"}, 1, {"Es gibt nichts rückgängig zu machen"});
+  Korvan(base, {"undo", "--list"});
+  EXPECT_FALSE(HasJournalFiles(base));
+
+  // The value the row already has: stored, but nothing to take back.
+  Korvan(base, {"edit", "waehrung", "3", "Faktor=0,85"}, 0, {"Zeile 3 gespeichert"});
+  Korvan(base, {"undo", "--list"}, 0, {"Rückgängig machen (0 Schritte"});
+  EXPECT_FALSE(HasJournalFiles(base));
+
+  Korvan(base, {"edit", "waehrung", "3", "Faktor=1,11"});
+  Korvan(base, {"edit", "waehrung", "3", "Faktor=1,11"});
+  Korvan(base, {"undo", "--list"}, 0, {"Rückgängig machen (1 Schritt"});
+  Korvan(base, {"undo"});
+  Korvan(base, {"redo"});
+  EXPECT_TRUE(fs::exists(base / "UNDO.QUJ"));
+  EXPECT_FALSE(fs::exists(base / "PENDING.QUJ"));
+}
+
+}  // namespace
+}  // namespace korvan::app
