@@ -88,6 +88,60 @@ void WriteFile(const fs::path& path, const std::string& bytes) {
   std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
 
+// The position of the `nth` record of table `letter` in the master data file (from 1).
+int64_t RecordPosition(const std::string& stamm, char letter, int nth) {
+  std::istringstream lines(testing::ExpectKorvan({"db", "dump", stamm}, 0).out);
+  int64_t position = 0;
+  int length = 0;
+  for (std::string type; lines >> position >> length >> type;) {
+    if (type == std::string(1, letter) && --nth == 0) return position;
+  }
+  ADD_FAILURE() << "no record " << nth << " of " << letter;
+  return 0;
+}
+
+// A list that cannot show every record of its table says so and where the damage is,
+// instead of showing a shorter list.
+TEST_F(ListEditUndo, ListOfADamagedTableReportsTheDamageAndExitsWithOne) {
+  const fs::path data_file = stamm_ + "0";
+  const fs::path key_file = stamm_ + "1";
+  const std::string data = ReadFile(data_file);
+  const std::string keys = ReadFile(key_file);
+  const int64_t second = RecordPosition(stamm_, 'W', 2);
+  struct Case {
+    const char* name;
+    int64_t offset;  // into the data file; -1: the key file is cut short
+    std::string bytes;
+    std::vector<std::string> named;
+  };
+  const Case cases[] = {
+      {"record with a foreign type letter",
+       second + 4,
+       "X",
+       {"Position " + std::to_string(second), data_file.string(), "beschädigt"}},
+      {"record with a length that fits no record",
+       second,
+       std::string("\x05\0\0\0", 4),
+       {"Position " + std::to_string(second), data_file.string(), "beschädigt"}},
+      {"key file cut short", -1, "", {key_file.string(), "beschädigt"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    if (c.offset < 0) {
+      WriteFile(key_file, keys.substr(0, 2048));
+    } else {
+      testing::PatchFile(data_file, c.offset, c.bytes);
+    }
+    std::vector<std::string> named = c.named;
+    named.insert(named.end(), {"DB_Stamm", "korvan rebuild"});
+    const ProgramResult listed = Korvan({"list", "waehrung"}, 1, named);
+    EXPECT_TRUE(listed.out.empty()) << listed.out;
+    WriteFile(data_file, data);
+    WriteFile(key_file, keys);
+  }
+  Korvan({"list", "waehrung"}, 0, {"Schweizer Franken"});
+}
+
 TEST_F(ListEditUndo, ListShowsTheStepsAndClearEmptiesTheJournal) {
   // Nothing recorded yet: the list is empty and looking creates no files.
   Korvan({"undo", "--list"}, 0, {"Rückgängig machen (0 Schritte"});

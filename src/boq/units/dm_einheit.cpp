@@ -84,7 +84,7 @@ void TdmEinheit::CData1C_OnStrukturLesen(TCData&, std::vector<TCDataRow>& rows, 
   for (bool found = table_.GetFirstKey("", '1'); found; found = table_.GetNextKey()) {
     rows.push_back(TCDataRow{.Key = KeyOf(table_.Rec().IdLang, table_.Rec().IdEinheit)});
   }
-  rmax = static_cast<int>(rows.size());
+  rmax = CheckedRowCount(static_cast<int>(rows.size()));
 }
 
 void TdmEinheit::CData1C_OnGetDaten(TCData& sender, int z, TStringList& t, bool&, char&, char&) {

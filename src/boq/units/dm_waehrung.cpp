@@ -87,7 +87,7 @@ void TdmWaehrung::CData1C_OnStrukturLesen(TCData&, std::vector<TCDataRow>& rows,
   for (bool found = table_.GetFirstKey("", '1'); found; found = table_.GetNextKey()) {
     rows.push_back(TCDataRow{.Key = KeyNumber(table_.Rec().ID)});
   }
-  rmax = static_cast<int>(rows.size());
+  rmax = CheckedRowCount(static_cast<int>(rows.size()));
 }
 
 void TdmWaehrung::CData1C_OnGetDaten(TCData& sender, int z, TStringList& t, bool&, char&, char&) {

@@ -5,6 +5,7 @@
 
 #include "data/common/cp1252.h"
 #include "data/common/date_time.h"
+#include "data/integrity/table_damage.h"
 #include "data/tables/concurrency_question.h"
 #include "storage/record_header.h"
 #include "storage/result_codes.h"
@@ -26,6 +27,11 @@ std::string TTableListModule::CheckValue(int column, std::string_view value) con
 bool TTableListModule::Refuse(std::string message) {
   last_error_ = std::move(message);
   return false;
+}
+
+int TTableListModule::CheckedRowCount(int rows) {
+  last_error_ = DescribeTableDamage(table_, rows);
+  return last_error_.empty() ? rows : -1;
 }
 
 bool TTableListModule::CheckRow(const TCData& sender, TStringList& t) {

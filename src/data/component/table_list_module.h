@@ -30,6 +30,12 @@ class TTableListModule : public TSTDdataModule {
   void CData1C_OnDeleteZeile(TCData&, int, const std::string& key, TOnDeleteMode,
                              bool& ok) override;
 
+  // The row count to report after the rows were read by a walk over the table's primary
+  // index: `rows`, or -1 with LastError() saying where the table is damaged when the walk
+  // failed or found fewer records than the data file holds, so that no list is shown
+  // that silently lacks rows.
+  int CheckedRowCount(int rows);
+
   // The unique key ("1") of the record a row of checked values describes.
   virtual std::string RowKey(const TStringList& t) const = 0;
   // Why a row cannot take a key another record already has.

@@ -163,6 +163,7 @@ int TStdTB::Fail(std::string_view operation, int code) {
 void TStdTB::FailWithText(int code, const std::string& text) {
   nLastError = code;
   FLastErrorText = text;
+  FFailedPosition = -1;
   FDbOwner.ShowError(text);
 }
 
@@ -209,7 +210,10 @@ int TStdTB::ReadStored(int32_t position, StoredRecord& stored, const char* funct
 
 bool TStdTB::GetRec(int32_t position) {
   StoredRecord stored;
-  if (ReadStored(position, stored, "GetRec") != kOk) return false;
+  if (ReadStored(position, stored, "GetRec") != kOk) {
+    FFailedPosition = position;
+    return false;
+  }
   FCurrentRecord = std::move(stored.current);
   FLastReadConverted = stored.converted;
   FLastRecord = FCurrentRecord;

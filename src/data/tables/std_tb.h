@@ -157,6 +157,9 @@ class TStdTB {
   const std::string& FilterResultKey() const { return sFilterResultKey; }
   int LastError() const { return nLastError; }
   const std::string& LastErrorText() const { return FLastErrorText; }
+  // Where the record lies whose read failed last; -1 when the last failure was no read
+  // of a record (a key walk, a write).
+  int32_t FailedPosition() const { return FFailedPosition; }
   int TBRealRecLen() const { return FTBRealRecLen; }
 
   // All keys of a record.
@@ -204,6 +207,7 @@ class TStdTB {
   std::string FLockedName;
   int nLastError = 0;
   std::string FLastErrorText;
+  int32_t FFailedPosition = -1;
   std::string sUniqueResultKey;
   std::string sFilterResultKey;
 

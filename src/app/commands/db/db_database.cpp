@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/cli/command_error.h"
+#include "data/common/result_code_text.h"
 #include "storage/db_error_translate.h"
 #include "storage/db_kernel.h"
 #include "storage/file/file_names.h"
@@ -18,21 +19,6 @@ namespace {
 // the library type "G" makes the kernel treat the files as an ordinary database.
 constexpr char kAnyDatabaseType = 'T';
 
-// Codes below the kernel's own range come from the key file layer and the block cache.
-const std::pair<int, const char*> kKeyLayerTexts[] = {
-    {storage::kBlockBeyondEnd, "key file shorter than the block it should hold"},
-    {storage::kNoBlocksFree, "block cache too small"},
-    {storage::kKeyLengthOutOfRange, "key length out of range or key file header unusable"},
-    {storage::kKeyFileNearlyFull, "key file nearly full"},
-    {storage::kKeyFileFull, "key file full"},
-    {storage::kKeyDuplicate, "duplicate key"},
-    {storage::kKeyIndexEmpty, "key file empty"},
-    {storage::kKeyNotFoundOnDelete, "key not found"},
-    {storage::kKeyNoMatch, "no matching key"},
-    {storage::kKeyFileCorrupt, "key file damaged: corrupt node or wrong header"},
-    {storage::kKeyFileUnknownVersion, "unknown key file version"},
-};
-
 bool IsKeyFileCode(int code) {
   return code == storage::kDkKeyFileMissing || code < storage::kDkInvalidHandle;
 }
@@ -40,10 +26,7 @@ bool IsKeyFileCode(int code) {
 }  // namespace
 
 std::string ResultCodeText(int code) {
-  for (const auto& [known, text] : kKeyLayerTexts) {
-    if (known == code) return std::to_string(code) + " (" + text + ")";
-  }
-  return std::to_string(code) + " (" + storage::KernelErrorTranslate().GetErrorString(code) + ")";
+  return data::ResultCodeText(code);
 }
 
 std::string FileOfOpenFailure(const std::string& base_path, int code) {

@@ -10,7 +10,13 @@ std::unique_ptr<data::TTableListModule> MakeDataModule(const data::TTableRegistr
   if (factory == nullptr) return nullptr;
   std::unique_ptr<data::TTableListModule> module = (*factory)(db);
   if (!module->Loaded()) {
-    throw CommandError("die Liste kann nicht gelesen werden: " + module->CData1.LastError());
+    const std::string& damage = module->LastError();
+    if (damage.empty()) {
+      throw CommandError("die Liste kann nicht gelesen werden: " + module->CData1.LastError());
+    }
+    throw CommandError("die Liste kann nicht gelesen werden: " + damage +
+                       "\n\"korvan check\" zeigt, was beschädigt ist; \"korvan rebuild\" baut "
+                       "die Datenbank aus ihrer Datendatei neu auf.");
   }
   return module;
 }
