@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -425,6 +426,41 @@ TEST(CheckRebuildCommand, CheckReportsInDryRunAndRepairsOtherwise) {
       ExpectKorvan({"check", "-d", base.string(), "--group", "DB_Stamm"}, 0, {"TB: TTbWaehrung"});
   EXPECT_FALSE(Contains(group.out, "DB_Lv")) << group.out;
   ExpectKorvan({"check", "-d", dir.File("leer")}, 1, {dir.File("leer")});
+}
+
+// A record whose primary key another record of its table already has, as a crash
+// between a record and its keys can leave it: the check finds fewer keys than records and
+// advises a rebuild; the rebuild keeps the first record, sets the other aside in a file
+// beside the database, says where, and the check passes afterwards.
+TEST(CheckRebuildCommand, RebuildResolvesADuplicatePrimaryKeyAndKeepsTheOtherRecord) {
+  korvan::testing::TempDir dir;
+  const fs::path base = MakeInstallation(dir);
+  const data::DatabaseFile stamm = Stamm(base);
+  const int32_t at = CurrencyPosition(base, 41);
+  const std::string data = testing::ReadFile(stamm.DataFileName());
+  int32_t length = 0;
+  std::memcpy(&length, data.data() + at, sizeof length);
+  const std::string twin = data.substr(static_cast<size_t>(at), static_cast<size_t>(length));
+  testing::PatchFile(stamm.DataFileName(), static_cast<int64_t>(data.size()), twin);
+
+  ExpectKorvan({"check", "-d", base.string(), "--dry-run"}, 1, {"RecordCount"});
+  const ProgramResult rebuilt = ExpectKorvan(
+      {"rebuild", "-d", base.string()}, 0,
+      {"Position " + std::to_string(data.size()), "doppelt", "wie Position " + std::to_string(at)});
+  std::vector<fs::path> set_aside;
+  for (const auto& entry : fs::directory_iterator(stamm.directory())) {
+    if (Contains(entry.path().filename().string(), "Doppelt")) set_aside.push_back(entry.path());
+  }
+  ASSERT_EQ(set_aside.size(), 1u) << rebuilt.out;
+  EXPECT_TRUE(Contains(rebuilt.out, set_aside.front().string())) << rebuilt.out;
+  EXPECT_EQ(testing::ReadFile(set_aside.front()), twin);
+  ExpectKorvan({"check", "-d", base.string()}, 0, {" 0 Problem(e)"});
+  ExpectEveryDatabaseSound(base, "after the rebuild");
+
+  // Nothing left to resolve: the next rebuild sets nothing aside.
+  const ProgramResult again = ExpectKorvan({"rebuild", "-d", base.string()}, 0);
+  EXPECT_FALSE(Contains(again.out, "doppelt")) << again.out;
+  ExpectKorvan({"check", "-d", base.string()}, 0);
 }
 
 TEST(CheckRebuildCommand, ReorgCopiesEverythingWithBackupAndKeepsTheOriginalsOnFailure) {

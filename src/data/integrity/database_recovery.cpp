@@ -16,6 +16,7 @@
 #include <stdexcept>
 
 #include "data/common/message_format.h"
+#include "data/common/stamped_path.h"
 #include "data/integrity/duplicate_guids.h"
 #include "data/tables/table_key.h"
 #include "storage/db_error_translate.h"
@@ -264,6 +265,7 @@ class DatabaseCopier {
       }
       renewed = guids_.ReplaceDuplicateGUIDs(*table, record.bytes, record.position, report_.lines);
       if (renewed) KeysOf(*table, *renewed, copied.keys);
+      if (IsDuplicate(record, copied.keys)) return;
       copied.has_keys = true;
       ++report_.records_with_keys;
     } else {
@@ -286,6 +288,50 @@ class DatabaseCopier {
     end += static_cast<int64_t>(bytes.size());
     ++report_.records_copied;
     records_.push_back(std::move(copied));
+  }
+
+  // Whether another record copied before holds one of the record's unique keys. Such a
+  // record is set aside: the first one keeps the key, so that every unique key leads to
+  // one record again, and the other is written to a file beside the database, where the
+  // user finds it, instead of being dropped.
+  bool IsDuplicate(const ScannedRecord& record, const TRecordKeys& keys) {
+    for (size_t i = 0; i < keys.keys.size(); ++i) {
+      if (!keys.entered[i] || !keys.unique[i]) continue;
+      const auto first = unique_keys_.find(keys.keys[i]);
+      if (first == unique_keys_.end()) continue;
+      SetAside(record, keys.keys[i][0], keys.IndexChar(i), first->second);
+      return true;
+    }
+    for (size_t i = 0; i < keys.keys.size(); ++i) {
+      if (keys.entered[i] && keys.unique[i]) unique_keys_.emplace(keys.keys[i], record.position);
+    }
+    return false;
+  }
+
+  void SetAside(const ScannedRecord& record, char table, char index, int32_t first_position) {
+    if (set_aside_file_.empty()) {
+      set_aside_file_ =
+          NewStampedPath(directory_, fs::path(base_).filename().string() + "0.Doppelt_", ".dat")
+              .string();
+    }
+    set_aside_.insert(set_aside_.end(), record.bytes.begin(), record.bytes.end());
+    ++report_.records_set_aside;
+    report_.lines.push_back(
+        Printf("Datensatz an Position %d: Schlüssel %c%c doppelt (wie Position "
+               "%d), beiseitegelegt in \"%s\"",
+               record.position, table, index, first_position, set_aside_file_.c_str()));
+  }
+
+  // The records set aside, as they were in the data file (each with its length field
+  // first), written and synced before the old files are replaced.
+  void WriteSetAside() {
+    if (set_aside_.empty()) return;
+    UniqueFd fd(::open(set_aside_file_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+    if (!fd.valid() || !WriteFully(fd.get(), 0, set_aside_.data(), set_aside_.size()) ||
+        ::fsync(fd.get()) != 0 || fd.Close() != 0) {
+      throw std::runtime_error(SystemError("Schreiben fehlgeschlagen", set_aside_file_));
+    }
+    SyncDirectory(directory_);
   }
 
   void NotValid(const ScannedRecord& record, char letter) {
@@ -321,6 +367,7 @@ class DatabaseCopier {
     if (::fsync(fd.get()) != 0 || fd.Close() != 0) {
       return Fail(SystemError("Schreiben fehlgeschlagen", temp_data));
     }
+    WriteSetAside();
     return true;
   }
 
@@ -376,6 +423,9 @@ class DatabaseCopier {
   std::map<char, std::unique_ptr<TStdTB>> tables_;
   TDuplicateGuidReplacer guids_;
   std::vector<CopiedRecord> records_;
+  std::map<std::string, int32_t> unique_keys_;  // unique key -> position of its record
+  std::vector<uint8_t> set_aside_;              // records with a unique key taken already
+  std::string set_aside_file_;
   DatabaseRebuild& report_;
 };
 

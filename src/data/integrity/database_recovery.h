@@ -14,7 +14,9 @@
 // after a crash. A rebuild therefore never reads the key file: it walks the data
 // file's blocks, copies every live record into a fresh database "DB_TEMP" of the same
 // type in the same directory (so free space disappears), enters each record's keys
-// through its table class, and replaces the old files atomically:
+// through its table class, and replaces the old files atomically. A record whose unique
+// key an earlier record of the file holds already is not copied but set aside, as it was
+// stored, in a file "<data file>.Doppelt_<time>.dat" beside the database:
 //
 //   1. DB_TEMP.Q<t>0/1 are written completely and synced, with the directory.
 //   2. The old files are kept as backups "<file>.bak" (hard links, else copies).
@@ -62,6 +64,7 @@ struct DatabaseRebuild {
   int records_without_keys = 0;    // of table letters no class is registered for
   int records_not_valid = 0;       // not taken over (kept in the backup)
   int keys_not_entered = 0;        // duplicates in unique indexes
+  int records_set_aside = 0;       // second holders of a unique key, kept in a file beside
   int64_t bytes_lost = 0;          // of the data file past the last whole block
   bool replaced = false;           // the new files are in place
   bool backup_kept = false;        // "<file>.bak" still holds the old files
