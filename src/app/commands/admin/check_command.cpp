@@ -49,9 +49,14 @@ class ProgressLine {
   bool used_ = false;
 };
 
-std::string LogText(const data::TDataIntegrity& run) {
+// The log of the run: of every table when `verbose`, else of the tables with findings.
+std::string LogText(const data::TDataIntegrity& run, bool verbose) {
+  std::vector<data::TDiLogItem> shown;
+  for (const data::TDiLogItem& item : run.GetLogItems()) {
+    if (verbose || item.FRecordCountDiffers || !item.FDISubItems.empty()) shown.push_back(item);
+  }
   std::ostringstream text;
-  run.AddLogToStream(text);
+  data::AddLogToStream(shown, text);
   std::string lines = text.str();
   // On the terminal lines end the local way.
   std::erase(lines, '\r');
@@ -100,7 +105,7 @@ void MaintenanceTarget::RequireNoOtherUsers(const std::vector<const data::Databa
   }
 }
 
-int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group,
+int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group, bool verbose,
              Streams& streams) {
   const MaintenanceTarget target(base_dir, group);
   data::TdmDataRebuild rebuild(target.files(), target.Me(), ProgramTables());
@@ -112,11 +117,13 @@ int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group
   int problems = rebuild.IntegrityCheck(run, dry_run, group);
   progress.End();
   for (const std::string& line : rebuild.RecoveryLines()) streams.out << line << "\n";
-  streams.out << LogText(run);
+  streams.out << LogText(run, verbose);
   const fs::path log_file = run.AddLogToFile(target.SysFolder());
-  streams.out << run.RecordsChecked() << " Record(s) untersucht, " << problems << " Problem(e)"
-              << (dry_run ? " (Trockenlauf)" : "") << "\n";
-  streams.out << "Protokoll: " << log_file.string() << "\n";
+  streams.out << run.GetLogItems().size() << " Tabellen in " << rebuild.ExistingFiles(group).size()
+              << " Datenbanken geprüft: " << run.RecordsChecked() << " Record(s) untersucht, "
+              << problems << " Problem(e)" << (dry_run ? " (Trockenlauf)" : "") << "\n";
+  streams.out << "Protokoll: " << log_file.string()
+              << (verbose ? "" : " (alle Tabellen: --verbose)") << "\n";
   if (!dry_run && problems > 0) {
     // Repairs are problems of the first run; what remains is what a second look finds.
     data::TDataIntegrity again(rebuild.Registry());
@@ -132,12 +139,13 @@ int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group
 
 void CheckCommand::Define(CLI::App& app) {
   AddDataDirOption(app, data_dir_);
-  app.add_flag("--dry-run", dry_run_, "only report, change nothing");
-  app.add_option("--group", group_, "only the databases of this group (e.g. DB_Stamm)");
+  app.add_flag("--dry-run", dry_run_, "nur berichten, nichts ändern");
+  app.add_option("--group", group_, "nur die Datenbanken dieser Gruppe (z. B. DB_Stamm)");
+  app.add_flag("--verbose", verbose_, "zeigt jede geprüfte Tabelle, nicht nur die mit Befunden");
 }
 
 int CheckCommand::Run(Streams& streams) {
-  return RunCheck(data_dir_, dry_run_, group_, streams);
+  return RunCheck(data_dir_, dry_run_, group_, verbose_, streams);
 }
 
 }  // namespace korvan::app

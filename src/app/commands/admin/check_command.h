@@ -40,13 +40,14 @@ class MaintenanceTarget {
 // `korvan check [-d DIR] [--dry-run] [--group G]`: the integrity check over the
 // installation's databases. Prints the log and writes it to "SYS/Integrity_*.log";
 // the result is kExitFailure when problems remain.
-int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group, Streams& streams);
+int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group, bool verbose,
+             Streams& streams);
 
 class CheckCommand : public Command {
  public:
   std::string Name() const override { return "check"; }
   std::string Summary() const override {
-    return "check the data of an installation against the rules of its tables and repair";
+    return "prüft die Daten einer Installation gegen die Regeln ihrer Tabellen und repariert";
   }
   void Define(CLI::App& app) override;
   int Run(Streams& streams) override;
@@ -55,6 +56,7 @@ class CheckCommand : public Command {
   std::string data_dir_;
   std::string group_;
   bool dry_run_ = false;
+  bool verbose_ = false;
 };
 
 }  // namespace korvan::app
