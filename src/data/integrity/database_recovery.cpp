@@ -273,9 +273,7 @@ class DatabaseCopier {
       // class, and dropping it would lose data a newer program version may own. The
       // integrity check reports such records per type letter.
       ++report_.records_without_keys;
-      report_.lines.push_back(
-          Printf("Datensatz an Position %d: Tabelle \"%c\" unbekannt, ohne Schlüssel übernommen",
-                 record.position, letter));
+      unknown_tables_.try_emplace(letter, UnknownTable{record.position, 0}).first->second.count++;
     }
     const std::vector<uint8_t>& bytes = renewed ? *renewed : record.bytes;
     if (end + static_cast<int64_t>(bytes.size()) >= 2147483647) {
@@ -356,6 +354,12 @@ class DatabaseCopier {
     const DataFileScan scan =
         ScanDataFile(storage::DataFileName(base_),
                      [&](const ScannedRecord& record) { Take(record, fd.get(), end); });
+    for (const auto& [letter, table] : unknown_tables_) {
+      report_.lines.push_back(
+          Printf("Tabelle \"%c\" unbekannt: %d Datensätze ohne Schlüssel "
+                 "übernommen (der erste an Position %d)",
+                 letter, table.count, table.first_position));
+    }
     if (!scan.Complete()) {
       report_.bytes_lost = scan.file_size - scan.end_of_blocks;
       report_.lines.push_back(
@@ -423,8 +427,13 @@ class DatabaseCopier {
   std::map<char, std::unique_ptr<TStdTB>> tables_;
   TDuplicateGuidReplacer guids_;
   std::vector<CopiedRecord> records_;
-  std::map<std::string, int32_t> unique_keys_;  // unique key -> position of its record
-  std::vector<uint8_t> set_aside_;              // records with a unique key taken already
+  struct UnknownTable {
+    int32_t first_position;
+    int count;
+  };
+  std::map<char, UnknownTable> unknown_tables_;  // records of letters no class is known for
+  std::map<std::string, int32_t> unique_keys_;   // unique key -> position of its record
+  std::vector<uint8_t> set_aside_;               // records with a unique key taken already
   std::string set_aside_file_;
   DatabaseRebuild& report_;
 };
