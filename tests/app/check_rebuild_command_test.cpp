@@ -16,6 +16,7 @@
 #include <optional>
 #include <random>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -422,8 +423,8 @@ TEST(CheckRebuildCommand, CheckReportsInDryRunAndRepairsOtherwise) {
   ExpectKorvan({"check", "-d", base.string()}, 0, {" 0 Problem(e)"});
   ExpectEveryDatabaseSound(base, "after the repair");
 
-  const ProgramResult group =
-      ExpectKorvan({"check", "-d", base.string(), "--group", "DB_Stamm"}, 0, {"TB: TTbWaehrung"});
+  const ProgramResult group = ExpectKorvan(
+      {"check", "-d", base.string(), "--group", "DB_Stamm", "--verbose"}, 0, {"TB: TTbWaehrung"});
   EXPECT_FALSE(Contains(group.out, "DB_Lv")) << group.out;
   ExpectKorvan({"check", "-d", dir.File("leer")}, 1, {dir.File("leer")});
 }
@@ -461,6 +462,66 @@ TEST(CheckRebuildCommand, RebuildResolvesADuplicatePrimaryKeyAndKeepsTheOtherRec
   const ProgramResult again = ExpectKorvan({"rebuild", "-d", base.string()}, 0);
   EXPECT_FALSE(Contains(again.out, "doppelt")) << again.out;
   ExpectKorvan({"check", "-d", base.string()}, 0);
+}
+
+size_t LineCount(const std::string& text) {
+  return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+// The check shows its findings and a summary; every table only with --verbose and in the
+// log file.
+TEST(CheckRebuildCommand, CheckShowsFindingsAndASummaryAndDetailsWhenVerbose) {
+  korvan::testing::TempDir dir;
+  const fs::path base = MakeInstallation(dir);
+  const ProgramResult sound = ExpectKorvan({"check", "-d", base.string()}, 0,
+                                           {" Record(s) untersucht, 0 Problem(e)", "Protokoll: "});
+  EXPECT_LE(LineCount(sound.out), 4u) << sound.out;
+  EXPECT_FALSE(Contains(sound.out, "TB: ")) << sound.out;
+  const ProgramResult verbose =
+      ExpectKorvan({"check", "-d", base.string(), "--verbose"}, 0,
+                   {"TB: TTbWaehrung", "TB: TTbEinheit", " Record(s) untersucht, 0 Problem(e)"});
+  EXPECT_GT(LineCount(verbose.out), 20u);
+
+  testing::PatchFile(Stamm(base).DataFileName(), CurrencyPosition(base, 41) + kKzBasisOffset,
+                     "\x07");
+  const ProgramResult finding =
+      ExpectKorvan({"check", "-d", base.string(), "--dry-run"}, 1,
+                   {"TB: TTbWaehrung", "CharSelektor: kzBasis='", " 1 Problem(e)"});
+  EXPECT_FALSE(Contains(finding.out, "TB: TTbEinheit")) << finding.out;
+  EXPECT_LE(LineCount(finding.out), 14u) << finding.out;
+}
+
+// Records of a table letter no class knows are summed up per letter; the backups a rebuild
+// keeps are named as they are on disk.
+TEST(CheckRebuildCommand, RebuildSumsUpUnknownTablesAndNamesItsBackupsAsOnDisk) {
+  korvan::testing::TempDir dir;
+  const fs::path base = MakeInstallation(dir);
+  const std::string data_file = Stamm(base).DataFileName();
+  const int32_t dollar = CurrencyPosition(base, 1);
+  const int32_t franc = CurrencyPosition(base, 41);
+  const int32_t pound = CurrencyPosition(base, 44);
+  testing::PatchFile(data_file, franc + 4, "Q");
+  testing::PatchFile(data_file, pound + 4, "Q");
+  testing::PatchFile(data_file, dollar + 4, "#");  // not valid: the old files are kept
+
+  const ProgramResult rebuilt = ExpectKorvan({"rebuild", "-d", base.string()}, 0,
+                                             {"\"Q\"", "2 Datensätze", "bleiben als \""});
+  size_t lines_on_q = 0;
+  std::istringstream lines(rebuilt.out);
+  for (std::string line; std::getline(lines, line);) {
+    if (Contains(line, "\"Q\"")) ++lines_on_q;
+  }
+  EXPECT_EQ(lines_on_q, 1u) << rebuilt.out;
+  const size_t at = rebuilt.out.find("bleiben als \"");
+  std::istringstream named(rebuilt.out.substr(at));
+  std::string first, second;
+  std::getline(named, first, '"');  // the text before the first name
+  std::getline(named, first, '"');
+  std::getline(named, second, '"');  // " und "
+  std::getline(named, second, '"');
+  EXPECT_TRUE(fs::exists(first)) << first << " in " << rebuilt.out;
+  EXPECT_TRUE(fs::exists(second)) << second << " in " << rebuilt.out;
+  EXPECT_EQ(testing::ReadFile(first).substr(static_cast<size_t>(dollar + 4), 1), "#");
 }
 
 TEST(CheckRebuildCommand, ReorgCopiesEverythingWithBackupAndKeepsTheOriginalsOnFailure) {

@@ -17,6 +17,56 @@ TEST(CommandLine, HelpAndVersion) {
   EXPECT_EQ(testing::ExpectKorvan({"--version"}, 0).out.rfind("korvan ", 0), 0u);
 }
 
+// Words of the command-line library's own English texts that must not reach the user.
+const char* const kEnglish[] = {"The following",   "is required",   "Expected",
+                                "not in range",    "excludes",      "Usage",
+                                "OPTIONS",         "SUBCOMMAND",    "Positionals",
+                                "Options:",        "Subcommands:",  "Print this help",
+                                "Display program", "show the help", "database type letter",
+                                "only report"};
+
+void ExpectGerman(const std::string& text, const std::string& call) {
+  for (const char* english : kEnglish) {
+    EXPECT_FALSE(Contains(text, english)) << call << ": \"" << english << "\" in\n" << text;
+  }
+}
+
+// Wrong calls are answered in German and name the culprit; help texts are German.
+TEST(CommandLine, ArgumentErrorsAndHelpTextsAreGerman) {
+  testing::TempDir dir;
+  const std::string db = dir.File("t");
+  struct Case {
+    std::vector<std::string> args;
+    std::vector<std::string> named;
+  };
+  const Case cases[] = {
+      {{"demo", "--bogus"}, {"--bogus", "nicht erwartet"}},
+      {{"list"}, {"modul", "fehlt"}},
+      {{"db", "frobnicate", db}, {"frobnicate", "create", "shell"}},
+      {{"db"}, {"Unterbefehl", "create"}},
+      {{"db", "create", db, "--keylen", "20"}, {"--type", "fehlt"}},
+      {{"db", "create", db, "--type", "T", "--keylen", "11"}, {"--keylen", "11"}},
+      {{"db", "create", db, "--type"}, {"--type"}},
+      {{"undo", "--list", "--clear"}, {"--list", "--clear"}},
+  };
+  for (const Case& c : cases) {
+    std::string call;
+    for (const std::string& arg : c.args) call += arg + " ";
+    const testing::ProgramResult result = RunKorvanBinary(c.args);
+    EXPECT_EQ(result.exit_code, 2) << call << ": " << result.err;
+    ExpectGerman(result.err, call);
+    for (const std::string& name : c.named) {
+      EXPECT_TRUE(Contains(result.err, name)) << call << ": " << name << " in " << result.err;
+    }
+  }
+  const std::string help = testing::ExpectKorvan({"--help"}, 0, {"Aufruf", "Befehle"}).out;
+  ExpectGerman(help, "--help");
+  for (const char* command : {"demo", "db", "check", "list", "edit", "undo", "config"}) {
+    ExpectGerman(testing::ExpectKorvan({"help", command}, 0, {"Aufruf"}).out, command);
+  }
+  ExpectGerman(testing::ExpectKorvan({"db", "create", "--help"}, 0, {"--keylen"}).out, "db create");
+}
+
 // Every wrong call exits with 2, names what was wrong (where there is a culprit) and
 // changes nothing in the installation.
 TEST(CommandLine, WrongCallsExitWithTwoNameTheCulpritAndChangeNothing) {

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "storage/db_kernel.h"
+#include "storage/result_codes.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 
@@ -40,15 +42,15 @@ TEST(DbCommand, ShellMadeDatabaseIsDescribedByInfoDumpKeysAndCheck) {
   const std::string base = BuildDatabase(dir, "t");
 
   ExpectKorvan({"db", "info", base}, 0,
-               {"key length: 20\n", "records: 2\n", "keys: 3 (2 table keys, 1 free-space keys)\n",
-                "free blocks: 1\n"});
-  EXPECT_EQ(RunKorvanBinary({"db", "dump", base}).out, "80 58 A\n138 51 free\n189 148 C\n");
+               {"Schlüssellänge: 20\n", "Datensätze: 2\n",
+                "Schlüssel: 3 (2 Tabellenschlüssel, 1 Freiplatzschlüssel)\n", "freie Blöcke: 1\n"});
+  EXPECT_EQ(RunKorvanBinary({"db", "dump", base}).out, "80 58 A\n138 51 frei\n189 148 C\n");
   EXPECT_EQ(
       RunKorvanBinary({"db", "keys", base}).out,
       "80 Aone" + Pads(16) + "\n189 Cthree" + Pads(14) + "\n138 ~         51" + Pads(8) + "\n");
   const ProgramResult check = RunKorvanBinary({"db", "check", base});
   EXPECT_EQ(check.exit_code, 0) << check.out << check.err;
-  EXPECT_EQ(check.out, base + ": no problems found\n");
+  EXPECT_EQ(check.out, base + ": keine Probleme gefunden\n");
 
   // Keys that lead nowhere and a free block without its free-space key.
   const ProgramResult shell = RunKorvanBinary(
@@ -60,7 +62,7 @@ TEST(DbCommand, ShellMadeDatabaseIsDescribedByInfoDumpKeysAndCheck) {
       {"db", "check", base}, 1,
       {base + "0: block at 138: free block of 51 bytes has 0 free-space keys\n",
        base + "0: free-space key at 189 names no free block\n",
-       base + "1: key Xlost" + Pads(15) + " points to 138, where no live record starts\n"});
+       base + "1: Schlüssel Xlost" + Pads(15) + " zeigt auf 138, wo kein Datensatz beginnt\n"});
 }
 
 TEST(DbCommand, FailuresExitWithOneAndNameTheFile) {
@@ -75,6 +77,21 @@ TEST(DbCommand, FailuresExitWithOneAndNameTheFile) {
       ExpectKorvan({"db", "shell", base}, 1, {}, "insert A 1 zz\nflush\n");
   EXPECT_EQ(bad_shell.out.substr(0, 7), "error: ");
   EXPECT_TRUE(Contains(bad_shell.out, "\nok\n"));
+}
+
+// A database another program holds open for writing: the message says what happened, and
+// claims no wait that did not happen.
+TEST(DbCommand, ADatabaseOpenedExclusivelyElsewhereIsReportedAsSuch) {
+  testing::TempDir dir;
+  const std::string base = BuildDatabase(dir, "t");
+  int handle = 0;
+  ASSERT_EQ(storage::iDK_DbOpen('T', base, true, false, &handle), storage::kOk);
+  const ProgramResult refused = ExpectKorvan(
+      {"db", "shell", base}, 1, {base + "0: 4319 (", "anderes Programm", "exklusiv geöffnet"}, "");
+  EXPECT_FALSE(Contains(refused.err, "gewartet")) << refused.err;
+  EXPECT_FALSE(Contains(refused.err, "Schreibengeöffnet")) << refused.err;
+  storage::iDK_DbClose(handle);
+  ExpectKorvan({"db", "info", base}, 0);
 }
 
 TEST(DbCommand, DamagedFilesGiveAClearErrorNamingTheFileNeverACrash) {

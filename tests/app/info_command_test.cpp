@@ -51,7 +51,7 @@ TEST(InfoCommand, ReportsEachDamagedDatabaseOrAMissingInstallation) {
   ExpectKorvan(
       {"info", "-d", base.string()}, 1,
       {(base / "PROJEKTE/Beispiel/DB_Lv.QA0").string() + ": ",
-       (base / "STAMMDATEN/DB_KR.QR0").string() + ": block at",
+       (base / "STAMMDATEN/DB_KR.QR0").string() + ": Block an Position",
        (base / "BLOCKDATEN/DB_Kat.QB0").string() + ": Schlüsseldatei fehlt",
        "  O  PROJEKTE/Beispiel/DB_Lv.QA0: FEHLER: ", "  Y  SYSTEM/SYS/DB_CONTRO.QI0: 0 Datensätze",
        "Summe: 39 Datenbanken, 0 Datensätze, ", ", 3 nicht lesbar\n"});

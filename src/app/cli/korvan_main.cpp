@@ -8,6 +8,8 @@
 
 #include "app/cli/command.h"
 #include "app/cli/command_error.h"
+#include "app/cli/german_help.h"
+#include "app/cli/parse_error_text.h"
 
 #ifndef KORVAN_VERSION
 #define KORVAN_VERSION "0.0.0"
@@ -18,7 +20,7 @@ namespace korvan::app {
 namespace {
 
 constexpr const char* kDescription =
-    "Korvan - Ausschreibung, Vergabe, Abrechnung (AVA) for the construction trade";
+    "Korvan - Ausschreibung, Vergabe, Abrechnung (AVA) für das Bauwesen";
 
 bool IsOption(const std::string& arg) {
   return !arg.empty() && arg[0] == '-';
@@ -35,6 +37,31 @@ const Command* FindCommand(const std::vector<std::unique_ptr<Command>>& commands
 int UnknownCommand(const std::string& name, std::ostream& err) {
   err << "korvan: unbekannter Befehl '" << name << "' ('korvan --help' listet die Befehle)\n";
   return kExitUsage;
+}
+
+// The names of the commands below `app`: "create, info, dump".
+std::string CommandNames(const CLI::App& app) {
+  std::string names;
+  for (const CLI::App* sub : app.get_subcommands([](const CLI::App*) { return true; })) {
+    names += (names.empty() ? "" : ", ") + sub->get_name();
+  }
+  return names;
+}
+
+// A command with commands of its own ("korvan db frobnicate"): the parser would only say
+// that one is missing, not which word it did not know.
+int UnknownSubcommand(const CLI::App& command, const std::string& name, std::ostream& err) {
+  err << "korvan " << command.get_name() << ": unbekannter Unterbefehl '" << name
+      << "' (bekannt: " << CommandNames(command) << ")\n";
+  return kExitUsage;
+}
+
+// The command of `app` that the parser took, or nullptr.
+const CLI::App* ParsedCommand(const CLI::App& app) {
+  for (const CLI::App* sub : app.get_subcommands([](const CLI::App*) { return true; })) {
+    if (sub->parsed()) return sub;
+  }
+  return nullptr;
 }
 
 // `korvan help [command]`: the program's or one command's help text.
@@ -58,7 +85,9 @@ int PrintHelp(CLI::App& app, const std::vector<std::string>& topic, std::ostream
 
 int RunKorvan(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
   CLI::App app{kDescription, "korvan"};
-  app.set_version_flag("--version", std::string("korvan ") + KORVAN_VERSION);
+  UseGermanHelp(app);
+  app.set_version_flag("--version", std::string("korvan ") + KORVAN_VERSION,
+                       "zeigt die Version des Programms");
   app.require_subcommand(0, 1);
   app.fallthrough(false);
 
@@ -70,12 +99,23 @@ int RunKorvan(const std::vector<std::string>& args, std::ostream& out, std::ostr
     subs.emplace_back(sub, command.get());
   }
   std::vector<std::string> help_topic;
-  CLI::App* help = app.add_subcommand("help", "show the help of the program or of one command");
-  help->add_option("command", help_topic, "command to explain")->expected(0, 1);
+  CLI::App* help = app.add_subcommand("help", "zeigt die Hilfe des Programms oder eines Befehls");
+  help->add_option("befehl", help_topic, "der Befehl, der erklärt wird")->expected(0, 1);
+  GroupHelpFlags(app);
 
   if (!args.empty() && !IsOption(args.front()) && args.front() != "help" &&
       !FindCommand(commands, args.front())) {
     return UnknownCommand(args.front(), err);
+  }
+  if (args.size() >= 2 && !IsOption(args.front()) && !IsOption(args[1])) {
+    const CLI::App* command = app.get_subcommand(args.front());
+    const bool has_commands =
+        !command->get_subcommands([](const CLI::App*) { return true; }).empty();
+    if (has_commands &&
+        command->get_subcommands([&](const CLI::App* sub) { return sub->get_name() == args[1]; })
+            .empty()) {
+      return UnknownSubcommand(*command, args[1], err);
+    }
   }
 
   try {
@@ -89,7 +129,13 @@ int RunKorvan(const std::vector<std::string>& args, std::ostream& out, std::ostr
     out << e.what() << "\n";
     return kExitOk;
   } catch (const CLI::ParseError& e) {
-    err << "korvan: " << e.what() << "\n";
+    const CLI::App* command = ParsedCommand(app);
+    err << "korvan" << (command ? " " + command->get_name() : std::string()) << ": "
+        << GermanParseError(e);
+    if (command && e.get_name() == "RequiredError" && !CommandNames(*command).empty()) {
+      err << " (" << CommandNames(*command) << ")";
+    }
+    err << "\n";
     return kExitUsage;
   }
 

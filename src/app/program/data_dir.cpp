@@ -23,9 +23,9 @@ std::string DefaultDataDir() {
 void AddDataDirOption(CLI::App& app, std::string& data_dir) {
   data_dir = DefaultDataDir();
   app.add_option("-d,--data", data_dir,
-                 "data directory (default: $KORVAN_DATA, $XDG_DATA_HOME/korvan or "
+                 "Datenverzeichnis (Vorgabe: $KORVAN_DATA, $XDG_DATA_HOME/korvan oder "
                  "~/.local/share/korvan)")
-      ->type_name("DIR");
+      ->type_name("VERZEICHNIS");
 }
 
 }  // namespace korvan::app

@@ -110,12 +110,12 @@ std::string ProgramPath() {
 void ServeCommand::Define(CLI::App& app) {
   AddDataDirOption(app, data_dir_);
   app.add_flag("--skipinstancecheck", skip_instance_check_,
-               "start even when another instance runs (a full second instance)");
-  app.add_flag("--stop", stop_, "ask the running instance to end");
-  app.add_flag("--trace", trace_, "list the start-up steps as they run");
-  app.add_option("parameters", parameters_,
-                 "parameters for the running instance; TEST_EXCEPTION1 and TEST_EXCEPTION2 "
-                 "raise a test exception during start-up");
+               "startet auch, wenn schon eine Instanz läuft (eine volle zweite Instanz)");
+  app.add_flag("--stop", stop_, "bittet die laufende Instanz, sich zu beenden");
+  app.add_flag("--trace", trace_, "zeigt die Schritte des Starts, während sie laufen");
+  app.add_option("parameter", parameters_,
+                 "Parameter für die laufende Instanz; TEST_EXCEPTION1 und TEST_EXCEPTION2 "
+                 "lösen beim Start eine Testausnahme aus");
 }
 
 std::vector<std::string> ServeCommand::CommandLine() const {

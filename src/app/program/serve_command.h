@@ -16,7 +16,7 @@ class ServeCommand : public Command {
  public:
   std::string Name() const override { return "serve"; }
   std::string Summary() const override {
-    return "run as the single long-running instance and receive the parameters of later starts";
+    return "läuft als die eine dauerhafte Instanz und nimmt die Parameter späterer Starts entgegen";
   }
   void Define(CLI::App& app) override;
   int Run(Streams& streams) override;

@@ -120,19 +120,20 @@ void ConfigCommand::Define(CLI::App& app) {
   app.require_subcommand(1, 1);
   const auto add_file_options = [this](CLI::App* sub) {
     AddDataDirOption(*sub, data_dir_);
-    auto* system = sub->add_flag("--system", system_, "the system configuration (Q_System.ini)");
+    auto* system = sub->add_flag("--system", system_, "die Systemkonfiguration (Q_System.ini)");
     auto* machine =
-        sub->add_flag("--machine", machine_, "the machine configuration (Q_Machine.ini)");
-    auto* user = sub->add_flag("--user", user_, "the user configuration (Q_User.ini)");
+        sub->add_flag("--machine", machine_, "die Rechnerkonfiguration (Q_Machine.ini)");
+    auto* user = sub->add_flag("--user", user_, "die Benutzerkonfiguration (Q_User.ini)");
     system->excludes(machine)->excludes(user);
     machine->excludes(user);
   };
-  show_ = app.add_subcommand("show", "print every option with its value and its source");
+  show_ = app.add_subcommand("show", "zeigt jede Einstellung mit ihrem Wert und ihrer Herkunft");
   add_file_options(show_);
-  set_ = app.add_subcommand("set", "check and store one value");
+  set_ = app.add_subcommand("set", "prüft und speichert einen Wert");
   add_file_options(set_);
-  set_->add_option("key", key_, "<section>.<key>, e.g. Strings.OZFormat")->required();
-  set_->add_option("value", value_, "the new value")->required();
+  set_->add_option("schluessel", key_, "<Abschnitt>.<Schlüssel>, z. B. Strings.OZFormat")
+      ->required();
+  set_->add_option("wert", value_, "der neue Wert")->required();
 }
 
 int ConfigCommand::Run(Streams& streams) {

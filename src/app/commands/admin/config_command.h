@@ -18,7 +18,7 @@ class ConfigCommand : public Command {
  public:
   std::string Name() const override { return "config"; }
   std::string Summary() const override {
-    return "show or change the system, machine and user configuration";
+    return "zeigt oder ändert die System-, Rechner- und Benutzerkonfiguration";
   }
   void Define(CLI::App& app) override;
   int Run(Streams& streams) override;

@@ -10,7 +10,9 @@ namespace korvan::app {
 class DemoCommand : public Command {
  public:
   std::string Name() const override { return "demo"; }
-  std::string Summary() const override { return "run the built-in sample project"; }
+  std::string Summary() const override {
+    return "richtet eine Installation mit dem eingebauten Beispielprojekt ein";
+  }
   void Define(CLI::App& app) override;
   int Run(Streams& streams) override;
 

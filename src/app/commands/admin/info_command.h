@@ -17,7 +17,7 @@ class InfoCommand : public Command {
  public:
   std::string Name() const override { return "info"; }
   std::string Summary() const override {
-    return "list the databases of an installation with record counts, sizes and size warnings";
+    return "listet die Datenbanken einer Installation mit Datensätzen, Größen und Größenwarnungen";
   }
   void Define(CLI::App& app) override;
   int Run(Streams& streams) override;

@@ -161,8 +161,8 @@ void PrintInstallationSetup(const InstallationSetup& setup, std::ostream& out) {
 void InitCommand::Define(CLI::App& app) {
   AddDataDirOption(app, data_dir_);
   app.add_option("--project", project_,
-                 "project folder below PROJEKTE that becomes the current project "
-                 "(default: the current project, else \"Beispiel\")")
+                 "Projektverzeichnis unter PROJEKTE, das zum aktuellen Projekt wird "
+                 "(Vorgabe: das aktuelle Projekt, sonst \"Beispiel\")")
       ->type_name("NAME");
 }
 

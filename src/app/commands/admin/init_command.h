@@ -42,7 +42,7 @@ class InitCommand : public Command {
  public:
   std::string Name() const override { return "init"; }
   std::string Summary() const override {
-    return "set up an installation: folders, first project, all databases";
+    return "richtet eine Installation ein: Verzeichnisse, erstes Projekt, alle Datenbanken";
   }
   void Define(CLI::App& app) override;
   int Run(Streams& streams) override;

@@ -37,7 +37,7 @@ int RunRebuild(const std::string& base_dir, const std::string& group, Streams& s
 
 void RebuildCommand::Define(CLI::App& app) {
   AddDataDirOption(app, data_dir_);
-  app.add_option("--group", group_, "only the databases of this group (e.g. DB_Stamm)");
+  app.add_option("--group", group_, "nur die Datenbanken dieser Gruppe (z. B. DB_Stamm)");
 }
 
 int RebuildCommand::Run(Streams& streams) {

@@ -14,7 +14,8 @@ class RebuildCommand : public Command {
  public:
   std::string Name() const override { return "rebuild"; }
   std::string Summary() const override {
-    return "rebuild databases from their data files: new key files, no free space";
+    return "baut die Datenbanken aus ihren Datendateien neu auf: neue Schlüsseldateien, kein "
+           "freier Platz";
   }
   void Define(CLI::App& app) override;
   int Run(Streams& streams) override;

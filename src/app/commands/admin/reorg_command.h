@@ -13,7 +13,7 @@ class ReorgCommand : public Command {
  public:
   std::string Name() const override { return "reorg"; }
   std::string Summary() const override {
-    return "reorganise all databases by copying, checked before and after";
+    return "reorganisiert alle Datenbanken durch Kopieren, geprüft vorher und nachher";
   }
   void Define(CLI::App& app) override;
   int Run(Streams& streams) override;

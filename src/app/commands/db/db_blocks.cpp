@@ -23,7 +23,7 @@ class ReadOnlyFile {
  public:
   explicit ReadOnlyFile(const std::string& path)
       : path_(path), fd_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
-    if (fd_ < 0) Fail("cannot be opened");
+    if (fd_ < 0) Fail("nicht zu öffnen");
   }
   ~ReadOnlyFile() { close(fd_); }
   ReadOnlyFile(const ReadOnlyFile&) = delete;
@@ -31,7 +31,7 @@ class ReadOnlyFile {
 
   int64_t Size() const {
     struct stat status {};
-    if (fstat(fd_, &status) != 0) Fail("cannot be read");
+    if (fstat(fd_, &status) != 0) Fail("nicht lesbar");
     return status.st_size;
   }
 
@@ -42,7 +42,7 @@ class ReadOnlyFile {
       const ssize_t got = pread(fd_, static_cast<char*>(data) + done, size - done,
                                 static_cast<off_t>(position + static_cast<int64_t>(done)));
       if (got < 0 && errno == EINTR) continue;
-      if (got < 0) Fail("cannot be read");
+      if (got < 0) Fail("nicht lesbar");
       if (got == 0) break;
       done += static_cast<size_t>(got);
     }
@@ -59,7 +59,7 @@ class ReadOnlyFile {
 };
 
 std::string At(int64_t position) {
-  return "block at " + std::to_string(position) + ": ";
+  return "Block an Position " + std::to_string(position) + ": ";
 }
 
 }  // namespace
@@ -69,22 +69,22 @@ std::string WalkDataFile(const std::string& data_file_path,
   const ReadOnlyFile file(data_file_path);
   const int64_t file_size = file.Size();
   if (file_size < storage::kFirstBlockPosition) {
-    return "file of " + std::to_string(file_size) + " bytes is shorter than its " +
-           std::to_string(storage::kDataFileHeaderSize) + "-byte header";
+    return "Datei von " + std::to_string(file_size) + " Bytes ist kürzer als ihr Kopf von " +
+           std::to_string(storage::kDataFileHeaderSize) + " Bytes";
   }
   for (int64_t position = storage::kFirstBlockPosition; position < file_size;) {
     DataBlock block;
     storage::TDbRecordHeader& header = block.header;
     const size_t got = file.ReadAt(position, &header, sizeof header);
-    if (got < sizeof header.RecLen) return At(position) + "length cut off by the end of the file";
+    if (got < sizeof header.RecLen) return At(position) + "Länge vom Dateiende abgeschnitten";
     const int64_t stored = header.RecLen;
     const int64_t size = stored < 0 ? -stored : stored;
     if (size < kFreeBlockMinimum || position + size > file_size) {
-      return At(position) + "length " + std::to_string(stored) + " does not fit the file of " +
-             std::to_string(file_size) + " bytes";
+      return At(position) + "Länge " + std::to_string(stored) + " passt nicht in die Datei von " +
+             std::to_string(file_size) + " Bytes";
     }
     if (position + size > kMaxPosition) {
-      return At(position) + "ends beyond the 2 GB a data file can hold";
+      return At(position) + "endet jenseits der 2 GB, die eine Datendatei fassen kann";
     }
     block.position = static_cast<int32_t>(position);
     block.length = static_cast<int32_t>(size);

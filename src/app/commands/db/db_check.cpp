@@ -42,7 +42,7 @@ class Problems {
 };
 
 std::string Record(const DataBlock& block) {
-  return "record at " + std::to_string(block.position) + ": ";
+  return "Datensatz an Position " + std::to_string(block.position) + ": ";
 }
 
 bool IsDate(double value) {
@@ -53,16 +53,16 @@ bool IsDate(double value) {
 void CheckHeaderFields(const DataBlock& block, std::vector<std::string>* problems) {
   const auto& header = block.header;
   if (!IsDate(header.LastModified)) {
-    problems->push_back(Record(block) + "LastModified is no date (" +
+    problems->push_back(Record(block) + "LastModified ist kein Datum (" +
                         std::to_string(header.LastModified) + ")");
   }
   if (!IsDate(header.CreationDate)) {
-    problems->push_back(Record(block) + "CreationDate is no date (" +
+    problems->push_back(Record(block) + "CreationDate ist kein Datum (" +
                         std::to_string(header.CreationDate) + ")");
   }
   if (header.ModifiedById[0] > kMaxModifiedByIdLength) {
-    problems->push_back(Record(block) + "ModifiedById claims " +
-                        std::to_string(header.ModifiedById[0]) + " characters, at most 22 fit");
+    problems->push_back(Record(block) + "ModifiedById gibt " +
+                        std::to_string(header.ModifiedById[0]) + " Zeichen an, höchstens 22 passen");
   }
 }
 
@@ -71,10 +71,10 @@ void CheckHeaderFields(const DataBlock& block, std::vector<std::string>* problem
 void CheckBlockShapes(const DataBlock& block, std::vector<std::string>* problems) {
   if (!block.live) return;
   if (!block.has_header) {
-    problems->push_back(Record(block) + "shorter than its header");
+    problems->push_back(Record(block) + "kürzer als sein Kopf");
   } else if (block.header.RecTyp < 'A' || block.header.RecTyp > 'Z') {
-    problems->push_back(Record(block) + "type " + TypeLetterText(block.header.RecTyp) +
-                        " is no letter A..Z");
+    problems->push_back(Record(block) + "Typ " + TypeLetterText(block.header.RecTyp) +
+                        " ist kein Buchstabe A..Z");
   }
 }
 
@@ -85,8 +85,8 @@ void CheckTableKeys(const OpenDatabase& db, const std::set<int64_t>& live_record
   try {
     WalkKeys(db, [&](uint32_t position, std::span<const uint8_t> key) {
       if (key[0] == kFreeSpaceKeyLead || live_records.count(position) != 0) return;
-      problems->Add(key_file, "key " + KeyToText(key) + " points to " + std::to_string(position) +
-                                  ", where no live record starts");
+      problems->Add(key_file, "Schlüssel " + KeyToText(key) + " zeigt auf " + std::to_string(position) +
+                                  ", wo kein Datensatz beginnt");
     });
   } catch (const CommandError& error) {
     problems->Add(error.what());
@@ -100,7 +100,7 @@ int RunDbCheck(const std::string& base_path, Streams& streams) {
   const std::string key_file = storage::KeyFileName(base_path);
   Problems problems(streams.out);
   if (const int format = DataFileFormat(base_path); !IsRecordFormat(format)) {
-    problems.Add(data_file, "format " + ResultCodeText(format));
+    problems.Add(data_file, "Format " + ResultCodeText(format));
   }
 
   // A database that does not even open is one problem; its data file is still walked.
@@ -131,12 +131,12 @@ int RunDbCheck(const std::string& base_path, Streams& streams) {
     if (stopped.empty()) CheckTableKeys(*db, live_records, &problems);
   } else {
     if (!stopped.empty()) problems.Add(data_file, stopped);
-    problems.Add(data_file, "free-space index not checked: the key file is not usable");
+    problems.Add(data_file, "Freiplatzindex nicht geprüft: die Schlüsseldatei ist nicht brauchbar");
   }
   for (const std::string& problem : block_problems) problems.Add(data_file, problem);
 
   if (problems.count() == 0) {
-    streams.out << base_path << ": no problems found\n";
+    streams.out << base_path << ": keine Probleme gefunden\n";
     return kExitOk;
   }
   return kExitFailure;

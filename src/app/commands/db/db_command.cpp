@@ -18,7 +18,8 @@ namespace korvan::app {
 CLI::App& DbCommand::AddOperation(CLI::App& app, const std::string& name,
                                   const std::string& summary, Operation operation) {
   CLI::App* sub = app.add_subcommand(name, summary);
-  sub->add_option("base", base_path_, "base path: the files are <base>0 (data) and <base>1 (keys)")
+  sub->add_option("basis", base_path_,
+                  "Basispfad: die Dateien sind <basis>0 (Daten) und <basis>1 (Schlüssel)")
       ->required();
   operations_.emplace_back(sub, operation);
   return *sub;
@@ -26,29 +27,34 @@ CLI::App& DbCommand::AddOperation(CLI::App& app, const std::string& name,
 
 void DbCommand::Define(CLI::App& app) {
   app.require_subcommand(1);
-  CLI::App& create = AddOperation(app, "create", "create an empty database", &DbCommand::Create);
-  create.add_option("--type", type_, "database type letter")->required();
-  create.add_option("--keylen", key_length_, "key length in bytes")
+  CLI::App& create =
+      AddOperation(app, "create", "legt eine leere Datenbank an", &DbCommand::Create);
+  create.add_option("--type", type_, "Typbuchstabe der Datenbank")->required();
+  create.add_option("--keylen", key_length_, "Schlüssellänge in Bytes")
       ->required()
       ->check(CLI::Range(storage::kMinKeyFileKeyLength, storage::kMaxKeyFileKeyLength));
-  AddOperation(app, "info", "show format, version, time stamp and counts", &DbCommand::Info);
-  AddOperation(app, "dump", "list the blocks of the data file", &DbCommand::Dump)
-      .add_option("--table", table_, "print the records of the table with this type letter");
-  AddOperation(app, "keys", "list every key in tree order", &DbCommand::Keys);
-  AddOperation(app, "check", "verify key tree, free-space index and records", &DbCommand::Check);
-  AddOperation(app, "shell", "run kernel operations read from standard input", &DbCommand::Shell);
+  AddOperation(app, "info", "zeigt Format, Version, Zeitstempel und Anzahlen", &DbCommand::Info);
+  AddOperation(app, "dump", "listet die Blöcke der Datendatei", &DbCommand::Dump)
+      .add_option("--table", table_, "zeigt die Datensätze der Tabelle mit diesem Typbuchstaben");
+  AddOperation(app, "keys", "listet alle Schlüssel in der Reihenfolge des Baums", &DbCommand::Keys);
+  AddOperation(app, "check", "prüft Schlüsselbaum, Freiplatzindex und Datensätze",
+               &DbCommand::Check);
+  AddOperation(app, "shell",
+               "führt Kerneloperationen aus, die von der Standardeingabe gelesen werden",
+               &DbCommand::Shell);
 }
 
 int DbCommand::Run(Streams& streams) {
   for (const auto& [sub, operation] : operations_) {
     if (sub->parsed()) return (this->*operation)(streams);
   }
-  throw UsageError("an operation is missing (create, info, dump, keys, check, shell)");
+  throw UsageError("ein Unterbefehl fehlt (create, info, dump, keys, check, shell)");
 }
 
 int DbCommand::Create(Streams& streams) {
   const bool letter = type_.size() == 1 && std::isalnum(static_cast<unsigned char>(type_[0]));
-  if (!letter) throw UsageError("--type needs one letter or digit, not '" + type_ + "'");
+  if (!letter)
+    throw UsageError("--type braucht einen Buchstaben oder eine Ziffer, nicht '" + type_ + "'");
   return RunDbCreate(base_path_, type_[0], key_length_, streams);
 }
 
@@ -57,7 +63,8 @@ int DbCommand::Info(Streams& streams) {
 }
 int DbCommand::Dump(Streams& streams) {
   if (table_.empty()) return RunDbDump(base_path_, streams);
-  if (table_.size() != 1) throw UsageError("--table needs one type letter, not '" + table_ + "'");
+  if (table_.size() != 1)
+    throw UsageError("--table braucht einen Typbuchstaben, nicht '" + table_ + "'");
   return RunDbDumpTable(base_path_, table_[0], ProgramTables(), streams);
 }
 int DbCommand::Keys(Streams& streams) {
@@ -79,7 +86,7 @@ int RunDbCreate(const std::string& base_path, char db_type, int key_length, Stre
   if (const int closed = storage::iDK_DbClose(handle); closed != storage::kOk) {
     throw CommandError(storage::DataFileName(base_path) + ": " + ResultCodeText(closed));
   }
-  streams.out << "created " << storage::DataFileName(base_path) << " and "
+  streams.out << "angelegt: " << storage::DataFileName(base_path) << " und "
               << storage::KeyFileName(base_path) << "\n";
   return kExitOk;
 }

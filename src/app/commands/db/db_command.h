@@ -20,7 +20,7 @@ class DbCommand : public Command {
  public:
   std::string Name() const override { return "db"; }
   std::string Summary() const override {
-    return "create, inspect, check and edit one database (data and key file)";
+    return "legt eine Datenbank (Daten- und Schlüsseldatei) an, zeigt, prüft und bearbeitet sie";
   }
   void Define(CLI::App& app) override;
   int Run(Streams& streams) override;

@@ -12,7 +12,7 @@ namespace {
 
 // The record type letter of a live block, "?" for a block too short to hold one.
 std::string BlockKind(const DataBlock& block) {
-  if (!block.live) return "free";
+  if (!block.live) return "frei";
   if (block.length <= static_cast<int32_t>(sizeof block.header.RecLen)) return "?";
   return TypeLetterText(block.header.RecTyp);
 }

@@ -17,13 +17,13 @@ namespace {
 constexpr char kOrdinaryType = 'T';
 
 const std::pair<int, const char*> kFormatNames[] = {
-    {storage::kDkFormatCurrent, "current format"},
-    {storage::kDkFormat2018, "format of 2018"},
-    {storage::kDkFormat2016, "format of 2016"},
-    {storage::kDkFormat2014, "format of 2014"},
-    {storage::kDkFormat2013, "format of 2013"},
-    {storage::kDkFormat2011, "format of 2011"},
-    {storage::kDkFormatOstrell20, "format of Ostrell 2.0"},
+    {storage::kDkFormatCurrent, "aktuelles Format"},
+    {storage::kDkFormat2018, "Format von 2018"},
+    {storage::kDkFormat2016, "Format von 2016"},
+    {storage::kDkFormat2014, "Format von 2014"},
+    {storage::kDkFormat2013, "Format von 2013"},
+    {storage::kDkFormat2011, "Format von 2011"},
+    {storage::kDkFormatOstrell20, "Format von Ostrell 2.0"},
 };
 
 }  // namespace
@@ -49,7 +49,7 @@ int DataFileFormat(const std::string& base_path) {
   std::error_code error;
   const auto size = std::filesystem::file_size(storage::DataFileName(base_path), error);
   if (!error && size < storage::kDataFileHeaderSize) {
-    message += ": file of " + std::to_string(size) + " bytes is shorter than its header";
+    message += ": Datei von " + std::to_string(size) + " Bytes ist kürzer als ihr Kopf";
   }
   throw CommandError(message);
 }

@@ -30,10 +30,10 @@ void PrintHeader(const std::string& base_path, int format, std::ostream& out) {
   if (result != storage::kOk) {
     throw CommandError(storage::DataFileName(base_path) + ": " + ResultCodeText(result));
   }
-  out << "data file: " << storage::DataFileName(base_path) << "\n"
-      << "format: " << FormatCodeText(format) << "\n"
-      << "file version: " << version << "\n"
-      << "time stamp: " << storage::FormatDelphiDateTime(stamp) << " (" << std::fixed
+  out << "Datendatei: " << storage::DataFileName(base_path) << "\n"
+      << "Format: " << FormatCodeText(format) << "\n"
+      << "Dateiversion: " << version << "\n"
+      << "Zeitstempel: " << storage::FormatDelphiDateTime(stamp) << " (" << std::fixed
       << std::setprecision(8) << stamp << std::defaultfloat << ")\n";
 }
 
@@ -44,9 +44,9 @@ int RunDbInfo(const std::string& base_path, Streams& streams) {
   PrintHeader(base_path, format, streams.out);
 
   const OpenDatabase db(base_path, OpenDatabase::Access::kReadOnly);
-  streams.out << "key file: " << storage::KeyFileName(base_path) << "\n"
-              << "key file version: " << KeyFileVersionOf(db) << "\n"
-              << "key length: " << db.KeyLength() << "\n";
+  streams.out << "Schlüsseldatei: " << storage::KeyFileName(base_path) << "\n"
+              << "Version der Schlüsseldatei: " << KeyFileVersionOf(db) << "\n"
+              << "Schlüssellänge: " << db.KeyLength() << "\n";
 
   int64_t records = 0;
   int64_t free_blocks = 0;
@@ -55,10 +55,10 @@ int RunDbInfo(const std::string& base_path, Streams& streams) {
                    [&](const DataBlock& block) { ++(block.live ? records : free_blocks); });
   const uint32_t all_keys = db.KeyCount(true);
   const uint32_t table_keys = db.KeyCount(false);
-  streams.out << "records: " << records << "\n"
-              << "keys: " << all_keys << " (" << table_keys << " table keys, "
-              << all_keys - table_keys << " free-space keys)\n"
-              << "free blocks: " << free_blocks << "\n";
+  streams.out << "Datensätze: " << records << "\n"
+              << "Schlüssel: " << all_keys << " (" << table_keys << " Tabellenschlüssel, "
+              << all_keys - table_keys << " Freiplatzschlüssel)\n"
+              << "freie Blöcke: " << free_blocks << "\n";
 
   int exit_code = kExitOk;
   if (!IsRecordFormat(format)) {
@@ -67,7 +67,7 @@ int RunDbInfo(const std::string& base_path, Streams& streams) {
   }
   if (!stopped.empty()) {
     streams.err << storage::DataFileName(base_path) << ": " << stopped
-                << " (the counts cover the blocks before it)\n";
+                << " (die Anzahlen zählen die Blöcke davor)\n";
     exit_code = kExitFailure;
   }
   return exit_code;

@@ -22,12 +22,12 @@ class KeyWalkGuard {
 
   void Step(const storage::KeyEntry& entry) {
     if (++seen_ > total_) {
-      Fail("the walk meets more than the " + std::to_string(total_) + " entries the tree holds");
+      Fail("der Durchlauf trifft auf mehr als die " + std::to_string(total_) + " Einträge des Baums");
     }
     const auto key = std::span<const uint8_t>(entry.key, static_cast<size_t>(key_length_));
     if (seen_ > 1 && !Ascends(key, entry.position)) {
-      Fail("entry " + std::to_string(seen_) + " (" + KeyEntryLine(entry.position, key) +
-           ") does not follow its predecessor");
+      Fail("Eintrag " + std::to_string(seen_) + " (" + KeyEntryLine(entry.position, key) +
+           ") folgt nicht auf seinen Vorgänger");
     }
     previous_.assign(key.begin(), key.end());
     previous_position_ = entry.position;
@@ -40,7 +40,7 @@ class KeyWalkGuard {
                          static_cast<int32_t>(previous_position_) < static_cast<int32_t>(position));
   }
   [[noreturn]] void Fail(const std::string& what) const {
-    throw CommandError(key_file_ + ": key file damaged: " + what);
+    throw CommandError(key_file_ + ": Schlüsseldatei beschädigt: " + what);
   }
 
   std::string key_file_;

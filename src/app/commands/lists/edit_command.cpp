@@ -50,10 +50,11 @@ int Usage(std::ostream& err, const std::string& message) {
 }  // namespace
 
 void EditCommand::Define(CLI::App& app) {
-  app.add_option("module", module_, "data module: " + DataModuleNames(ProgramTables()))->required();
-  app.add_option("row", row_, "row number as `korvan list` shows it")->required();
-  app.add_option("assignments", assignments_, "<column>=<value>")->required();
-  app.add_flag("--force", force_, "overwrite a record another user changed meanwhile");
+  app.add_option("modul", module_, "Datenmodul: " + DataModuleNames(ProgramTables()))->required();
+  app.add_option("zeile", row_, "Zeilennummer, wie `korvan list` sie zeigt")->required();
+  app.add_option("zuweisungen", assignments_, "<Spalte>=<Wert>")->required();
+  app.add_flag("--force", force_,
+               "überschreibt einen Datensatz, den inzwischen ein anderer Benutzer geändert hat");
   AddDataDirOption(app, data_dir_);
 }
 

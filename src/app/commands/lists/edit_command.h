@@ -12,7 +12,7 @@ namespace korvan::app {
 class EditCommand : public Command {
  public:
   std::string Name() const override { return "edit"; }
-  std::string Summary() const override { return "change a row of a master-data list"; }
+  std::string Summary() const override { return "ändert eine Zeile einer Stammdatenliste"; }
   void Define(CLI::App& app) override;
   int Run(Streams& streams) override;
 

@@ -48,7 +48,7 @@ void PrintTable(const std::vector<std::vector<std::string>>& cells, const std::v
 }  // namespace
 
 void ListCommand::Define(CLI::App& app) {
-  app.add_option("module", module_, "data module: " + DataModuleNames(ProgramTables()))->required();
+  app.add_option("modul", module_, "Datenmodul: " + DataModuleNames(ProgramTables()))->required();
   AddDataDirOption(app, data_dir_);
 }
 

@@ -10,7 +10,7 @@ namespace korvan::app {
 class ListCommand : public Command {
  public:
   std::string Name() const override { return "list"; }
-  std::string Summary() const override { return "show the rows of a master-data list"; }
+  std::string Summary() const override { return "zeigt die Zeilen einer Stammdatenliste"; }
   void Define(CLI::App& app) override;
   int Run(Streams& streams) override;
 

@@ -47,10 +47,11 @@ void RequireDataDir(const std::string& data_dir) {
 void UndoCommand::Define(CLI::App& app) {
   AddDataDirOption(app, data_dir_);
   if (redo_) return;
-  CLI::Option* list =
-      app.add_flag("--list", list_, "show the steps that can be taken back and made again");
-  CLI::Option* clear = app.add_flag("--clear", clear_,
-                                    "empty the journal and delete its files (UNDO.QUJ, REDO.QUJ)");
+  CLI::Option* list = app.add_flag(
+      "--list", list_,
+      "zeigt die Schritte, die rückgängig gemacht und wiederhergestellt werden können");
+  CLI::Option* clear = app.add_flag(
+      "--clear", clear_, "leert das Journal und löscht seine Dateien (UNDO.QUJ, REDO.QUJ)");
   list->excludes(clear);
 }
 

@@ -14,8 +14,9 @@ class UndoCommand : public Command {
   explicit UndoCommand(bool redo) : redo_(redo) {}
   std::string Name() const override { return redo_ ? "redo" : "undo"; }
   std::string Summary() const override {
-    return redo_ ? "make the last undone change again"
-                 : "take back the last change (--list: show the journal, --clear: empty it)";
+    return redo_ ? "stellt die zuletzt rückgängig gemachte Änderung wieder her"
+                 : "macht die letzte Änderung rückgängig (--list: zeigt das Journal, --clear: "
+                   "leert es)";
   }
   void Define(CLI::App& app) override;
   int Run(Streams& streams) override;
