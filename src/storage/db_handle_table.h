@@ -38,6 +38,12 @@ struct DbHandleSlot {
   double file_time_stamp = 0;
   double open_time = 0;
   uint16_t task_number = kNoTask;
+  // Sharing of the key file between processes (key_file_sharing.h).
+  int writer_slot = -1;              // the slot lock this writer holds, or -1
+  bool writer_marked = false;        // its bit in the key-file header is set on disk
+  uint64_t cached_change_stamp = 0;  // the stamp the cached key blocks belong to
+  int tree_lock_depth = 0;           // nesting of TreeLock on this handle
+  bool tree_lock_exclusive = false;
 
   bool InUse() const { return !file_name.empty(); }
   bool IsWritable() const { return (open_mode & 2) != 0; }

@@ -34,6 +34,10 @@ int iDK_DbOpen(char db_type, const std::string& base_path, bool write_wanted, bo
 int iDK_DbClose(int handle);
 // Writes every changed key-file block and syncs both files.
 int iDK_DbFlush(int handle);
+// Whether the key file (base_path + "1") ended cleanly: false while a writer that
+// changed it has ended without closing it. Such a key file is rebuilt from the data
+// file when the database is opened next with nobody else writing it.
+int iDK_KeyFileClosedCleanly(const std::string& base_path, bool* clean);
 
 // The format code of a data file: 4345 current, 4344..4338, 4331, 4303, 4312, 4311 old
 // formats, 4310 no banner; for type "G" 0 or 4309. 4307 missing, 4320 unreadable.

@@ -12,12 +12,16 @@
 #include "storage/db_kernel_locks.h"
 #include "storage/db_share_mode.h"
 #include "storage/delphi_datetime.h"
+#include "storage/key_file_sharing.h"
 #include "storage/result_codes.h"
 
 namespace korvan::storage {
 namespace {
 
-// Data and key files are written through: a write returns when the data is on disk.
+// Data files are written through: a write returns when the data is on disk. Key files
+// are not: their blocks are written back after every change for other processes to
+// see, and synced at flush and close; a key file whose writer ended without that is
+// rebuilt (key_file_sharing.h).
 constexpr int kWriteThrough = O_DSYNC;
 constexpr int kNewFileMode = 0666;
 
@@ -124,7 +128,10 @@ int FlushKeyFileCache(int handle) {
 
 int OpenKeyFile(int handle, const std::string& base_path, uint16_t mode, int* key_fd,
                 int* version) {
-  *key_fd = kernel::OpenFile(KeyFileName(base_path), OpenFlagsForMode(mode) | kWriteThrough);
+  // A reader may have to rebuild a key file its last writer did not close: it opens it
+  // for writing too where it may.
+  *key_fd = kernel::OpenFile(KeyFileName(base_path), O_RDWR);
+  if (*key_fd < 0) *key_fd = kernel::OpenFile(KeyFileName(base_path), OpenFlagsForMode(mode));
   if (*key_fd < 0) return KeyFileOpenError(errno);
   BlockCache::Instance().Open(handle, *key_fd, KeyFileName(base_path),
                               kernel::ConfiguredCacheSize());
@@ -136,6 +143,21 @@ int OpenKeyFile(int handle, const std::string& base_path, uint16_t mode, int* ke
     *key_fd = -1;
   }
   return result;
+}
+
+// Puts the slot into the table and joins the other users of its key file; on failure
+// the handle is given up again.
+int JoinTaken(int handle, DbHandleSlot slot) {
+  auto& table = DbHandleTable::Instance();
+  DbHandleSlot& taken = table.Take(handle, std::move(slot));
+  const int joined = kernel::JoinKeyFile(handle, taken);
+  if (joined != kOk) {
+    BlockCache::Instance().Close(handle);
+    close(taken.data_file);
+    close(taken.key_file);
+    table.Release(handle);
+  }
+  return joined;
 }
 
 }  // namespace
@@ -158,8 +180,7 @@ int iDK_DbCreate(char db_type, const std::string& base_path, int key_length, int
   if (int created = CreateEmptyFiles(base_path); created != kOk) return created;
 
   const int data_fd = OpenDataFile(DataFileName(base_path), mode);
-  const int key_fd =
-      kernel::OpenFile(KeyFileName(base_path), OpenFlagsForMode(mode) | kWriteThrough);
+  const int key_fd = kernel::OpenFile(KeyFileName(base_path), OpenFlagsForMode(mode));
   if (data_fd < 0 || key_fd < 0) {
     DiscardNewDatabase(free_handle, false, data_fd, key_fd, base_path);
     return kDkIoError;
@@ -190,7 +211,11 @@ int iDK_DbCreate(char db_type, const std::string& base_path, int key_length, int
   slot.file_version = info.version;
   slot.file_time_stamp = info.time_stamp;
   slot.open_time = DelphiNow();
-  table.Take(free_handle, std::move(slot));
+  if (int joined = JoinTaken(free_handle, std::move(slot)); joined != kOk) {
+    unlink(DataFileName(base_path).c_str());
+    unlink(KeyFileName(base_path).c_str());
+    return joined;
+  }
   *handle = free_handle;
   return iDK_DbFlush(free_handle);
 }
@@ -233,7 +258,7 @@ int iDK_DbOpen(char db_type, const std::string& base_path, bool write_wanted, bo
   slot.file_version = info.version;
   slot.file_time_stamp = info.time_stamp;
   slot.open_time = DelphiNow();
-  table.Take(free_handle, std::move(slot));
+  if (int joined = JoinTaken(free_handle, std::move(slot)); joined != kOk) return joined;
   *handle = free_handle;
   return kOk;
 }
@@ -256,6 +281,7 @@ int iDK_DbClose(int handle) {
   DbHandleSlot* slot = table.Find(handle);
   if (slot == nullptr) return kDkInvalidHandle;
   if (iDK_DbFlush(handle) != kOk) return kDkStaysOpen;
+  if (kernel::LeaveKeyFile(handle, *slot) != kOk) return kDkStaysOpen;
   // The lock protocol unregisters this process's task and deletes the lock file only
   // when no task is left: POSIX would let a process unlink a file others still use.
   if (slot->lock_state == LockFileState::kOpen && DbCloseLockFile(handle) != kOk) {
@@ -266,6 +292,10 @@ int iDK_DbClose(int handle) {
   close(slot->key_file);
   table.Release(handle);
   return kOk;
+}
+
+int iDK_KeyFileClosedCleanly(const std::string& base_path, bool* clean) {
+  return kernel::KeyFileClosedCleanly(KeyFileName(base_path), clean);
 }
 
 int iDK_IsWritable(int handle, bool* writable) {

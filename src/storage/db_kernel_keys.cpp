@@ -3,6 +3,7 @@
 
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_internal.h"
+#include "storage/key_file_sharing.h"
 #include "storage/result_codes.h"
 
 namespace korvan::storage {
@@ -18,9 +19,22 @@ bool FoundKeyMatches(const uint8_t* pattern, const uint8_t* found) {
   return true;
 }
 
+// Runs a call that only reads the key file, under the shared tree lock.
+template <typename Read>
+int ReadingKeys(int handle, Read read) {
+  DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
+  if (slot == nullptr) return kDkInvalidHandle;
+  kernel::TreeLock lock(handle, *slot, kernel::TreeAccess::kRead);
+  if (lock.result() != kOk) return lock.result();
+  return read();
+}
+
 template <typename Search>
 int MatchSearch(int handle, KeyEntry& entry, uint32_t* position, Search search) {
-  if (DbHandleTable::Instance().Find(handle) == nullptr) return kDkInvalidHandle;
+  DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
+  if (slot == nullptr) return kDkInvalidHandle;
+  kernel::TreeLock lock(handle, *slot, kernel::TreeAccess::kRead);
+  if (lock.result() != kOk) return lock.result();
   KeyEntry found = entry;
   if (int result = kernel::CallKeyLayer([&] { return search(handle, found); }); result != kOk) {
     return result;
@@ -33,7 +47,10 @@ int MatchSearch(int handle, KeyEntry& entry, uint32_t* position, Search search) 
 
 template <typename Step>
 int CursorStep(int handle, KeyEntry& entry, uint32_t* position, Step step) {
-  if (DbHandleTable::Instance().Find(handle) == nullptr) return kDkInvalidHandle;
+  DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
+  if (slot == nullptr) return kDkInvalidHandle;
+  kernel::TreeLock lock(handle, *slot, kernel::TreeAccess::kRead);
+  if (lock.result() != kOk) return lock.result();
   KeyEntry cursor = entry;
   cursor.position = *position;
   if (int result = kernel::CallKeyLayer([&] { return step(handle, cursor); }); result != kOk) {
@@ -46,11 +63,15 @@ int CursorStep(int handle, KeyEntry& entry, uint32_t* position, Step step) {
 
 template <typename Change>
 int ChangeKey(int handle, const KeyEntry& entry, Change change) {
-  const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
+  DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
   if (slot == nullptr) return kDkInvalidHandle;
   if (!slot->IsWritable()) return kDkIoError;
+  kernel::TreeLock lock(handle, *slot, kernel::TreeAccess::kChange);
+  if (int begun = kernel::BeginChange(handle, *slot, lock); begun != kOk) return begun;
   const KeyEntry copy = entry;
-  return kernel::CallKeyLayer([&] { return change(handle, copy); });
+  const int changed = kernel::CallKeyLayer([&] { return change(handle, copy); });
+  const int written = lock.Release();
+  return changed != kOk ? changed : written;
 }
 
 }  // namespace
@@ -83,24 +104,27 @@ int iDK_KeyPrev(int handle, KeyEntry& entry, uint32_t* position) {
 
 int iDK_KeyMatchesCount(int handle, const uint8_t* pattern, int significant_length,
                         bool count_tilde, uint32_t* count) {
-  if (DbHandleTable::Instance().Find(handle) == nullptr) return kDkInvalidHandle;
-  return kernel::CallKeyLayer(
-      [&] { return MatchesCount(handle, pattern, significant_length, count_tilde, count); });
+  return ReadingKeys(handle, [&] {
+    return kernel::CallKeyLayer(
+        [&] { return MatchesCount(handle, pattern, significant_length, count_tilde, count); });
+  });
 }
 
 int iDK_KeyMatchesList(int handle, const uint8_t* pattern, int significant_length, bool count_tilde,
                        std::vector<uint32_t>* positions) {
-  if (DbHandleTable::Instance().Find(handle) == nullptr) return kDkInvalidHandle;
-  return kernel::CallKeyLayer(
-      [&] { return MatchesList(handle, pattern, significant_length, count_tilde, positions); });
+  return ReadingKeys(handle, [&] {
+    return kernel::CallKeyLayer(
+        [&] { return MatchesList(handle, pattern, significant_length, count_tilde, positions); });
+  });
 }
 
 int iDK_KeyMatchEx(int handle, KeyEntry& entry, int significant_length, bool* found) {
-  if (DbHandleTable::Instance().Find(handle) == nullptr) return kDkInvalidHandle;
   uint8_t key[kMaxKeyLength] = {};
   *found = false;
-  const int result = kernel::CallKeyLayer([&] {
-    return KeyMatchEx(handle, entry.key, significant_length, entry.position, found, key);
+  const int result = ReadingKeys(handle, [&] {
+    return kernel::CallKeyLayer([&] {
+      return KeyMatchEx(handle, entry.key, significant_length, entry.position, found, key);
+    });
   });
   if (result == kOk && *found) std::memcpy(entry.key, key, sizeof key);
   return result;

@@ -8,6 +8,7 @@
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_internal.h"
 #include "storage/delphi_datetime.h"
+#include "storage/key_file_sharing.h"
 #include "storage/result_codes.h"
 
 namespace korvan::storage {
@@ -123,10 +124,13 @@ int iDK_RecordRead(int handle, int32_t position, void* buffer, int32_t* length, 
 
 int iDK_RecordInsert(int handle, void* record, int32_t length, bool reuse_free_space,
                      int32_t* position) {
-  const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
+  DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
   if (slot == nullptr) return kDkInvalidHandle;
   if (record == nullptr || length < kRecordHeaderSize) return kDkBadRecordLength;
   if (!slot->IsWritable()) return kDkIoError;
+  // Free space, appends and keys are shared with other processes: one change at a time.
+  kernel::TreeLock lock(handle, *slot, kernel::TreeAccess::kChange);
+  if (int begun = kernel::BeginChange(handle, *slot, lock); begun != kOk) return begun;
   auto* header = static_cast<TDbRecordHeader*>(record);
 
   kernel::FreeBlock block;
@@ -176,15 +180,18 @@ int iDK_RecordInsert(int handle, void* record, int32_t length, bool reuse_free_s
     }
   }
   *position = static_cast<int32_t>(target);
-  return kOk;
+  return lock.Release();
 }
 
 int iDK_RecordUpdate(int handle, void* record, int32_t old_length, int32_t position,
                      int32_t new_length) {
-  const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
+  DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
   if (slot == nullptr) return kDkInvalidHandle;
   if (record == nullptr || new_length < kRecordHeaderSize) return kDkBadRecordLength;
   if (!slot->IsWritable()) return kDkIoError;
+  // Free space, appends and keys are shared with other processes: one change at a time.
+  kernel::TreeLock lock(handle, *slot, kernel::TreeAccess::kChange);
+  if (int begun = kernel::BeginChange(handle, *slot, lock); begun != kOk) return begun;
   TDbRecordHeader stored;
   if (int result = ReadStoredHeader(*slot, position, &stored); result != kOk) return result;
   CheckConflict(handle, *slot, stored, HeaderOf(record), TDKDatabaseOperation::doUpdate);
@@ -204,10 +211,13 @@ int iDK_RecordUpdate(int handle, void* record, int32_t old_length, int32_t posit
 }
 
 int iDK_RecordDelete(int handle, void* record, int32_t position) {
-  const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
+  DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
   if (slot == nullptr) return kDkInvalidHandle;
   if (record == nullptr) return kDkBadRecordLength;
   if (!slot->IsWritable()) return kDkIoError;
+  // Free space, appends and keys are shared with other processes: one change at a time.
+  kernel::TreeLock lock(handle, *slot, kernel::TreeAccess::kChange);
+  if (int begun = kernel::BeginChange(handle, *slot, lock); begun != kOk) return begun;
   TDbRecordHeader stored;
   if (int result = ReadStoredHeader(*slot, position, &stored); result != kOk) return result;
   CheckConflict(handle, *slot, stored, HeaderOf(record), TDKDatabaseOperation::doDelete);
@@ -220,7 +230,9 @@ int iDK_RecordDelete(int handle, void* record, int32_t position) {
   freed.RecLen = -stored.RecLen;
   freed.LastModified = DelphiNow();
   if (kernel::WriteAt(slot->data_file, position, &freed, sizeof freed) != kOk) return kDkIoError;
-  return kernel::MergeFreeSpace(handle, *slot, position);
+  const int merged = kernel::MergeFreeSpace(handle, *slot, position);
+  const int written = lock.Release();
+  return merged != kOk ? merged : written;
 }
 
 int iDK_RecordCount(int handle, char record_type, int32_t* count) {

@@ -28,7 +28,11 @@ struct KeyFileHeaderV3 {
   uint16_t max_entries;   // 2042 div (key length + 8)
   uint16_t half_entries;  // max_entries div 2
   uint32_t root;          // 0 = empty tree
-  uint8_t zero[2029];
+  // Sharing between processes (key_file_sharing.h); zero in files that never had a
+  // writer since these fields were added, which reads as "closed cleanly".
+  uint64_t open_writers;  // bit s: the writer holding slot s has changed something
+  uint64_t change_stamp;  // counts the changes written back by any process
+  uint8_t zero[2013];
 };
 static_assert(sizeof(KeyFileHeaderV3) == kBlockSize);
 static_assert(offsetof(KeyFileHeaderV3, constant_two) == 1);
@@ -38,7 +42,9 @@ static_assert(offsetof(KeyFileHeaderV3, key_length) == 10);
 static_assert(offsetof(KeyFileHeaderV3, max_entries) == 11);
 static_assert(offsetof(KeyFileHeaderV3, half_entries) == 13);
 static_assert(offsetof(KeyFileHeaderV3, root) == 15);
-static_assert(offsetof(KeyFileHeaderV3, zero) == 19);
+static_assert(offsetof(KeyFileHeaderV3, open_writers) == 19);
+static_assert(offsetof(KeyFileHeaderV3, change_stamp) == 27);
+static_assert(offsetof(KeyFileHeaderV3, zero) == 35);
 
 // Start of a version 3 node; a freed node has count 0 and the next free node in
 // leftmost_child.

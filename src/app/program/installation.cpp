@@ -2,6 +2,8 @@
 
 #include "app/cli/command_error.h"
 #include "data/config/helvio_ini.h"
+#include "data/db/path_types.h"
+#include "data/integrity/key_file_recovery.h"
 
 #ifndef KORVAN_VERSION
 #define KORVAN_VERSION "0.0.0"
@@ -25,6 +27,9 @@ Installation LoadInstallation(const std::filesystem::path& base_dir) {
   const data::TConfigContext context = ProgramContext();
   data::TMachineConfig machine =
       data::TMachineConfig::Open(context, InstallationEnvironment(base_dir));
+  // Key files rebuilt on open are logged where the integrity check logs.
+  data::SetKeyFileRecoveryLogFolder(
+      data::DirectoryOfPathType(data::kPathSystemSys, machine.ToDatabaseDirectories()));
   data::TSysConfig system = data::TSysConfig::Open(context, machine);
   data::TUserConfig user = data::TUserConfig::Open(context, machine);
   return Installation{std::move(machine), std::move(system), std::move(user)};

@@ -15,8 +15,10 @@
 #include "app/commands/db/db_key_walk.h"
 #include "app/commands/db/key_text.h"
 #include "storage/data_file_check.h"
+#include "storage/db_kernel.h"
 #include "storage/file/file_names.h"
 #include "storage/key_tree_check.h"
+#include "storage/result_codes.h"
 
 namespace korvan::app {
 namespace {
@@ -101,6 +103,14 @@ int RunDbCheck(const std::string& base_path, Streams& streams) {
   Problems problems(streams.out);
   if (const int format = DataFileFormat(base_path); !IsRecordFormat(format)) {
     problems.Add(data_file, "Format " + ResultCodeText(format));
+  }
+
+  // Opening would rebuild such a key file (or refuse, where the tables are unknown).
+  if (bool clean = true;
+      storage::iDK_KeyFileClosedCleanly(base_path, &clean) == storage::kOk && !clean) {
+    problems.Add(key_file,
+                 "nicht sauber geschlossen: ein Schreiber endete ohne die Datenbank zu schließen, "
+                 "die Schlüssel sind nicht verlässlich");
   }
 
   // A database that does not even open is one problem; its data file is still walked.

@@ -1,0 +1,210 @@
+// Key files shared between processes and key files whose writer was killed: every
+// record a writer was told is stored is found by its key afterwards.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <map>
+
+#include "numbered_records.h"
+#include "storage/data_file_banner.h"
+#include "storage/data_file_check.h"
+#include "storage/key_file_sharing.h"
+#include "storage/key_tree_check.h"
+
+namespace korvan::storage::testing {
+namespace {
+
+using Positions = std::map<int32_t, int32_t>;
+
+int InsertNumbered(int handle, int32_t index, int32_t* position) {
+  std::vector<uint8_t> record = NumberedRecord(index);
+  if (int result = iDK_RecordInsert(handle, record.data(), static_cast<int32_t>(record.size()),
+                                    true, position);
+      result != 0) {
+    return result;
+  }
+  return iDK_KeyInsert(handle, NumberedKey(index, *position));
+}
+
+int DeleteNumbered(int handle, int32_t index, int32_t position) {
+  TDbRecordHeader header{};
+  if (int result = iDK_RecordDelete(handle, &header, position); result != 0) return result;
+  return iDK_KeyDelete(handle, NumberedKey(index, position));
+}
+
+// Runs `work` in a child that then waits to be killed; returns once the child has said
+// that its work returned, with the child killed.
+void KillAfter(const std::function<int()>& work) {
+  int channel[2];
+  ASSERT_EQ(pipe(channel), 0);
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    ForgetInheritedDatabases();
+    const int result = work();
+    if (write(channel[1], &result, sizeof result) != ssize_t{sizeof result}) _exit(3);
+    for (;;) pause();
+  }
+  close(channel[1]);
+  int result = -1;
+  const bool told = read(channel[0], &result, sizeof result) == ssize_t{sizeof result};
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+  close(channel[0]);
+  ASSERT_TRUE(told) << "the child died before its work returned";
+  ASSERT_EQ(result, 0) << "the child's work failed";
+}
+
+// Every record is where its key says, with its content; key tree and free-space index
+// agree with the data file.
+void ExpectAllFound(int handle, const Positions& expected) {
+  for (const auto& [index, position] : expected) {
+    ASSERT_EQ(FindNumbered(handle, index), position) << "key of record " << index;
+    const std::vector<uint8_t> record = NumberedRecord(index);
+    std::vector<uint8_t> stored(record.size() + 8);
+    auto length = static_cast<int32_t>(stored.size());
+    ASSERT_NO_THROW(iDK_RecordRead(handle, position, stored.data(), &length, true));
+    EXPECT_TRUE(std::equal(record.begin() + kRecordHeaderSize, record.end(),
+                           stored.begin() + kRecordHeaderSize))
+        << "record " << index;
+  }
+  EXPECT_EQ(CheckKeyFile(handle), std::vector<std::string>{});
+  EXPECT_EQ(CheckDataFile(handle).problems, std::vector<std::string>{});
+  int32_t live = 0;
+  ASSERT_EQ(iDK_RecordCount(handle, 0, &live), 0);
+  EXPECT_EQ(live, static_cast<int32_t>(expected.size()));
+}
+
+bool ClosedCleanly(const std::string& key_file) {
+  bool clean = false;
+  EXPECT_EQ(kernel::KeyFileClosedCleanly(key_file, &clean), 0);
+  return clean;
+}
+
+class KeyFileKilledWriter : public DbKernelTest {};
+
+TEST_F(KeyFileKilledWriter, AcknowledgedKeysAreFoundAfterTheWriterIsKilled) {
+  const std::string base = Base("killed");
+  ASSERT_EQ(iDK_DbClose(Create("killed", 'T', 24)), 0);
+  Positions acknowledged;
+  KillAfter([&] {
+    int handle = 0;
+    if (iDK_DbOpen('T', base, true, false, &handle) != 0) return 1;
+    for (int32_t index = 0; index < 500; ++index) {
+      int32_t position = 0;
+      if (InsertNumbered(handle, index, &position) != 0) return 2;
+    }
+    return 0;
+  });
+  // Positions follow from the order of appends: the same inserts here tell them.
+  int64_t position = kFirstBlockPosition;
+  for (int32_t index = 0; index < 500; ++index) {
+    acknowledged[index] = static_cast<int32_t>(position);
+    position += static_cast<int64_t>(NumberedRecord(index).size());
+  }
+  EXPECT_FALSE(ClosedCleanly(KeyFile("killed")));
+
+  int handle = 0;
+  // Nobody knows the records' keys: the key file is not trusted, nor touched.
+  EXPECT_EQ(iDK_DbOpen('T', base, false, true, &handle), kDkFatalRegenerateOk);
+  EXPECT_FALSE(ClosedCleanly(KeyFile("killed")));
+
+  NumberedKeySource source;
+  ASSERT_EQ(iDK_DbOpen('T', base, false, true, &handle), 0);
+  ASSERT_EQ(source.told.size(), 1u);
+  EXPECT_NE(source.told[0].find("nicht sauber geschlossen"), std::string::npos) << source.told[0];
+  EXPECT_NE(source.told[0].find("500 Datensätze"), std::string::npos) << source.told[0];
+  ExpectAllFound(handle, acknowledged);
+  ASSERT_EQ(iDK_DbClose(handle), 0);
+  EXPECT_TRUE(ClosedCleanly(KeyFile("killed")));
+  ASSERT_EQ(iDK_DbOpen('T', base, true, false, &handle), 0);
+  EXPECT_EQ(source.told.size(), 1u) << "a clean key file is rebuilt again";
+}
+
+TEST_F(KeyFileKilledWriter, MergedFreeSpaceOfAKilledWriterIsNotHandedOutInPieces) {
+  const std::string base = Base("merged");
+  const int created = Create("merged", 'T', 24);
+  Positions stored;
+  for (int32_t index = 0; index < 4; ++index) {
+    ASSERT_EQ(InsertNumbered(created, index, &stored[index]), 0);
+  }
+  ASSERT_EQ(iDK_DbClose(created), 0);
+  // The writer frees record 2, writes its keys back, then frees record 1, which merges
+  // both blocks into one, and is killed before it writes the keys back.
+  KillAfter([&] {
+    int handle = 0;
+    if (iDK_DbOpen('T', base, true, false, &handle) != 0) return 1;
+    if (DeleteNumbered(handle, 2, stored[2]) != 0 || iDK_DbFlush(handle) != 0) return 2;
+    return DeleteNumbered(handle, 1, stored[1]);
+  });
+  stored.erase(1);
+  stored.erase(2);
+
+  NumberedKeySource source;
+  int handle = 0;
+  ASSERT_EQ(iDK_DbOpen('T', base, true, false, &handle), 0);
+  EXPECT_EQ(source.told.size(), 1u);
+  ASSERT_EQ(InsertNumbered(handle, 10, &stored[10]), 0);
+  EXPECT_EQ(stored[10], stored[0] + static_cast<int32_t>(NumberedRecord(0).size()))
+      << "the new record belongs at the start of the merged block";
+  ASSERT_EQ(iDK_DbClose(handle), 0);
+  ASSERT_EQ(iDK_DbOpen('T', base, false, true, &handle), 0);
+  ExpectAllFound(handle, stored);
+}
+
+class KeyFileTwoWriters : public DbKernelTest {};
+
+// A writer of its own numbers: inserts, and deletes every fourth again so that free
+// space is shared too. Returns 0 when everything it was told succeeded.
+int WriteNumbers(const std::string& base, int32_t first, int count) {
+  int handle = 0;
+  if (iDK_DbOpen('S', base, true, true, &handle) != 0) return 1;
+  Positions mine;
+  for (int32_t index = first; index < first + count; ++index) {
+    if (InsertNumbered(handle, index, &mine[index]) != 0) return 2;
+    if (index % 4 == 3 && DeleteNumbered(handle, index - 2, mine[index - 2]) != 0) return 3;
+  }
+  return iDK_DbClose(handle) == 0 ? 0 : 4;
+}
+
+TEST_F(KeyFileTwoWriters, InsertingAtOnceBothAreFoundByAllKeys) {
+  const std::string base = Base("shared");
+  ASSERT_EQ(iDK_DbClose(Create("shared", 'S', 24)), 0);
+  constexpr int kEach = 400;
+  std::vector<pid_t> writers;
+  for (int32_t first : {0, 100000}) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      ForgetInheritedDatabases();
+      _exit(WriteNumbers(base, first, kEach));
+    }
+    writers.push_back(child);
+  }
+  for (pid_t writer : writers) {
+    int status = 0;
+    waitpid(writer, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "writer status " << status;
+  }
+  EXPECT_TRUE(ClosedCleanly(KeyFile("shared")));
+
+  int handle = 0;
+  ASSERT_EQ(iDK_DbOpen('S', base, false, true, &handle), 0);
+  Positions found;
+  for (int32_t first : {0, 100000}) {
+    for (int32_t index = first; index < first + kEach; ++index) {
+      const bool deleted = (index - first) % 4 == 1 && index + 2 < first + kEach;
+      const int32_t position = FindNumbered(handle, index);
+      if (deleted) {
+        EXPECT_EQ(position, -1) << "deleted record " << index << " still has its key";
+      } else {
+        ASSERT_GE(position, 0) << "record " << index << " lost its key";
+        found[index] = position;
+      }
+    }
+  }
+  ExpectAllFound(handle, found);
+}
+
+}  // namespace
+}  // namespace korvan::storage::testing
