@@ -234,9 +234,19 @@ int BeginChange(int handle, DbHandleSlot& slot, TreeLock& lock) {
   return kOk;
 }
 
+// A key file that may only be read (a medium without write permission) can be neither
+// guarded nor rebuilt: it is used when it ended cleanly and refused otherwise.
+int JoinReadOnly(const DbHandleSlot& slot) {
+  uint64_t bits = 0;
+  if (int read = ReadHeaderField(slot.key_file, kWritersOffset, &bits); read != kOk) return read;
+  const WriterCensus census = CountWriters(slot.key_file, bits);
+  return census.gone == 0 || census.others_alive ? kOk : kDkFatalRegenerateOk;
+}
+
 int JoinKeyFile(int handle, DbHandleSlot& slot) {
   slot.cached_change_stamp = kNoStamp;
   if (!IsVersion3(slot)) return kOk;
+  if ((fcntl(slot.key_file, F_GETFL) & O_ACCMODE) == O_RDONLY) return JoinReadOnly(slot);
   if (LockByte(slot.key_file, kGuardByte, F_WRLCK, true) != 0) return kDkIoError;
   int result = kOk;
   if (slot.IsWritable()) result = TakeWriterSlot(slot, &slot.writer_slot);
