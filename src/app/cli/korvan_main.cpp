@@ -10,6 +10,7 @@
 #include "app/cli/command_error.h"
 #include "app/cli/german_help.h"
 #include "app/cli/parse_error_text.h"
+#include "app/program/program_tables.h"
 #include "data/integrity/key_file_recovery.h"
 
 #ifndef KORVAN_VERSION
@@ -148,7 +149,7 @@ int RunKorvan(const std::vector<std::string>& args, std::ostream& out, std::ostr
 
   Streams streams{out, err};
   // A key file whose writer ended without closing it is rebuilt when it is opened.
-  data::TKeyFileRecovery key_file_recovery(err);
+  data::TKeyFileRecovery key_file_recovery(err, ProgramTables());
   for (auto& [sub, command] : subs) {
     if (!sub->parsed()) continue;
     try {

@@ -5,8 +5,8 @@
 
 #include "data/integrity/integrity_log.h"
 #include "storage/db_kernel_codes.h"
-#include "storage/result_codes.h"
 #include "storage/record_header.h"
+#include "storage/result_codes.h"
 
 namespace korvan::data {
 namespace {
@@ -19,8 +19,8 @@ TKeyFileRecovery::TypeTables::~TypeTables() {
   tables.clear();  // the tables leave their database object first
 }
 
-TKeyFileRecovery::TKeyFileRecovery(std::ostream& tell, TTableRegistry registry)
-    : FTell(tell), FRegistry(std::move(registry)), FPrevious(storage::SetRecordKeySource(this)) {}
+TKeyFileRecovery::TKeyFileRecovery(std::ostream& tell, const TTableRegistry& registry)
+    : FTell(tell), FRegistry(registry), FPrevious(storage::SetRecordKeySource(this)) {}
 
 TKeyFileRecovery::~TKeyFileRecovery() {
   storage::SetRecordKeySource(FPrevious);

@@ -21,7 +21,7 @@ namespace korvan::data {
 // into its "SYS" folder.
 class TKeyFileRecovery : public storage::RecordKeySource {
  public:
-  explicit TKeyFileRecovery(std::ostream& tell, TTableRegistry registry = StandardTableRegistry());
+  TKeyFileRecovery(std::ostream& tell, const TTableRegistry& registry);
   ~TKeyFileRecovery() override;
   TKeyFileRecovery(const TKeyFileRecovery&) = delete;
   TKeyFileRecovery& operator=(const TKeyFileRecovery&) = delete;
@@ -47,7 +47,7 @@ class TKeyFileRecovery : public storage::RecordKeySource {
   void WriteLog();
 
   std::ostream& FTell;
-  TTableRegistry FRegistry;
+  const TTableRegistry& FRegistry;
   std::map<std::pair<char, int>, TypeTables> FTypes;
   std::vector<std::string> FLines;
   size_t FLogged = 0;  // lines already in a log
