@@ -124,11 +124,36 @@ void BM_KernelKeyLookup(benchmark::State& state) {
   std::filesystem::remove_all(dir);
 }
 
+// The system calls the tree lock adds to every key operation, alone: lock, read the
+// change stamp, unlock.
+void BM_TreeLockRoundTrip(benchmark::State& state) {
+  const std::string dir = BenchDirectory();
+  const std::string path = dir + "/db1";
+  const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0644);
+  std::vector<char> block(2048, 0);
+  if (pwrite(fd, block.data(), block.size(), 0) != 2048) state.SkipWithError("write failed");
+  struct flock lock {};
+  lock.l_whence = SEEK_SET;
+  lock.l_start = off_t{1} << 40;
+  lock.l_len = 1;
+  uint64_t stamp = 0;
+  for (auto _ : state) {
+    lock.l_type = F_RDLCK;
+    fcntl(fd, F_OFD_SETLKW, &lock);
+    benchmark::DoNotOptimize(pread(fd, &stamp, sizeof stamp, 27));
+    lock.l_type = F_UNLCK;
+    fcntl(fd, F_OFD_SETLK, &lock);
+  }
+  close(fd);
+  std::filesystem::remove_all(dir);
+}
+
 BENCHMARK(BM_Write200Synchronous)->Unit(benchmark::kMicrosecond)->UseRealTime();
 BENCHMARK(BM_Write200Buffered)->Unit(benchmark::kMicrosecond)->UseRealTime();
 BENCHMARK(BM_RecordInsertAppend)->Unit(benchmark::kMicrosecond)->UseRealTime();
 BENCHMARK(BM_RecordUpdateInPlace)->Unit(benchmark::kMicrosecond)->UseRealTime();
 BENCHMARK(BM_KernelKeyInsert)->Unit(benchmark::kMicrosecond)->UseRealTime();
 BENCHMARK(BM_KernelKeyLookup)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(BM_TreeLockRoundTrip)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 }  // namespace
