@@ -12,6 +12,7 @@
 #include "storage/block_io.h"
 #include "storage/db_kernel_codes.h"
 #include "storage/lock_file_mutex.h"
+#include "storage/lock_task_liveness.h"
 #include "storage/result_codes.h"
 
 namespace korvan::storage {
@@ -158,6 +159,7 @@ int LockFile::Reopen() {
   if (fd_ >= 0) close(fd_);
   fd_ = -1;
   deleted_ = false;
+  own_tasks_.clear();  // their liveness bytes went with the descriptor
   int result = OpenOrCreate(path_, &fd_);
   if (result != kOk) return result;
   if (BlockCache::Instance().Open(registration_, fd_, path_, kLockFileCacheBlocks) != kOk) {
@@ -232,10 +234,11 @@ int LockFile::ReadAllEntries(std::vector<KeyEntry>* entries) {
 // ---- Operation bodies (mutex held, cache fresh) -------------------------------------
 
 int LockFile::RegisterBody(uint32_t user_identity, bool reuse, int* task) {
+  int result = RemoveDeadTasks();
+  if (result != kOk) return result;
   TaskTable table;
   KeyEntry stored;
-  int result = ReadTaskTable(&table, &stored);
-  if (result != kOk) return result;
+  if ((result = ReadTaskTable(&table, &stored)) != kOk) return result;
 
   if (reuse) {
     std::vector<KeyEntry> users;
@@ -245,6 +248,8 @@ int LockFile::RegisterBody(uint32_t user_identity, bool reuse, int* task) {
       int owner = ParseUserTask(user);
       if (owner < 0 || user.position != user_identity) continue;
       *task = owner;
+      // Shared with the earlier registration when that process still lives.
+      if (HoldTaskAlive(fd_, owner)) own_tasks_.insert(owner);
       if (table.Has(owner)) return kOk;
       table.Set(owner);  // repair a table that lost the bit
       return WriteTaskTable(stored, table);
@@ -259,6 +264,8 @@ int LockFile::RegisterBody(uint32_t user_identity, bool reuse, int* task) {
       (result = RemoveWriteLocksOf(free_task)) != kOk) {
     return result;
   }
+  if (!HoldTaskAlive(fd_, free_task)) return kDkIoError;
+  own_tasks_.insert(free_task);
   table.Set(free_task);
   if ((result = WriteTaskTable(stored, table)) != kOk ||
       (result = InsertKey(registration_, UserEntry(free_task, user_identity))) != kOk) {
@@ -269,10 +276,12 @@ int LockFile::RegisterBody(uint32_t user_identity, bool reuse, int* task) {
 }
 
 int LockFile::UnregisterBody(int task) {
+  // Dead tasks gone first: the last live user deletes the file.
+  int result = RemoveDeadTasks();
+  if (result != kOk) return result;
   TaskTable table;
   KeyEntry stored;
-  int result = ReadTaskTable(&table, &stored);
-  if (result != kOk) return result;
+  if ((result = ReadTaskTable(&table, &stored)) != kOk) return result;
   bool registered = false;
   if ((result = IsRegistered(task, &registered)) != kOk) return result;
   if (!registered && !table.Has(task)) return kLockTaskNotRegistered;
@@ -286,12 +295,16 @@ int LockFile::UnregisterBody(int task) {
     if ((result = WriteTaskTable(stored, table)) != kOk) return result;
   }
   delete_after_commit_ = table.count == 0;
+  ReleaseTaskAlive(fd_, task);
+  own_tasks_.erase(task);
   return kOk;
 }
 
 int LockFile::LockSetBody(int task, LockMode mode, const std::string& name, LockHolder* holder) {
+  int result = RemoveDeadTasks();
+  if (result != kOk) return result;
   bool registered = false;
-  int result = IsRegistered(task, &registered);
+  result = IsRegistered(task, &registered);
   if (result != kOk) return result;
   if (!registered) return kLockTaskNotRegistered;
 
@@ -355,8 +368,10 @@ int LockFile::ReleaseAllBody(int task) {
 }
 
 int LockFile::WriteLockSetBody(int task, const std::string& name, LockHolder* holder) {
+  int result = RemoveDeadTasks();
+  if (result != kOk) return result;
   bool registered = false;
-  int result = IsRegistered(task, &registered);
+  result = IsRegistered(task, &registered);
   if (result != kOk) return result;
   if (!registered) return kLockTaskNotRegistered;
 
@@ -503,6 +518,32 @@ int LockFile::RemoveUserEntriesOf(int task) {
     if ((result = KeyDelete(registration_, user)) != kOk) return result;
   }
   return kOk;
+}
+
+int LockFile::RemoveDeadTasks() {
+  TaskTable table;
+  KeyEntry stored;
+  int result = ReadTaskTable(&table, &stored);
+  if (result != kOk) return result;
+  std::set<int> tasks;
+  for (int task = 0; task < kMaxLockTasks; ++task) {
+    if (table.Has(task)) tasks.insert(task);
+  }
+  std::vector<KeyEntry> users;
+  if ((result = Collect(KindPattern(kUserKind), 1, &users)) != kOk) return result;
+  for (const KeyEntry& user : users) {
+    if (const int task = ParseUserTask(user); task >= 0) tasks.insert(task);
+  }
+  const TaskTable before = table;
+  for (const int task : tasks) {
+    if (own_tasks_.contains(task) || TaskAliveElsewhere(fd_, task)) continue;
+    if ((result = ReleaseAllBody(task)) != kOk || (result = RemoveWriteLocksOf(task)) != kOk ||
+        (result = RemoveUserEntriesOf(task)) != kOk) {
+      return result;
+    }
+    if (table.Has(task)) table.Clear(task);
+  }
+  return table.count == before.count ? kOk : WriteTaskTable(stored, table);
 }
 
 }  // namespace korvan::storage

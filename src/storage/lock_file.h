@@ -1,5 +1,7 @@
 #pragma once
 
+#include <set>
+
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -37,6 +39,11 @@ struct LockHolder {
 // mutex held, by dropping the file's cache registration and registering it afresh
 // (BlockCache::Close discards all of the file's blocks); everything it reads comes from
 // the file as the previous holder of the mutex left it.
+//
+// A task that is registered through this object keeps its liveness byte (see
+// lock_task_liveness.h); the tasks of processes that ended without unregistering are
+// removed with all their locks by the next operation that registers, unregisters or
+// locks, so a killed user never blocks the others.
 //
 // The mutex is a process-wide record lock (see lock_file_mutex.h): a process must have
 // only one LockFile per file. The kernel guarantees this, since a database can be open
@@ -123,12 +130,16 @@ class LockFile {
                       const std::optional<NameLock>& new_lock);
   int RemoveWriteLocksOf(int task);
   int RemoveUserEntriesOf(int task);
+  // Removes the tasks whose process has ended (their liveness byte is free) with their
+  // locks and write locks.
+  int RemoveDeadTasks();
 
   std::string path_;
   int registration_;
   int fd_;
   bool deleted_ = false;
   bool delete_after_commit_ = false;
+  std::set<int> own_tasks_;  // registered through this object, liveness byte held
 };
 
 }  // namespace korvan::storage

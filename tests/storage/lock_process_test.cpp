@@ -12,6 +12,7 @@
 
 #include "lock_test_process.h"
 #include "storage/db_kernel_codes.h"
+#include "storage/lock_entry_keys.h"
 #include "storage/lock_file.h"
 #include "storage/lock_file_mutex.h"
 #include "storage/lock_wait.h"
@@ -111,6 +112,43 @@ TEST_F(LockProcesses, NestedLockMustBeReleasedTwice) {
   EXPECT_EQ(LockSet(LockMode::kExclusive, "Rec"), kOk);
   other.Send('Q');
   EXPECT_EQ(other.Wait(), 0);
+}
+
+TEST_F(LockProcesses, LocksOfAKilledUserAreRemovedInsteadOfBlocking) {
+  char dead_task = 0;
+  {
+    TestProcess killed([&](const Channel& channel) {
+      std::unique_ptr<LockFile> file;
+      int task = -1;
+      LockHolder holder;
+      if (LockFile::Open(path_, 42, &file) != kOk ||
+          RepeatWhileBusy([&] { return file->RegisterTask(7042, false, &task); }) != kOk ||
+          RepeatWhileBusy(
+              [&] { return file->LockSet(task, LockMode::kExclusive, "Rec", &holder); }) != kOk ||
+          RepeatWhileBusy([&] { return file->WriteLockSet(task, "Tabelle", &holder); }) != kOk) {
+        return 1;
+      }
+      channel.Send(static_cast<char>(task));
+      channel.Receive();  // killed while it waits here
+      return 0;
+    });
+    dead_task = killed.Receive();
+    LockHolder holder;
+    ASSERT_EQ(lock_file_->LockSet(task_, LockMode::kExclusive, "Rec", &holder), kLockNameExclusive);
+    EXPECT_EQ(holder.task, dead_task);
+  }  // killed: its process ends without unregistering
+
+  LockHolder holder;
+  EXPECT_EQ(lock_file_->LockSet(task_, LockMode::kExclusive, "Rec", &holder), kOk);
+  EXPECT_EQ(lock_file_->WriteLockSet(task_, "Tabelle", &holder), kOk);
+  std::vector<KeyEntry> entries;
+  ASSERT_EQ(lock_file_->ReadAllEntries(&entries), kOk);
+  for (const KeyEntry& entry : entries) {
+    EXPECT_NE(ParseUserTask(entry), dead_task) << "the dead user is still registered";
+  }
+  // This process is the last live user: the file goes with it.
+  ASSERT_EQ(lock_file_->UnregisterTask(task_), kOk);
+  EXPECT_FALSE(std::filesystem::exists(path_));
 }
 
 TEST_F(LockProcesses, LockFileDisappearsWithTheLastTaskAndReturns) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <exception>
+#include <filesystem>
+#include <optional>
 #include <ostream>
 
 #include <CLI/CLI.hpp>
@@ -12,6 +14,8 @@
 #include "app/cli/parse_error_text.h"
 #include "app/program/program_tables.h"
 #include "data/integrity/key_file_recovery.h"
+#include "app/program/command_startup.h"
+#include "app/program/data_dir.h"
 
 #ifndef KORVAN_VERSION
 #define KORVAN_VERSION "0.0.0"
@@ -81,6 +85,22 @@ int PrintHelp(CLI::App& app, const std::vector<std::string>& topic, std::ostream
   }
   out << sub->help();
   return kExitOk;
+}
+
+// The installation whose settings a command runs under: its -d/--data directory, or for
+// the commands on one database the installation the database lies in.
+std::optional<std::filesystem::path> InstallationOf(const CLI::App& sub) {
+  if (const CLI::Option* data = sub.get_option_no_throw("--data")) {
+    return data->count() > 0 ? std::filesystem::path(data->results().front())
+                             : std::filesystem::path(DefaultDataDir());
+  }
+  if (const CLI::Option* base = sub.get_option_no_throw("base"); base && base->count() > 0) {
+    return InstallationAbove(base->results().front());
+  }
+  for (const CLI::App* operation : sub.get_subcommands()) {
+    if (std::optional<std::filesystem::path> found = InstallationOf(*operation)) return found;
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -153,6 +173,7 @@ int RunKorvan(const std::vector<std::string>& args, std::ostream& out, std::ostr
   for (auto& [sub, command] : subs) {
     if (!sub->parsed()) continue;
     try {
+      StartCommandStorage(InstallationOf(*sub));
       return command->Run(streams);
     } catch (const UsageError& e) {
       err << "korvan " << command->Name() << ": " << e.what() << "\n";

@@ -20,8 +20,9 @@ std::vector<const DatabaseFile*> TdmDataRebuild::ExistingFiles(std::string_view 
 
 DatabaseRebuild TdmDataRebuild::RebuildFile(const DatabaseFile& file) {
   TControlList list(file.directory());
+  const bool held = FHeld != nullptr && FHeld->exclusive() && FHeld->Holds(file.directory());
   try {
-    if (!list.Open(FMe, true)) {
+    if (!held && !list.Open(FMe, true)) {
       DatabaseRebuild refused;
       refused.data_file = file.DataFileName();
       const auto& holder = list.GetLockUser();

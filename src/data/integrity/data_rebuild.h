@@ -7,6 +7,7 @@
 
 #include "data/db/control_list.h"
 #include "data/db/db_groups.h"
+#include "data/db/directory_sign_in.h"
 #include "data/integrity/data_integrity.h"
 #include "data/integrity/database_recovery.h"
 #include "data/tables/table_registry.h"
@@ -19,7 +20,8 @@ namespace korvan::data {
 //
 // Before a directory's files are replaced, its control file "DATA.QDC" is consulted:
 // the rebuild signs in exclusively and refuses when anybody else works in the
-// directory, and stays signed in until the files are replaced.
+// directory, and stays signed in until the files are replaced. A caller that holds the
+// directories alone for a longer run says so with HoldDirectories.
 class TdmDataRebuild {
  public:
   // `registry` knows the table classes that build the keys of the copied records; a
@@ -28,6 +30,10 @@ class TdmDataRebuild {
 
   // The table classes the rebuild and its integrity checks know.
   const TTableRegistry& Registry() const { return FRegistry; }
+
+  // The exclusive sign-in under which the caller runs; directories it holds are not
+  // signed in to again.
+  void HoldDirectories(const TDirectorySignIn* held) { FHeld = held; }
 
   // The group's databases, rebuilt; one result per existing data file.
   std::vector<DatabaseRebuild> RebuildGroup(std::string_view group);
@@ -79,6 +85,7 @@ class TdmDataRebuild {
 
   const DatabaseFiles& FFiles;
   ControlUser FMe;
+  const TDirectorySignIn* FHeld = nullptr;
   TTableRegistry FRegistry;
   std::vector<std::unique_ptr<TStdDb>> FOpenForCheck;
   std::vector<std::string> FRecoveryLines;

@@ -13,6 +13,7 @@
 #include <CLI/CLI.hpp>
 
 #include "app/cli/command_error.h"
+#include "app/program/command_sign_in.h"
 #include "app/program/current_project.h"
 #include "app/program/data_dir.h"
 #include "app/program/program_tables.h"
@@ -23,11 +24,6 @@
 namespace korvan::app {
 namespace fs = std::filesystem;
 namespace {
-
-std::string HostName() {
-  char name[HOST_NAME_MAX + 1] = {};
-  return ::gethostname(name, sizeof name - 1) == 0 ? std::string(name) : std::string();
-}
 
 // Writes "\r<table>: n/total" on a terminal.
 class ProgressLine {
@@ -80,35 +76,21 @@ std::string MaintenanceTarget::SysFolder() const {
 }
 
 data::ControlUser MaintenanceTarget::Me() const {
-  return {installation_.machine.SystemUserName(), HostName()};
+  return CommandUser(installation_.machine.SystemUserName());
 }
 
-void MaintenanceTarget::RequireNoOtherUsers(const std::vector<const data::DatabaseFile*>& files,
-                                            const std::string& action) const {
-  std::set<std::string> directories;
-  for (const data::DatabaseFile* file : files) directories.insert(file->directory());
-  for (const std::string& directory : directories) {
-    data::TControlList list(directory);
-    try {
-      if (list.Open(Me(), true)) {
-        list.Close();
-        continue;
-      }
-    } catch (const data::ControlFileError& error) {
-      throw CommandError(action + " abgebrochen, nichts geändert: " + error.what());
-    }
-    const std::optional<data::ControlEntry>& holder = list.GetLockUser();
-    std::string who = holder ? holder->DisplayName() : std::string(data::kStandardUser);
-    if (holder && !holder->machine.empty()) who += " (" + holder->machine + ")";
-    throw CommandError(action + " abgebrochen, nichts geändert: Verzeichnis \"" + directory +
-                       "\" wird benutzt von " + who);
-  }
+std::unique_ptr<data::TDirectorySignIn> MaintenanceTarget::SignIn(
+    const std::vector<const data::DatabaseFile*>& files, bool exclusive,
+    const std::string& action) const {
+  return SignInToDirectoriesOf(Me(), files, exclusive, action);
 }
 
 int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group, bool verbose,
              Streams& streams) {
   const MaintenanceTarget target(base_dir, group);
   data::TdmDataRebuild rebuild(target.files(), target.Me(), ProgramTables());
+  // Repairs write while others may work, as any user does; a rebuild must wait.
+  const auto sign_in = target.SignIn(rebuild.ExistingFiles(group), false, "Prüfung");
   data::TDataIntegrity run(rebuild.Registry());
   ProgressLine progress(streams.err);
   run.FOnProgress = [&](const data::TStdTB& table, int checked, int total) {

@@ -8,6 +8,7 @@
 #include "app/program/installation.h"
 #include "data/db/control_list.h"
 #include "data/db/db_groups.h"
+#include "data/db/directory_sign_in.h"
 
 namespace korvan::app {
 
@@ -25,11 +26,13 @@ class MaintenanceTarget {
   std::string SysFolder() const;
   // Who signs into the directories' control files.
   data::ControlUser Me() const;
-  // Throws CommandError, naming the user, when somebody else works in a directory of
-  // the files (its "DATA.QDC" lists them): `action` ("Neuaufbau", ...) then must not
-  // start, so that it changes nothing rather than only some of the databases.
-  void RequireNoOtherUsers(const std::vector<const data::DatabaseFile*>& files,
-                           const std::string& action) const;
+  // Signs in to every directory of the files for the whole run: shared for the check,
+  // exclusively for a rebuild or reorg (`action`, "Neuaufbau", ...), which then must not
+  // start while anybody else works there, so that it changes nothing rather than only
+  // some of the databases. Throws CommandError naming the directory and the user.
+  std::unique_ptr<data::TDirectorySignIn> SignIn(
+      const std::vector<const data::DatabaseFile*>& files, bool exclusive,
+      const std::string& action) const;
 
  private:
   Installation installation_;

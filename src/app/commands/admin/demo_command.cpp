@@ -11,6 +11,7 @@
 #include "app/commands/admin/info_command.h"
 #include "app/commands/admin/init_command.h"
 #include "app/commands/db/db_database.h"
+#include "app/program/command_sign_in.h"
 #include "app/program/data_dir.h"
 #include "app/program/installation.h"
 #include "boq/units/currency_records.h"
@@ -122,6 +123,8 @@ void AddSampleMasterData(const std::string& base_dir, std::ostream& out) {
   const data::DatabaseFile* stamm = files.Find("DB_Stamm", data::kPathStammdaten);
   if (stamm == nullptr) throw CommandError("die Installation hat kein Stammdatenverzeichnis");
 
+  const auto sign_in = SignInToDirectories(CommandUser(installation.machine.SystemUserName()),
+                                           {stamm->directory()}, false);
   data::TCollectedMessages messages;
   data::TStdDb db(*stamm);
   db.SetMessages(&messages);

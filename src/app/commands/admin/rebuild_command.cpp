@@ -15,7 +15,8 @@ namespace korvan::app {
 int RunRebuild(const std::string& base_dir, const std::string& group, Streams& streams) {
   const MaintenanceTarget target(base_dir, group);
   data::TdmDataRebuild rebuild(target.files(), target.Me(), ProgramTables());
-  target.RequireNoOtherUsers(rebuild.ExistingFiles(group), "Neuaufbau");
+  const auto sign_in = target.SignIn(rebuild.ExistingFiles(group), true, "Neuaufbau");
+  rebuild.HoldDirectories(sign_in.get());
   const std::vector<data::DatabaseRebuild> results =
       group.empty() ? rebuild.RebuildAll() : rebuild.RebuildGroup(group);
   int failed = 0;

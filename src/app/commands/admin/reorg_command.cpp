@@ -15,7 +15,8 @@ namespace korvan::app {
 int RunReorg(const std::string& base_dir, Streams& streams) {
   const MaintenanceTarget target(base_dir, "");
   data::TdmDataRebuild rebuild(target.files(), target.Me(), ProgramTables());
-  target.RequireNoOtherUsers(rebuild.ExistingFiles(), "Reorganisation");
+  const auto sign_in = target.SignIn(rebuild.ExistingFiles(), true, "Reorganisation");
+  rebuild.HoldDirectories(sign_in.get());
   // The steps take minutes on large projects: say which one is running as it starts.
   const auto announce = [&](const std::string& step) {
     streams.err << step << " ...\n" << std::flush;

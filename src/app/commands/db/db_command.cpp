@@ -1,15 +1,21 @@
 #include "app/commands/db/db_command.h"
 
 #include <cctype>
+#include <chrono>
+#include <filesystem>
 #include <iostream>
+#include <memory>
 
 #include <CLI/CLI.hpp>
 
 #include "app/cli/command_error.h"
 #include "app/commands/db/db_database.h"
 #include "app/program/program_tables.h"
+#include "app/program/command_sign_in.h"
+#include "data/db/directory_sign_in.h"
 #include "storage/db_kernel.h"
 #include "storage/file/file_names.h"
+#include "storage/kernel_settings.h"
 #include "storage/key_file.h"
 #include "storage/result_codes.h"
 
@@ -44,9 +50,34 @@ void DbCommand::Define(CLI::App& app) {
                &DbCommand::Shell);
 }
 
+namespace {
+
+// The tool works beside everybody else on the directory (a rebuild or reorg running there
+// makes it wait, then refuse). Where no control file can be kept (a directory only to be
+// read), nobody can replace files either, so the operations that only read go ahead.
+std::unique_ptr<data::TDirectorySignIn> SignInBeside(const std::string& base_path, bool writes) {
+  std::string directory = std::filesystem::path(base_path).parent_path().string();
+  if (directory.empty()) directory = ".";
+  const std::chrono::milliseconds wait(storage::CurrentKernelSettings().lock_timeout_ms);
+  auto sign_in = std::make_unique<data::TDirectorySignIn>(CommandUser({}), false, wait);
+  try {
+    sign_in->Add(directory);
+  } catch (const data::DirectoryInUseError& error) {
+    throw CommandError(error.what());
+  } catch (const data::ControlFileError& error) {
+    if (writes) throw CommandError(error.what());
+  }
+  return sign_in;
+}
+
+}  // namespace
+
 int DbCommand::Run(Streams& streams) {
   for (const auto& [sub, operation] : operations_) {
-    if (sub->parsed()) return (this->*operation)(streams);
+    if (!sub->parsed()) continue;
+    const bool writes = operation == &DbCommand::Create || operation == &DbCommand::Shell;
+    const auto sign_in = SignInBeside(base_path_, writes);
+    return (this->*operation)(streams);
   }
   throw UsageError("ein Unterbefehl fehlt (create, info, dump, keys, check, shell)");
 }

@@ -4,6 +4,8 @@
 
 #include "app/cli/command_error.h"
 #include "app/commands/db/db_database.h"
+#include "app/commands/lists/journal_wait.h"
+#include "app/program/command_sign_in.h"
 #include "app/program/installation.h"
 #include "storage/result_codes.h"
 
@@ -25,7 +27,8 @@ class MasterDataSession::RowReloader : public data::TCDataRowRestorer {
 std::unique_ptr<data::TUndoRedo> OpenJournal(const std::string& data_dir,
                                              data::TDamagedFile damaged) {
   try {
-    return data::TUndoRedo::OpenPersistent(data_dir, damaged);
+    return WaitWhileJournalInUse(
+        [&] { return data::TUndoRedo::OpenPersistent(data_dir, damaged); });
   } catch (const data::UndoJournalError& e) {
     if (!e.Damaged()) throw CommandError(e.what());
     throw CommandError(std::string(e.what()) +
@@ -42,12 +45,21 @@ MasterDataSession::MasterDataSession(const data::TTableRegistry& tables,
   files_ = std::make_unique<data::DatabaseFiles>(installation.machine.ToDatabaseDirectories());
   const data::DatabaseFile* stamm = files_->Find("DB_Stamm", data::kPathStammdaten);
   if (stamm == nullptr) throw CommandError("die Installation hat kein Stammdatenverzeichnis");
+  sign_in_ = SignInToDirectories(CommandUser(installation.machine.SystemUserName()),
+                                 {stamm->directory()}, false);
   db_ = std::make_unique<data::TStdDb>(*stamm);
   db_->SetMessages(&messages_);
   db_->SetModifiedById(installation.machine.SystemUserName());
   db_->SetConcurrencyQuestion(&answer_);
+}
+
+// Opened on first use, and for a session that writes only after its journal: the
+// journal is held while the database is used, and a database opened before waiting for
+// it would start from what the other writer had not yet finished.
+void MasterDataSession::OpenDbOnce() {
+  if (db_->IsOpen()) return;
   if (const int opened = db_->DbOpen(true); opened != storage::kOk) {
-    throw CommandError(stamm->DataFileName() + ": " + ResultCodeText(opened));
+    throw CommandError(db_->BasePath() + "0: " + ResultCodeText(opened));
   }
   // A step a killed process left unfinished is settled before anything is read, so that
   // nobody sees a change the journal then takes back. Should that fail, the commands
@@ -59,6 +71,11 @@ MasterDataSession::MasterDataSession(const data::TTableRegistry& tables,
     } catch (const CommandError&) {
     }
   }
+}
+
+data::TStdDb& MasterDataSession::Db() {
+  OpenDbOnce();
+  return *db_;
 }
 
 // Opened on first use: a session that only reads neither takes the journal's lock nor is
@@ -73,6 +90,7 @@ void MasterDataSession::OpenJournalOnce() {
   rows_ = std::make_unique<RowReloader>();
   journal_->SetRecordRestorer(restorer_.get());
   journal_->SetRowRestorer(rows_.get());
+  OpenDbOnce();
   // A step a killed process left is taken back before anything else is done, so that
   // journal and data agree.
   if (!journal_->ResolveUnfinished()) {
@@ -99,7 +117,7 @@ data::UserActionScope& MasterDataSession::Actions() {
 // before its file set goes.
 MasterDataSession::~MasterDataSession() {
   observing_.reset();
-  if (db_) db_->DbClose();
+  if (db_ && db_->IsOpen()) db_->DbClose();
 }
 
 }  // namespace korvan::app

@@ -5,6 +5,7 @@
 
 #include "data/component/c_data_undo.h"
 #include "data/db/db_groups.h"
+#include "data/db/directory_sign_in.h"
 #include "data/tables/concurrency_question.h"
 #include "data/tables/std_db.h"
 #include "data/tables/table_registry.h"
@@ -23,7 +24,8 @@ std::unique_ptr<data::TUndoRedo> OpenJournal(const std::string& data_dir,
 // from its first use on; the journal puts records back through the table classes of
 // `tables`. The concurrency question is answered by `overwrite`. A damaged
 // journal is reported (CommandError naming file and byte) or, for commands that must not
-// be stopped by it, set aside as `damaged` says.
+// be stopped by it, set aside as `damaged` says. The session is signed in to the master
+// data directory's control file for as long as it lasts.
 class MasterDataSession {
  public:
   MasterDataSession(const data::TTableRegistry& tables, const std::string& data_dir, bool overwrite,
@@ -32,7 +34,8 @@ class MasterDataSession {
   MasterDataSession(const MasterDataSession&) = delete;
   MasterDataSession& operator=(const MasterDataSession&) = delete;
 
-  data::TStdDb& Db() { return *db_; }
+  // The master database, opened on first use (CommandError when it cannot be).
+  data::TStdDb& Db();
   // The journal, opened on first use; from then on it records every record change of the
   // session. A step a killed process left unfinished is finished or taken back first
   // (RecoveryNote() tells the user). CommandError when it cannot be opened.
@@ -42,11 +45,14 @@ class MasterDataSession {
  private:
   class RowReloader;
   void OpenJournalOnce();
+  void OpenDbOnce();
 
   const data::TTableRegistry& tables_;
   std::string data_dir_;
   data::TDamagedFile damaged_;
   std::unique_ptr<data::DatabaseFiles> files_;
+  // Held while the database is open: no rebuild or reorg replaces its files meanwhile.
+  std::unique_ptr<data::TDirectorySignIn> sign_in_;
   std::unique_ptr<data::TStdDb> db_;
   data::TFixedConcurrencyAnswer answer_;
   data::TCollectedMessages messages_;

@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include "app/cli/command_error.h"
+#include "app/commands/lists/journal_wait.h"
 #include "app/commands/lists/master_data_session.h"
 #include "app/program/data_dir.h"
 #include "app/program/program_tables.h"
@@ -125,7 +126,8 @@ int UndoCommand::Clear(Streams& streams) {
   std::string counted;
   try {
     // Counted first, for the report; the journal is closed again before it is deleted.
-    const std::unique_ptr<data::TUndoRedo> journal = data::TUndoRedo::OpenPersistent(data_dir_);
+    const std::unique_ptr<data::TUndoRedo> journal =
+        WaitWhileJournalInUse([&] { return data::TUndoRedo::OpenPersistent(data_dir_); });
     counted = Steps(journal->UndoCaptions().size()) + " zum Rückgängigmachen und " +
               Steps(journal->RedoCaptions().size()) + " zum Wiederherstellen verworfen";
   } catch (const data::UndoJournalError& error) {
@@ -134,7 +136,7 @@ int UndoCommand::Clear(Streams& streams) {
   }
   std::vector<std::string> removed;
   try {
-    removed = data::TUndoRedo::RemovePersistent(data_dir_);
+    removed = WaitWhileJournalInUse([&] { return data::TUndoRedo::RemovePersistent(data_dir_); });
   } catch (const data::UndoJournalError& error) {
     throw CommandError(std::string(error.what()) + "; das Journal wurde nicht geleert");
   }
