@@ -14,7 +14,10 @@
 #include <vector>
 
 #include "app/program/installation.h"
+#include "boq/units/tb_waehrung.h"
 #include "data/db/control_list.h"
+#include "data/tables/std_db.h"
+#include "storage/result_codes.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 
@@ -191,6 +194,30 @@ TEST_F(SharedDirectory, TheEntryOfAKilledUserDoesNotBlock) {
   ExpectKorvan(On({"rebuild"}), 0);
   EXPECT_TRUE(Contains(RowLine(Currencies(), row), "0,98"));
   EXPECT_FALSE(Contains(ReadFile(stamm_dir_ + data::kControlFileName), "Weg"));
+}
+
+// Another user storing the same record holds its lock in the database's lock file: the
+// edit waits the configured time, then refuses and stores nothing.
+TEST_F(SharedDirectory, EditWaitsForTheRecordLockOfAnotherUserThenRefuses) {
+  const int row = RowOf(Currencies(), "Schweizer Franken");
+  ASSERT_GT(row, 0);
+  data::TStdDb db("DB_Stamm", stamm_dir_, 'E', 33);
+  ASSERT_EQ(db.DbOpen(true), storage::kOk);
+  {
+    boq::TTbWaehrung currencies(db);
+    bool found = currencies.GetFirstKey("");
+    while (found && currencies.Rec().ID != 41) found = currencies.GetNextKey();
+    ASSERT_TRUE(found);
+    ASSERT_EQ(currencies.LockRec(), storage::kOk);
+    ExpectKorvan(EditFactor(row, "0,77"), 1,
+                 {"wird gerade von einem anderen Benutzer gespeichert", "nichts gespeichert"});
+    EXPECT_FALSE(Contains(RowLine(Currencies(), row), "0,77"));
+    ASSERT_EQ(currencies.UnLockRec(), storage::kOk);
+  }
+  db.DbClose();
+  ExpectKorvan(EditFactor(row, "0,77"), 0, {"gespeichert"});
+  EXPECT_TRUE(Contains(RowLine(Currencies(), row), "0,77"));
+  EXPECT_FALSE(fs::exists(stamm_ + "2")) << "the lock file goes with its last user";
 }
 
 // Whatever runs beside it, an edit either stores and says so, or refuses clearly; what it

@@ -7,6 +7,8 @@
 #include "data/common/date_time.h"
 #include "data/integrity/table_damage.h"
 #include "data/tables/concurrency_question.h"
+#include "storage/db_error_translate.h"
+#include "storage/lock_wait.h"
 #include "storage/record_header.h"
 #include "storage/result_codes.h"
 
@@ -74,6 +76,18 @@ bool TTableListModule::MayOverwrite(TCData& sender, int z, const TStringList& sh
                 user + "\" geändert; nichts gespeichert, die Änderung bleibt erhalten");
 }
 
+// The record stays locked (under its name in the database's lock file) from the moment
+// it is read for the store until it is written: another user storing the same record
+// meanwhile waits up to LOCK_TIMEOUT, then is refused.
+bool TTableListModule::LockForStore(TCData& sender, int z) {
+  storage::GiveUpAfterTimeOut wait;
+  const int locked = table_.LockRec(&wait);
+  if (locked == storage::kOk) return true;
+  return Refuse("Die " + noun_ + " der Zeile " + std::to_string(z) + " (" + sender.GetKey(z) +
+                ") wird gerade von einem anderen Benutzer gespeichert; nichts gespeichert: " +
+                storage::KernelErrorTranslate().GetErrorString(locked));
+}
+
 void TTableListModule::CData1C_OnPutDaten(TCData& sender, int z, TStringList& t,
                                           const TStringList& shown, char, bool& ok) {
   last_error_.clear();
@@ -90,11 +104,14 @@ void TTableListModule::CData1C_OnPutDaten(TCData& sender, int z, TStringList& t,
   } else if (!table_.GetKey(old_key, '1')) {
     Refuse("Die " + noun_ + " der Zeile " + std::to_string(z) + " gibt es nicht mehr");
     return;
-  } else if (!MayOverwrite(sender, z, shown)) {
+  } else if (!LockForStore(sender, z) || !MayOverwrite(sender, z, shown)) {
+    table_.UnLockRec();
     return;
   }
   Fill(t);
-  if (table_.UpDateRec() != storage::kOk) {
+  const int stored = table_.UpDateRec();
+  table_.UnLockRec();
+  if (stored != storage::kOk) {
     Refuse("Die " + noun_ + " " + RowName(t) +
            " kann nicht gespeichert werden: " + table_.LastErrorText());
     return;

@@ -51,6 +51,7 @@ class TTableListModule : public TSTDdataModule {
   // Whether the stored record may be overwritten: it still shows the values `shown` the
   // user edited, or the user answers the concurrency question with yes.
   bool MayOverwrite(TCData& sender, int z, const TStringList& shown);
+  bool LockForStore(TCData& sender, int z);
 
   TStdTB& table_;
   std::span<const TValueRule> rules_;
