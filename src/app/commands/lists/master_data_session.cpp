@@ -65,7 +65,7 @@ void MasterDataSession::OpenDbOnce() {
   // nobody sees a change the journal then takes back. Should that fail, the commands
   // that use the journal report it.
   std::error_code missing;
-  if (std::filesystem::exists(data::TUndoRedo::PendingFile(data_dir), missing)) {
+  if (std::filesystem::exists(data::TUndoRedo::PendingFile(data_dir_), missing)) {
     try {
       OpenJournalOnce();
     } catch (const CommandError&) {
