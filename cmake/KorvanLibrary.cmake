@@ -30,6 +30,8 @@ function(korvan_test_suite name)
   add_executable(${name}_tests ${sources})
   target_include_directories(${name}_tests PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name}_tests PRIVATE ${ARG_LIBS} korvan_testing GTest::gtest GTest::gtest_main)
+  # The test framework's headers cost more to compile than most tests themselves.
+  target_precompile_headers(${name}_tests PRIVATE <gtest/gtest.h> <filesystem> <string> <vector>)
   gtest_discover_tests(${name}_tests DISCOVERY_TIMEOUT 60
     PROPERTIES ENVIRONMENT "KORVAN_BINARY=$<TARGET_FILE:korvan>")
 endfunction()

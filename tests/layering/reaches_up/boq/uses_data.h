@@ -1,0 +1,4 @@
+// Reaching down is allowed. Never compiled.
+#pragma once
+
+#include "data/tables/std_tb.h"
