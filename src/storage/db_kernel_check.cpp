@@ -9,6 +9,7 @@
 #include "storage/data_file_banner.h"
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_internal.h"
+#include "storage/file/unique_fd.h"
 #include "storage/result_codes.h"
 
 namespace korvan::storage {
@@ -27,12 +28,11 @@ int OpenError(int error) {
 
 // Reads up to `size` bytes from the start of a data file given by path.
 int ReadFileStart(const std::string& path, size_t size, std::vector<uint8_t>* bytes) {
-  const int fd = kernel::OpenFile(path, O_RDONLY);
-  if (fd < 0) return OpenError(errno);
+  const UniqueFd fd(kernel::OpenFile(path, O_RDONLY));
+  if (!fd.valid()) return OpenError(errno);
   bytes->assign(size, 0);
   size_t got = 0;
-  const int result = kernel::ReadAt(fd, 0, bytes->data(), size, &got);
-  close(fd);
+  const int result = kernel::ReadAt(fd.get(), 0, bytes->data(), size, &got);
   if (result != kOk) return kDkIoError;
   bytes->resize(got);
   return kOk;
@@ -89,19 +89,16 @@ int iDK_DbWriteBanner(const std::string& data_file_path, int format_code) {
   if (banner.empty()) return kDkNoCopyright;
   uint8_t header[kDataFileHeaderSize] = {};
   std::memcpy(header, banner.data(), banner.size());
-  const int fd = kernel::OpenFile(data_file_path, O_WRONLY | O_DSYNC);
-  if (fd < 0) return OpenError(errno);
-  const int result = kernel::WriteAt(fd, 0, header, sizeof header);
-  close(fd);
-  return result;
+  const UniqueFd fd(kernel::OpenFile(data_file_path, O_WRONLY | O_DSYNC));
+  if (!fd.valid()) return OpenError(errno);
+  return kernel::WriteAt(fd.get(), 0, header, sizeof header);
 }
 
 int iDK_DbFileInfo(const std::string& data_file_path, uint32_t* version, double* time_stamp) {
-  const int fd = kernel::OpenFile(data_file_path, O_RDONLY);
-  if (fd < 0) return OpenError(errno);
+  const UniqueFd fd(kernel::OpenFile(data_file_path, O_RDONLY));
+  if (!fd.valid()) return OpenError(errno);
   kernel::DataFileInfo info;
-  const int result = kernel::ReadDataFileInfo(fd, &info);
-  close(fd);
+  const int result = kernel::ReadDataFileInfo(fd.get(), &info);
   if (result != kOk) return result;
   *version = info.version;
   *time_stamp = info.time_stamp;

@@ -11,6 +11,7 @@
 #include "storage/block_cache.h"
 #include "storage/block_io.h"
 #include "storage/db_kernel_codes.h"
+#include "storage/file/unique_fd.h"
 #include "storage/lock_file_mutex.h"
 #include "storage/lock_task_liveness.h"
 #include "storage/result_codes.h"
@@ -35,15 +36,15 @@ int InsertKey(int registration, const KeyEntry& entry) {
   return result == kKeyFileNearlyFull ? kOk : result;
 }
 
-int OpenOrCreate(const std::string& path, int* fd) {
-  *fd = open(path.c_str(), O_RDWR | O_CLOEXEC);
-  if (*fd < 0 && errno == ENOENT) {
-    *fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-    if (*fd < 0 && errno != EROFS && errno != EACCES && errno != EPERM) {
+int OpenOrCreate(const std::string& path, UniqueFd* fd) {
+  *fd = UniqueFd(open(path.c_str(), O_RDWR | O_CLOEXEC));
+  if (!fd->valid() && errno == ENOENT) {
+    *fd = UniqueFd(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+    if (!fd->valid() && errno != EROFS && errno != EACCES && errno != EPERM) {
       return kDkLockFileInitFailed;
     }
   }
-  if (*fd >= 0) return kOk;
+  if (fd->valid()) return kOk;
   if (errno == EROFS || errno == EACCES || errno == EPERM) return kDkMediumReadOnly;
   return kDkIoError;
 }
@@ -56,32 +57,28 @@ LockMode Stronger(LockMode a, LockMode b) {
 }  // namespace
 
 int LockFile::Open(const std::string& path, int registration, std::unique_ptr<LockFile>* out) {
-  int fd = -1;
+  UniqueFd fd;
   int result = OpenOrCreate(path, &fd);
   if (result != kOk) return result;
   BlockCache::Instance().Close(registration);  // a leftover of an earlier use of the number
-  result = BlockCache::Instance().Open(registration, fd, path, kLockFileCacheBlocks);
-  if (result != kOk) {
-    close(fd);
-    return kDkIoError;
-  }
-  *out = std::make_unique<LockFile>(PrivateTag{}, path, registration, fd);
+  result = BlockCache::Instance().Open(registration, fd.get(), path, kLockFileCacheBlocks);
+  if (result != kOk) return kDkIoError;
+  *out = std::make_unique<LockFile>(PrivateTag{}, path, registration, std::move(fd));
   return kOk;
 }
 
-LockFile::LockFile(PrivateTag, std::string path, int registration, int fd)
-    : path_(std::move(path)), registration_(registration), fd_(fd) {}
+LockFile::LockFile(PrivateTag, std::string path, int registration, UniqueFd fd)
+    : path_(std::move(path)), registration_(registration), fd_(std::move(fd)) {}
 
 LockFile::~LockFile() {
   BlockCache::Instance().Close(registration_);
-  if (fd_ >= 0) close(fd_);
 }
 
 // ---- The frame of every operation -------------------------------------------------
 
 int LockFile::RunLocked(const std::function<int()>& body) {
-  if (deleted_ || fd_ < 0) return kLockFileNotOpen;
-  LockFileMutex mutex(fd_);
+  if (deleted_ || !fd_.valid()) return kLockFileNotOpen;
+  LockFileMutex mutex(fd_.get());
   int result = mutex.TryLock();
   if (result != kOk) return result;
   try {
@@ -124,17 +121,17 @@ int LockFile::RunBodyAndCommit(const std::function<int()>& body) {
 int LockFile::RefreshUnderMutex() {
   struct stat by_fd = {};
   struct stat by_path = {};
-  if (fstat(fd_, &by_fd) != 0) return kDkIoError;
+  if (fstat(fd_.get(), &by_fd) != 0) return kDkIoError;
   if (stat(path_.c_str(), &by_path) != 0 || by_fd.st_nlink == 0 || by_fd.st_ino != by_path.st_ino ||
       by_fd.st_dev != by_path.st_dev) {
     return kLockFileNotOpen;
   }
   bool is_new = by_fd.st_size < kMinimumLockFileSize;
-  if (is_new && ftruncate(fd_, 0) != 0) return kDkLockFileInitFailed;
+  if (is_new && ftruncate(fd_.get(), 0) != 0) return kDkLockFileInitFailed;
 
   BlockCache& cache = BlockCache::Instance();
   cache.Close(registration_);
-  if (cache.Open(registration_, fd_, path_, kLockFileCacheBlocks) != kOk) return kDkIoError;
+  if (cache.Open(registration_, fd_.get(), path_, kLockFileCacheBlocks) != kOk) return kDkIoError;
   return is_new ? InitialiseUnderMutex() : kOk;
 }
 
@@ -151,18 +148,17 @@ int LockFile::InitialiseUnderMutex() {
 void LockFile::DiscardCachedChanges() {
   BlockCache& cache = BlockCache::Instance();
   cache.Close(registration_);
-  cache.Open(registration_, fd_, path_, kLockFileCacheBlocks);
+  cache.Open(registration_, fd_.get(), path_, kLockFileCacheBlocks);
 }
 
 int LockFile::Reopen() {
   BlockCache::Instance().Close(registration_);
-  if (fd_ >= 0) close(fd_);
-  fd_ = -1;
+  fd_.Close();
   deleted_ = false;
   own_tasks_.clear();  // their liveness bytes went with the descriptor
   int result = OpenOrCreate(path_, &fd_);
   if (result != kOk) return result;
-  if (BlockCache::Instance().Open(registration_, fd_, path_, kLockFileCacheBlocks) != kOk) {
+  if (BlockCache::Instance().Open(registration_, fd_.get(), path_, kLockFileCacheBlocks) != kOk) {
     return kDkIoError;
   }
   return kOk;

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "storage/file/unique_fd.h"
 #include "storage/key_file.h"
 #include "storage/lock_entry_keys.h"
 
@@ -92,7 +93,7 @@ class LockFile {
 
   const std::string& path() const { return path_; }
   // The open descriptor (owned by this object; the handle table shows it).
-  int fd() const { return fd_; }
+  int fd() const { return fd_.get(); }
   int registration() const { return registration_; }
   bool deleted() const { return deleted_; }
 
@@ -100,7 +101,7 @@ class LockFile {
   struct PrivateTag {};
 
  public:
-  LockFile(PrivateTag, std::string path, int registration, int fd);
+  LockFile(PrivateTag, std::string path, int registration, UniqueFd fd);
 
  private:
   int RunLocked(const std::function<int()>& body);
@@ -136,7 +137,7 @@ class LockFile {
 
   std::string path_;
   int registration_;
-  int fd_;
+  UniqueFd fd_;
   bool deleted_ = false;
   bool delete_after_commit_ = false;
   std::set<int> own_tasks_;  // registered through this object, liveness byte held

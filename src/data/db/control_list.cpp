@@ -213,12 +213,8 @@ std::string ControlEntry::DisplayName() const {
 TControlStream::TControlStream(std::string path, std::chrono::milliseconds lock_timeout,
                                ControlDiagnostics diagnostics)
     : path_(std::move(path)), lock_timeout_(lock_timeout), diagnostics_(std::move(diagnostics)) {
-  fd_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-  if (fd_ < 0) Fail(std::string("kann nicht geöffnet werden: ") + std::strerror(errno));
-}
-
-TControlStream::~TControlStream() {
-  ::close(fd_);
+  fd_ = storage::UniqueFd(::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+  if (!fd_.valid()) Fail(std::string("kann nicht geöffnet werden: ") + std::strerror(errno));
 }
 
 void TControlStream::Fail(const std::string& problem) const {
@@ -242,19 +238,19 @@ void TControlStream::UnLockRegion(off_t offset, off_t length) {
   if (diagnostics_) diagnostics_(RegionText("UnLockRegion", offset, length));
   struct flock region = Region(F_UNLCK, offset, length);
   // Unlocking an open descriptor's own region cannot fail; closing drops it anyway.
-  ::fcntl(fd_, F_OFD_SETLK, &region);
+  ::fcntl(fd_.get(), F_OFD_SETLK, &region);
 }
 
 bool TControlStream::TryLockRegion(off_t offset, off_t length) {
   struct flock region = Region(F_WRLCK, offset, length);
-  if (::fcntl(fd_, F_OFD_SETLK, &region) == 0) return true;
+  if (::fcntl(fd_.get(), F_OFD_SETLK, &region) == 0) return true;
   if (errno == EAGAIN || errno == EACCES || errno == EINTR) return false;
   Fail(std::string("Sperre nicht möglich: ") + std::strerror(errno));
 }
 
 bool TControlStream::IsRegionLockedByOther(off_t offset, off_t length) const {
   struct flock region = Region(F_WRLCK, offset, length);
-  if (::fcntl(fd_, F_OFD_GETLK, &region) != 0) {
+  if (::fcntl(fd_.get(), F_OFD_GETLK, &region) != 0) {
     Fail(std::string("Sperrzustand nicht lesbar: ") + std::strerror(errno));
   }
   return region.l_type != F_UNLCK;
@@ -262,7 +258,7 @@ bool TControlStream::IsRegionLockedByOther(off_t offset, off_t length) const {
 
 std::string TControlStream::ReadAll() const {
   struct stat status {};
-  if (::fstat(fd_, &status) != 0) Fail(std::string("nicht lesbar: ") + std::strerror(errno));
+  if (::fstat(fd_.get(), &status) != 0) Fail(std::string("nicht lesbar: ") + std::strerror(errno));
   if (status.st_size > kMaxControlFileSize) {
     Fail("ist mit " + std::to_string(status.st_size) + " Bytes zu groß für eine Steuerdatei");
   }
@@ -270,7 +266,7 @@ std::string TControlStream::ReadAll() const {
   std::size_t done = 0;
   while (done < content.size()) {
     const ssize_t got =
-        ::pread(fd_, content.data() + done, content.size() - done, static_cast<off_t>(done));
+        ::pread(fd_.get(), content.data() + done, content.size() - done, static_cast<off_t>(done));
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) Fail(std::string("nicht lesbar: ") + std::strerror(errno));
     if (got == 0) break;  // shrunk meanwhile: the parser reports what is missing
@@ -284,12 +280,13 @@ void TControlStream::WriteAll(std::string_view content) {
   std::size_t done = 0;
   while (done < content.size()) {
     const ssize_t put =
-        ::pwrite(fd_, content.data() + done, content.size() - done, static_cast<off_t>(done));
+        ::pwrite(fd_.get(), content.data() + done, content.size() - done, static_cast<off_t>(done));
     if (put < 0 && errno == EINTR) continue;
     if (put < 0) Fail(std::string("nicht schreibbar: ") + std::strerror(errno));
     done += static_cast<std::size_t>(put);
   }
-  if (::ftruncate(fd_, static_cast<off_t>(content.size())) != 0 || ::fdatasync(fd_) != 0) {
+  if (::ftruncate(fd_.get(), static_cast<off_t>(content.size())) != 0 ||
+      ::fdatasync(fd_.get()) != 0) {
     Fail(std::string("nicht schreibbar: ") + std::strerror(errno));
   }
 }

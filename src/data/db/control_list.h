@@ -13,6 +13,8 @@
 #include <string_view>
 #include <vector>
 
+#include "storage/file/unique_fd.h"
+
 namespace korvan::data {
 
 // The control file of every database directory.
@@ -47,7 +49,6 @@ class TControlStream {
   // Opens the file, creating it empty when it does not exist. Throws ControlFileError.
   TControlStream(std::string path, std::chrono::milliseconds lock_timeout,
                  ControlDiagnostics diagnostics);
-  ~TControlStream();
   TControlStream(const TControlStream&) = delete;
   TControlStream& operator=(const TControlStream&) = delete;
 
@@ -69,7 +70,7 @@ class TControlStream {
   [[noreturn]] void Fail(const std::string& problem) const;
 
   std::string path_;
-  int fd_ = -1;
+  storage::UniqueFd fd_;
   std::chrono::milliseconds lock_timeout_;
   ControlDiagnostics diagnostics_;
 };

@@ -22,6 +22,7 @@
 #include "storage/db_error_translate.h"
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_codes.h"
+#include "storage/file/atomic_file.h"
 #include "storage/file/file_names.h"
 #include "storage/file/file_sync.h"
 #include "storage/file/unique_fd.h"
@@ -439,11 +440,10 @@ class DatabaseCopier {
 };
 
 void WriteCommitMark(const std::string& mark, const std::string& group) {
-  UniqueFd fd(::open(mark.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
-  const std::string content = group + "\n";
-  if (!fd.valid() || !WriteFully(fd.get(), 0, content.data(), content.size()) ||
-      ::fsync(fd.get()) != 0 || fd.Close() != 0) {
-    throw std::runtime_error(SystemError("Schreiben fehlgeschlagen", mark));
+  const storage::FileWriteResult written =
+      storage::WriteFileAtomically(mark, group + "\n", storage::Durability::kDurable);
+  if (!written.ok()) {
+    throw std::runtime_error(SystemError("Schreiben fehlgeschlagen", mark, written.error));
   }
 }
 
