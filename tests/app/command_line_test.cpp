@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "storage/file/file_names.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 
@@ -132,7 +133,7 @@ TEST(CommandLine, WrongCallsExitWithTwoNameTheCulpritAndChangeNothing) {
   }
   EXPECT_EQ(after.size(), before.size());
   testing::ExpectKorvan({"undo", "-d", base}, 1, {"Es gibt nichts rückgängig zu machen"});
-  EXPECT_FALSE(std::filesystem::exists(db + "0"));
+  EXPECT_FALSE(std::filesystem::exists(storage::DataFileName(db)));
   EXPECT_FALSE(std::filesystem::exists(dir.File("neu")));
 }
 

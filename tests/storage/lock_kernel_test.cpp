@@ -112,10 +112,10 @@ TEST_F(LockKernel, WaitsForAnotherProcessAndMapsTheResults) {
 
   holder.Send('Q');
   EXPECT_EQ(holder.Wait(), 0);
-  EXPECT_TRUE(std::filesystem::exists(base + "2")) << "this process is still registered";
+  EXPECT_TRUE(std::filesystem::exists(LockFileName(base))) << "this process is still registered";
   EXPECT_EQ(iDK_LockSet(handle, task, true, "R1", nullptr), kOk);
   EXPECT_EQ(iDK_DbUnlock(handle), kOk);
-  EXPECT_FALSE(std::filesystem::exists(base + "2"));
+  EXPECT_FALSE(std::filesystem::exists(LockFileName(base)));
 }
 
 }  // namespace

@@ -4,18 +4,13 @@
 #include <cstdio>
 #include <string_view>
 
+#include "storage/file/file_names.h"
+
 namespace korvan::data {
 namespace {
 
-// The data file name, formatted as "%s%s.Q%s0" from directory, group and type letter.
 std::string DataFileName(const std::string& directory, const std::string& name, char type_letter) {
-  const char letter[2] = {type_letter, '\0'};
-  const int length =
-      std::snprintf(nullptr, 0, "%s%s.Q%s0", directory.c_str(), name.c_str(), letter);
-  std::string result(static_cast<std::size_t>(length), '\0');
-  std::snprintf(result.data(), result.size() + 1, "%s%s.Q%s0", directory.c_str(), name.c_str(),
-                letter);
-  return result;
+  return storage::DataFileName(storage::DatabaseBasePath(directory, name, type_letter));
 }
 
 struct StandardFile {

@@ -13,7 +13,7 @@ class TDBFileRegister {
   void RegisterDBFile(const std::string& name, char path_type, char type_letter);
 
   // Adds the data file name of every group registered for the path type, in
-  // registration order, formed as directory + group + ".Q" + type letter + "0".
+  // registration order, named as in storage/file/file_names.h.
   void GetFiles(char path_type, const std::string& directory, std::vector<std::string>& list) const;
 
   // Adds every path type in use, once each, in order of first registration.
