@@ -94,7 +94,7 @@ std::optional<std::filesystem::path> InstallationOf(const CLI::App& sub) {
     return data->count() > 0 ? std::filesystem::path(data->results().front())
                              : std::filesystem::path(DefaultDataDir());
   }
-  if (const CLI::Option* base = sub.get_option_no_throw("base"); base && base->count() > 0) {
+  if (const CLI::Option* base = sub.get_option_no_throw("basis"); base && base->count() > 0) {
     return InstallationAbove(base->results().front());
   }
   for (const CLI::App* operation : sub.get_subcommands()) {
