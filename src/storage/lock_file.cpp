@@ -245,7 +245,7 @@ int LockFile::RegisterBody(uint32_t user_identity, bool reuse, int* task) {
       if (owner < 0 || user.position != user_identity) continue;
       *task = owner;
       // Shared with the earlier registration when that process still lives.
-      if (HoldTaskAlive(fd_, owner)) own_tasks_.insert(owner);
+      if (HoldTaskAlive(fd_.get(), owner)) own_tasks_.insert(owner);
       if (table.Has(owner)) return kOk;
       table.Set(owner);  // repair a table that lost the bit
       return WriteTaskTable(stored, table);
@@ -260,7 +260,7 @@ int LockFile::RegisterBody(uint32_t user_identity, bool reuse, int* task) {
       (result = RemoveWriteLocksOf(free_task)) != kOk) {
     return result;
   }
-  if (!HoldTaskAlive(fd_, free_task)) return kDkIoError;
+  if (!HoldTaskAlive(fd_.get(), free_task)) return kDkIoError;
   own_tasks_.insert(free_task);
   table.Set(free_task);
   if ((result = WriteTaskTable(stored, table)) != kOk ||
@@ -291,7 +291,7 @@ int LockFile::UnregisterBody(int task) {
     if ((result = WriteTaskTable(stored, table)) != kOk) return result;
   }
   delete_after_commit_ = table.count == 0;
-  ReleaseTaskAlive(fd_, task);
+  ReleaseTaskAlive(fd_.get(), task);
   own_tasks_.erase(task);
   return kOk;
 }
@@ -532,7 +532,7 @@ int LockFile::RemoveDeadTasks() {
   }
   const TaskTable before = table;
   for (const int task : tasks) {
-    if (own_tasks_.contains(task) || TaskAliveElsewhere(fd_, task)) continue;
+    if (own_tasks_.contains(task) || TaskAliveElsewhere(fd_.get(), task)) continue;
     if ((result = ReleaseAllBody(task)) != kOk || (result = RemoveWriteLocksOf(task)) != kOk ||
         (result = RemoveUserEntriesOf(task)) != kOk) {
       return result;
