@@ -1,5 +1,10 @@
 #include "boq/boq_tables.h"
 
+#include "boq/text/tb_text_erg_header.h"
+#include "boq/text/tb_text_header.h"
+#include "boq/text/tb_texte.h"
+#include "boq/text/tb_textzeile.h"
+#include "boq/text/text_records.h"
 #include "boq/units/currency_records.h"
 #include "boq/units/dm_einheit.h"
 #include "boq/units/dm_waehrung.h"
@@ -12,6 +17,8 @@ namespace {
 
 // The master-data database (DB_Stamm) keeps currencies and units.
 constexpr char kStammDbType = 'E';
+// The text databases (DB_Texte) keep short texts, long texts and text complements.
+constexpr char kTextDbType = 'C';
 
 }  // namespace
 
@@ -23,6 +30,15 @@ void RegisterBoqTables(data::TTableRegistry& registry) {
   registry.RegisterModule("einheit", Registry::ModuleFactoryOf<TdmEinheit>());
   registry.RegisterDumpFormat(kWaehrungTableType, kWaehrungLayout);
   registry.RegisterDumpFormat(kEinheitTableType, kEinheitLayout);
+
+  registry.Register(kTextDbType, kTexteTableType, Registry::FactoryOf<TTbTexte>());
+  registry.Register(kTextDbType, kTextHeaderTableType, Registry::FactoryOf<TTbTextHeader>());
+  registry.Register(kTextDbType, kTextZeileTableType, Registry::FactoryOf<TTbTextzeile>());
+  registry.Register(kTextDbType, kTextErgHeaderTableType, Registry::FactoryOf<TTbTextErgHeader>());
+  registry.RegisterDumpFormat(kTexteTableType, kTexteLayout);
+  registry.RegisterDumpFormat(kTextHeaderTableType, kTextheaderLayout);
+  registry.RegisterDumpFormat(kTextZeileTableType, kTextZeileLayout);
+  registry.RegisterDumpFormat(kTextErgHeaderTableType, kTextErgHeaderLayout);
 }
 
 }  // namespace korvan::boq

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "boq/text/tb_text_erg_header.h"
+#include "boq/text/tb_text_header.h"
+#include "boq/text/tb_textzeile.h"
+#include "boq/text/text_complement.h"
+#include "data/records/null_values.h"
+#include "data/tables/tb_counter.h"
+
+namespace korvan::boq {
+
+// A long text as stored: the rich text's bytes and the complements of one bidder (or of
+// the client).
+struct TLongText {
+  bool found = false;  // a header exists
+  int32_t header_id = data::kNullId;
+  std::string rich_text;
+  TTEList complements;
+};
+
+// Reads and writes long texts through the text tables of one database of the text
+// group. Writes report the kernel code (0 = done); the table layer has shown failures
+// already.
+class TLongTextStore {
+ public:
+  explicit TLongTextStore(data::TStdDb& text_db);
+
+  // The long text of an owner (kind, language) with the complements of `id_bieter`. The
+  // rich-text line is the text; without one the plain lines are joined with CR LF. No
+  // header: an empty text, `found` false.
+  TLongText Read(int32_t id_bezug, char kz_bezug, int16_t id_lang,
+                 int32_t id_bieter = data::kNullId);
+
+  // Stores a whole text in the one rich-text line (KzTyp 'R', line 1) of a header
+  // (KzHeader 'T') or complement header ('E'): inserted when missing, updated when it
+  // differs, not written when equal. Lone carriage returns get their line feed first.
+  int WriteText(int32_t id_header, char kz_header, std::string_view text);
+
+  // Stores an owner's long text and the complements of `id_bieter`: the header is made
+  // when missing (a new id from the text counter), each complement is matched with the
+  // stored one filling the same gap (TErgStart), complements no longer given are deleted.
+  int Store(int32_t id_bezug, char kz_bezug, int16_t id_lang, std::string_view rich_text,
+            const TTEList& complements, int32_t id_bieter = data::kNullId);
+
+  // Deletes the long text of an owner in one language with its lines and complements.
+  int Delete(int32_t id_bezug, char kz_bezug, int16_t id_lang);
+
+ private:
+  std::string ReadText(int32_t id_header, char kz_header);
+  int FindOrMakeHeader(int32_t id_bezug, char kz_bezug, int16_t id_lang, int32_t* id);
+  int StoreComplement(const TTEItem& item, int32_t id_bezug, char kz_bezug, int16_t id_lang,
+                      int32_t id_bieter);
+
+  TTbTextHeader headers_;
+  TTbTextzeile lines_;
+  TTbTextErgHeader complements_;
+  data::TTbCounter counter_;
+};
+
+}  // namespace korvan::boq
