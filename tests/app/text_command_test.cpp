@@ -30,6 +30,15 @@ TEST(TextCommand, PlainTextThroughRtfAndBackIsUnchanged) {
   EXPECT_TRUE(back.err.empty()) << back.err;
 }
 
+TEST(TextCommand, GapMarkersBecomeComplementsOnRequest) {
+  testing::TempDir dir;
+  WriteFile(dir.File("luecken.txt"), "Dicke XX cm, Farbe variabel");
+  const ProgramResult rtf =
+      ExpectKorvan({"text", "to-rtf", "--luecken", dir.File("luecken.txt")}, 0, {"\\'ff\\'ff"});
+  WriteFile(dir.File("luecken.rtf"), rtf.out);
+  ExpectKorvan({"text", "to-plain", dir.File("luecken.rtf")}, 0, {"Dicke .. cm, Farbe .."});
+}
+
 TEST(TextCommand, ProblemsAndWrongInputNameFileAndPosition) {
   testing::TempDir dir;
   WriteFile(dir.File("kaputt.rtf"), "{\\rtf1 A\\'zz\nB");

@@ -11,6 +11,7 @@
 #include "boq/text/rich_text.h"
 #include "boq/text/rtf_reader.h"
 #include "boq/text/rtf_writer.h"
+#include "boq/text/text_conversions.h"
 #include "data/common/cp1252.h"
 #include "data/common/message_format.h"
 
@@ -54,11 +55,13 @@ void TextCommand::Define(CLI::App& app) {
   to_plain_->add_option("datei", file_, "RTF-Datei")->required();
   to_rtf_ = app.add_subcommand("to-rtf", "gibt eine Textdatei (UTF-8) als RTF aus");
   to_rtf_->add_option("datei", file_, "Textdatei in UTF-8")->required();
+  to_rtf_->add_flag("--luecken", gaps_,
+                    "Lückenzeichen (.., XX, xx, variabel) werden leere Textergänzungen");
 }
 
 int TextCommand::Run(Streams& streams) {
   if (to_plain_->parsed()) return RunTextToPlain(file_, streams);
-  if (to_rtf_->parsed()) return RunTextToRtf(file_, streams);
+  if (to_rtf_->parsed()) return RunTextToRtf(file_, gaps_, streams);
   throw UsageError("ein Unterbefehl fehlt (to-plain, to-rtf)");
 }
 
@@ -77,10 +80,11 @@ int RunTextToPlain(const std::string& file, Streams& streams) {
   return kExitOk;
 }
 
-int RunTextToRtf(const std::string& file, Streams& streams) {
+int RunTextToRtf(const std::string& file, bool gaps, Streams& streams) {
   const std::string text = ReadWholeFile(file);
   RequireUtf8(file, text);
-  streams.out << boq::WriteRtf(boq::RichTextFromPlain(text));
+  streams.out << boq::WriteRtf(gaps ? boq::RichTextFromPlainWithGaps(text)
+                                    : boq::RichTextFromPlain(text));
   return kExitOk;
 }
 

@@ -26,11 +26,14 @@ class TextCommand : public Command {
   CLI::App* to_plain_ = nullptr;
   CLI::App* to_rtf_ = nullptr;
   std::string file_;
+  bool gaps_ = false;
 };
 
 // The work of the two operations; they throw CommandError naming the file and position
 // when the input cannot be converted.
 int RunTextToPlain(const std::string& file, Streams& streams);
-int RunTextToRtf(const std::string& file, Streams& streams);
+// With `gaps` the gap markers of the text ("..", "XX", "xx", "variabel") become empty
+// text complements.
+int RunTextToRtf(const std::string& file, bool gaps, Streams& streams);
 
 }  // namespace korvan::app
