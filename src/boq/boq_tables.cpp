@@ -9,6 +9,7 @@
 #include "boq/units/dm_einheit.h"
 #include "boq/units/dm_waehrung.h"
 #include "boq/units/tb_einheit.h"
+#include "boq/units/tb_prj_wae_faktor.h"
 #include "boq/units/tb_waehrung.h"
 #include "boq/units/unit_record.h"
 
@@ -19,6 +20,8 @@ namespace {
 constexpr char kStammDbType = 'E';
 // The text databases (DB_Texte) keep short texts, long texts and text complements.
 constexpr char kTextDbType = 'C';
+// The project's global database (DB_GlobData) keeps its own exchange rates.
+constexpr char kGlobDataDbType = 'L';
 
 }  // namespace
 
@@ -30,6 +33,9 @@ void RegisterBoqTables(data::TTableRegistry& registry) {
   registry.RegisterModule("einheit", Registry::ModuleFactoryOf<TdmEinheit>());
   registry.RegisterDumpFormat(kWaehrungTableType, kWaehrungLayout);
   registry.RegisterDumpFormat(kEinheitTableType, kEinheitLayout);
+  registry.Register(kGlobDataDbType, kPrjWaeFaktorTableType,
+                    Registry::FactoryOf<TTbPrjWaeFaktor>());
+  registry.RegisterDumpFormat(kPrjWaeFaktorTableType, kPrjWaeFaktorLayout);
 
   registry.Register(kTextDbType, kTexteTableType, Registry::FactoryOf<TTbTexte>());
   registry.Register(kTextDbType, kTextHeaderTableType, Registry::FactoryOf<TTbTextHeader>());
