@@ -1,5 +1,6 @@
 #include "boq/boq_tables.h"
 
+#include "boq/lv/lv_tables.h"
 #include "boq/text/tb_text_erg_header.h"
 #include "boq/text/tb_text_header.h"
 #include "boq/text/tb_texte.h"
@@ -45,6 +46,8 @@ void RegisterBoqTables(data::TTableRegistry& registry) {
   registry.RegisterDumpFormat(kTextHeaderTableType, kTextheaderLayout);
   registry.RegisterDumpFormat(kTextZeileTableType, kTextZeileLayout);
   registry.RegisterDumpFormat(kTextErgHeaderTableType, kTextErgHeaderLayout);
+
+  RegisterLvTables(registry);
 }
 
 }  // namespace korvan::boq

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "storage/delphi_datetime.h"
+
 namespace korvan::data {
 
 IntDateKind ClassifyIntDate(int32_t value) {
@@ -37,6 +39,10 @@ CivilDate IntDateDisplayParts(int32_t value) {
 std::string FormatIntDate(int32_t value, const ShortDateFormat& format) {
   if (IsNoIntDate(value)) return {};
   return FormatDateParts(IntDateDisplayParts(value), format);
+}
+
+int32_t TodayAsIntDate() {
+  return DateTimeToIntDate(storage::DelphiNow()).value_or(kNoIntDate);
 }
 
 }  // namespace korvan::data

@@ -40,6 +40,9 @@ std::optional<int32_t> DateTimeToIntDate(double value);
 
 int32_t MakeIntDate(const CivilDate& date);
 
+// Today's date on this computer (local time).
+int32_t TodayAsIntDate();
+
 // The parts a display shows. A year part below 100 is widened to 20xx (below 50) or 19xx,
 // and month and day are then taken from the value minus the widened year * 10000. For
 // such five- and six-digit values this yields meaningless (negative) month and day parts;
