@@ -4,6 +4,7 @@
 #include "app/commands/admin/admin_commands.h"
 #include "app/commands/db/db_commands.h"
 #include "app/commands/lists/list_commands.h"
+#include "app/commands/lv/lv_commands.h"
 #include "app/commands/text/text_commands.h"
 #include "app/program/program_commands.h"
 
@@ -15,6 +16,7 @@ CommandList AllCommands() {
   AddDbCommands(commands);
   AddProgramCommands(commands);
   AddListCommands(commands);
+  AddLvCommands(commands);
   AddTextCommands(commands);
   return commands;
 }

@@ -111,7 +111,8 @@ struct t_Lv_DB_VERSION_3100 {
   uint8_t DBState;      // TDBLVState: lvOK, lvDummy01 … lvDummy10, lvInvalidCosts (the LV's cost
                         // figures must be recalculated)
   uint8_t Reserve1[8];  // reserved
-  uint16_t IdWae;       // currency id of the LV
+  int16_t IdWae;        // currency id of the LV (a Word on disk; read signed like every
+                        // currency id, so that -1 is "none")
   uint8_t ForceTeilmengen;             // quantities of items must come from partial quantities
   uint8_t UseLongKT;                   // use long short texts
   int32_t Datum;                       // LV date (date as integer)
@@ -535,7 +536,7 @@ inline constexpr data::FieldDescriptor kLvFields[] = {
     {"DBState", offsetof(t_Lv_DB_VERSION_3100, DBState), 1, data::FieldType::kEnum8, nullptr,
      kDbLvStateNames},
     {"Reserve1", offsetof(t_Lv_DB_VERSION_3100, Reserve1), 8, data::FieldType::kBytes},
-    {"IdWae", offsetof(t_Lv_DB_VERSION_3100, IdWae), 2, data::FieldType::kUInt16},
+    {"IdWae", offsetof(t_Lv_DB_VERSION_3100, IdWae), 2, data::FieldType::kInt16},
     {"ForceTeilmengen", offsetof(t_Lv_DB_VERSION_3100, ForceTeilmengen), 1, data::FieldType::kBool},
     {"UseLongKT", offsetof(t_Lv_DB_VERSION_3100, UseLongKT), 1, data::FieldType::kTriState},
     {"Datum", offsetof(t_Lv_DB_VERSION_3100, Datum), 4, data::FieldType::kIntDate},

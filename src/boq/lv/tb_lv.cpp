@@ -53,7 +53,7 @@ void TTbLV::InitRecord() {
   lv.SzPrj = kFirstSzPrj;
   lv.IdCad = kNullId;
   lv.DBState = static_cast<uint8_t>(TDBLVState::lvOK);
-  lv.IdWae = static_cast<uint16_t>(data::kOwnerCurrencyId);
+  lv.IdWae = data::kOwnerCurrencyId;
   lv.ForceTeilmengen = kTrue;
   lv.UseLongKT = kTriStateDefaultByte;
   lv.Datum = data::TodayAsIntDate();

@@ -128,18 +128,24 @@ TTableRecordRestorer::TTableRecordRestorer(std::vector<TStdDb*> databases, TTabl
       journal_dir_(std::move(journal_dir)) {}
 
 TStdTB* TTableRecordRestorer::TableOf(const TableTarget& target) {
+  TStdDb* found = nullptr;
   for (TStdDb* db : databases_) {
-    if (db->DbType() != target.db_type ||
-        !IsJournalPathOf(target.db_file, db->BasePath(), journal_dir_)) {
-      continue;
+    if (db->DbType() == target.db_type &&
+        IsJournalPathOf(target.db_file, db->BasePath(), journal_dir_)) {
+      found = db;
+      break;
     }
-    if (TStdTB* table = db->GetTable(target.table_type)) return table;
-    const TTableRegistry::Factory* factory = tables_.Find(db->DbType(), target.table_type);
-    if (factory == nullptr) return nullptr;
-    created_.push_back((*factory)(*db));
-    return created_.back().get();
   }
-  return nullptr;
+  if (found == nullptr && opener_) {
+    found = opener_(target);
+    if (found != nullptr) databases_.push_back(found);
+  }
+  if (found == nullptr) return nullptr;
+  if (TStdTB* table = found->GetTable(target.table_type)) return table;
+  const TTableRegistry::Factory* factory = tables_.Find(found->DbType(), target.table_type);
+  if (factory == nullptr) return nullptr;
+  created_.push_back((*factory)(*found));
+  return created_.back().get();
 }
 
 int TTableRecordRestorer::RestoreRecord(const TableTarget& target, JournalImage expected,

@@ -28,6 +28,12 @@ class TTableRecordRestorer : public RecordRestorer {
   TTableRecordRestorer(std::vector<TStdDb*> databases, TTableRegistry tables,
                        std::string journal_dir = {});
   TTableRecordRestorer(const TTableRecordRestorer&) = delete;
+  // Opens the database of a journal target that none of the given databases is, or
+  // returns nullptr; the database must outlive the restorer. Commands that write into
+  // more than one database (a project's LVs beside the master data) let the journal
+  // reach the ones a step names.
+  using TDatabaseOpener = std::function<TStdDb*(const TableTarget&)>;
+  void SetDatabaseOpener(TDatabaseOpener opener) { opener_ = std::move(opener); }
   TTableRecordRestorer& operator=(const TTableRecordRestorer&) = delete;
 
   int RestoreRecord(const TableTarget& table, JournalImage expected, JournalImage image,
@@ -46,6 +52,7 @@ class TTableRecordRestorer : public RecordRestorer {
   std::vector<TStdDb*> databases_;
   TTableRegistry tables_;
   std::string journal_dir_;
+  TDatabaseOpener opener_;
   std::vector<std::unique_ptr<TStdTB>> created_;
 };
 

@@ -7,6 +7,7 @@
 #include "app/commands/lists/journal_wait.h"
 #include "app/program/command_sign_in.h"
 #include "app/program/installation.h"
+#include "data/db/path_types.h"
 #include "storage/result_codes.h"
 
 namespace korvan::app {
@@ -45,8 +46,8 @@ MasterDataSession::MasterDataSession(const data::TTableRegistry& tables,
   files_ = std::make_unique<data::DatabaseFiles>(installation.machine.ToDatabaseDirectories());
   const data::DatabaseFile* stamm = files_->Find("DB_Stamm", data::kPathStammdaten);
   if (stamm == nullptr) throw CommandError("die Installation hat kein Stammdatenverzeichnis");
-  sign_in_ = SignInToDirectories(CommandUser(installation.machine.SystemUserName()),
-                                 {stamm->directory()}, false);
+  user_ = installation.machine.SystemUserName();
+  sign_in_ = SignInToDirectories(CommandUser(user_), {stamm->directory()}, false);
   db_ = std::make_unique<data::TStdDb>(*stamm);
   db_->SetMessages(&messages_);
   db_->SetModifiedById(installation.machine.SystemUserName());
@@ -88,6 +89,8 @@ void MasterDataSession::OpenJournalOnce() {
   restorer_ = std::make_unique<data::TTableRecordRestorer>(std::vector<data::TStdDb*>{db_.get()},
                                                            tables_, data_dir_);
   rows_ = std::make_unique<RowReloader>();
+  restorer_->SetDatabaseOpener(
+      [this](const data::TableTarget& target) { return OpenJournalTarget(target); });
   journal_->SetRecordRestorer(restorer_.get());
   journal_->SetRowRestorer(rows_.get());
   OpenDbOnce();
@@ -113,10 +116,51 @@ data::UserActionScope& MasterDataSession::Actions() {
   return *actions_;
 }
 
-// The journal stops recording before the database closes; the database is closed
-// before its file set goes.
+data::TStdDb& MasterDataSession::OpenDatabase(const data::DatabaseFile& file) {
+  for (const std::unique_ptr<data::TStdDb>& open : other_dbs_) {
+    if (open->BasePath() == file.BasePath()) return *open;
+  }
+  other_sign_ins_.push_back(SignInToDirectories(CommandUser(user_), {file.directory()}, false));
+  auto db = std::make_unique<data::TStdDb>(file);
+  db->SetMessages(&messages_);
+  db->SetModifiedById(user_);
+  db->SetConcurrencyQuestion(&answer_);
+  if (const int opened = db->DbOpen(true); opened != storage::kOk) {
+    throw CommandError(file.DataFileName() + ": " + ResultCodeText(opened));
+  }
+  other_dbs_.push_back(std::move(db));
+  return *other_dbs_.back();
+}
+
+// A database the journal names by its path, relative to the data directory: opened when
+// it is one of the installation's groups (by file name and type letter) and there.
+data::TStdDb* MasterDataSession::OpenJournalTarget(const data::TableTarget& target) {
+  std::filesystem::path base(target.db_file);
+  if (base.is_relative()) base = std::filesystem::path(data_dir_) / base;
+  // The base path is the group's name with ".Q" and the type letter.
+  const std::string suffix = std::string(".Q") + target.db_type;
+  std::string name = base.filename().string();
+  if (name.size() <= suffix.size() || !name.ends_with(suffix)) return nullptr;
+  name.resize(name.size() - suffix.size());
+  const data::DbGroupDefinition* group = data::FindDbGroup(name);
+  if (group == nullptr || group->type_letter != target.db_type) return nullptr;
+  const std::string directory = data::WithTrailingSeparator(base.parent_path().string());
+  const data::DatabaseFile file(*group, data::kPathObjekt, directory);
+  if (!file.Exists()) return nullptr;
+  try {
+    return &OpenDatabase(file);
+  } catch (const CommandError&) {
+    return nullptr;  // the journal reports the step as not writable
+  }
+}
+
+// The journal stops recording before the databases close; the databases are closed
+// before their file set goes.
 MasterDataSession::~MasterDataSession() {
   observing_.reset();
+  for (const std::unique_ptr<data::TStdDb>& db : other_dbs_) {
+    if (db->IsOpen()) db->DbClose();
+  }
   if (db_ && db_->IsOpen()) db_->DbClose();
 }
 

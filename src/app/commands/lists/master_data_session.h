@@ -22,10 +22,12 @@ std::unique_ptr<data::TUndoRedo> OpenJournal(const std::string& data_dir,
 // The master data of the installation in `data_dir`, open for one command, with the
 // journal of the data directory ("UNDO.QUJ", "REDO.QUJ") recording every record change
 // from its first use on; the journal puts records back through the table classes of
-// `tables`. The concurrency question is answered by `overwrite`. A damaged
-// journal is reported (CommandError naming file and byte) or, for commands that must not
-// be stopped by it, set aside as `damaged` says. The session is signed in to the master
-// data directory's control file for as long as it lasts.
+// `tables`. Other databases of the installation (a project's LVs) are opened through the
+// session too, so that their changes are journalled alike; a step that names a database
+// the command did not open has it opened when the step is taken back or made again. The concurrency
+// question is answered by `overwrite`. A damaged journal is reported (CommandError naming file and
+// byte) or, for commands that must not be stopped by it, set aside as `damaged` says. The session
+// is signed in to the master data directory's control file for as long as it lasts.
 class MasterDataSession {
  public:
   MasterDataSession(const data::TTableRegistry& tables, const std::string& data_dir, bool overwrite,
@@ -41,11 +43,16 @@ class MasterDataSession {
   // (RecoveryNote() tells the user). CommandError when it cannot be opened.
   data::TUndoRedo& Journal();
   data::UserActionScope& Actions();
+  // Another database of the installation, open for writing and signed in to its
+  // directory for as long as the session lasts (CommandError when it cannot be opened).
+  // Open the journal first when the command writes.
+  data::TStdDb& OpenDatabase(const data::DatabaseFile& file);
 
  private:
   class RowReloader;
   void OpenJournalOnce();
   void OpenDbOnce();
+  data::TStdDb* OpenJournalTarget(const data::TableTarget& target);
 
   const data::TTableRegistry& tables_;
   std::string data_dir_;
@@ -54,6 +61,9 @@ class MasterDataSession {
   // Held while the database is open: no rebuild or reorg replaces its files meanwhile.
   std::unique_ptr<data::TDirectorySignIn> sign_in_;
   std::unique_ptr<data::TStdDb> db_;
+  std::string user_;
+  std::vector<std::unique_ptr<data::TDirectorySignIn>> other_sign_ins_;
+  std::vector<std::unique_ptr<data::TStdDb>> other_dbs_;
   data::TFixedConcurrencyAnswer answer_;
   data::TCollectedMessages messages_;
   std::unique_ptr<data::TUndoRedo> journal_;

@@ -1,0 +1,86 @@
+// `korvan lv delete <lv>`: an LV with everything that hangs on it, one step of the
+// journal.
+#include "app/commands/lv/lv_delete_command.h"
+
+#include <filesystem>
+#include <ostream>
+
+#include <CLI/CLI.hpp>
+
+#include "app/cli/command_error.h"
+#include "app/cli/json_text.h"
+#include "app/commands/lv/lv_project.h"
+#include "boq/lv/project_lvs.h"
+#include "boq/lv/tb_lv.h"
+
+namespace korvan::app {
+namespace {
+
+// The LV as the list shows it.
+boq::LvSummary SummaryOf(data::TStdDb& db, int32_t id) {
+  for (boq::LvSummary& lv : boq::ListLvs(db)) {
+    if (lv.id == id) return std::move(lv);
+  }
+  return {id, "", 'N', 0, 0.0};
+}
+
+}  // namespace
+
+void LvDeleteCommand::Define(CLI::App& app) {
+  app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+}
+
+int LvDeleteCommand::Run(Streams& streams) {
+  LvProject target(data_dir, project);
+  data::TStdDb& db = target.Db(true);
+  const boq::LvSummary lv = SummaryOf(db, target.ResolveLv(lv_));
+  const std::string caption = "LV \"" + lv.name + "\" löschen";
+  const std::string bim_folder = boq::TTbLV::BimImportFolder(target.Directory(), lv.id);
+  std::error_code missing;
+  const bool had_bim_folder = std::filesystem::exists(bim_folder, missing);
+
+  data::TUndoRedo& journal = target.Journal();
+  const int steps_before = journal.UndoStack().TransactionCount();
+  std::string failure;
+  {
+    JournalStep step(journal, data::TOperationKind::okDelete, caption);
+    try {
+      boq::DeleteLv(db, lv.id);
+    } catch (const boq::EStoredLvError& error) {
+      failure = error.what();
+    }
+  }
+  if (!failure.empty()) {
+    // What was deleted before the failure comes back at once: an LV is deleted whole
+    // or not at all.
+    std::string outcome = "es wurde nichts gelöscht";
+    if (journal.UndoStack().TransactionCount() > steps_before) {
+      const data::TUndoOutcome undone = journal.PopUndo();
+      if (!undone.ok()) {
+        outcome = "die bis dahin gelöschten Datensätze konnten nicht zurückgeholt werden: " +
+                  undone.error;
+      }
+    }
+    throw CommandError(failure + "; " + outcome);
+  }
+  if (!journal.LastError().empty()) {
+    streams.err << "Warnung: das Löschen kann nicht rückgängig gemacht werden: "
+                << journal.LastError() << '\n';
+  }
+  if (json) {
+    streams.out << "{\"id\": " << lv.id << ", \"name\": " << JsonString(lv.name)
+                << ", \"project\": " << JsonString(target.Name()) << ", \"entries\": " << lv.entries
+                << ", \"deleted\": true}\n";
+    return kExitOk;
+  }
+  streams.out << "LV " << lv.id << " \"" << lv.name << "\" mit " << lv.entries
+              << (lv.entries == 1 ? " Eintrag" : " Einträgen") << " gelöscht; \"korvan undo\" "
+              << "holt es zurück\n";
+  if (had_bim_folder) {
+    streams.out << "Der BIM-Importordner \"" << bim_folder
+                << "\" wurde mit gelöscht; ihn holt \"korvan undo\" nicht zurück\n";
+  }
+  return kExitOk;
+}
+
+}  // namespace korvan::app

@@ -1,0 +1,51 @@
+// `korvan lv new <name>`: a new LV in the project, one step of the journal.
+#include "app/commands/lv/lv_new_command.h"
+
+#include <ostream>
+
+#include <CLI/CLI.hpp>
+
+#include "app/cli/command_error.h"
+#include "app/cli/json_text.h"
+#include "app/commands/lv/lv_project.h"
+#include "boq/lv/project_lvs.h"
+
+namespace korvan::app {
+
+void LvNewCommand::Define(CLI::App& app) {
+  app.add_option("name", name_, "Name des LV (höchstens 20 Zeichen)")->required();
+  app.add_option("--mask", mask_, "OZ-Maske, z. B. 11.22.PPPP (höchstens 20 Zeichen)");
+}
+
+int LvNewCommand::Run(Streams& streams) {
+  const boq::NewLv lv{name_, mask_};
+  if (const std::string problem = boq::CheckNewLv(lv); !problem.empty()) {
+    throw UsageError(problem);
+  }
+  LvProject target(data_dir, project);
+  data::TStdDb& db = target.Db(true);
+  if (const std::optional<boq::LvSummary> other = boq::FindLvNamed(db, lv.name)) {
+    throw CommandError("Projekt \"" + target.Name() + "\": es gibt schon ein LV \"" + lv.name +
+                       "\" (Nummer " + std::to_string(other->id) + ")");
+  }
+  int32_t id = 0;
+  {
+    JournalStep step(target.Journal(), data::TOperationKind::okInsert,
+                     "LV \"" + lv.name + "\" anlegen");
+    id = boq::CreateLv(db, lv);
+  }
+  if (!target.Journal().LastError().empty()) {
+    streams.err << "Warnung: das Anlegen kann nicht rückgängig gemacht werden: "
+                << target.Journal().LastError() << '\n';
+  }
+  if (json) {
+    streams.out << "{\"id\": " << id << ", \"name\": " << JsonString(lv.name)
+                << ", \"project\": " << JsonString(target.Name()) << "}\n";
+  } else {
+    streams.out << "LV " << id << " \"" << lv.name << "\" im Projekt \"" << target.Name()
+                << "\" angelegt\n";
+  }
+  return kExitOk;
+}
+
+}  // namespace korvan::app

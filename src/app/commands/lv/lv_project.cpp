@@ -1,0 +1,60 @@
+#include "app/commands/lv/lv_project.h"
+
+#include "app/cli/command_error.h"
+#include "app/program/current_project.h"
+#include "app/program/installation.h"
+#include "app/program/program_tables.h"
+#include "boq/lv/lv_table_types.h"
+#include "boq/lv/project_lvs.h"
+#include "data/db/path_types.h"
+
+namespace korvan::app {
+
+LvProject::LvProject(const std::string& data_dir, const std::string& project) {
+  const std::string base = RequireInstallation(data_dir).string();
+  Installation installation = LoadInstallation(base);
+  if (!project.empty() && !IsValidProjectName(project)) {
+    throw UsageError("\"" + project + "\" ist kein Projektname (ein Ordnername ohne \"/\")");
+  }
+  name_ = project.empty() ? CurrentProjectName(installation) : project;
+  std::string directory;
+  if (project.empty()) {
+    OpenCurrentProject(installation);
+    directory = installation.machine.ObjektDirectory();
+    if (directory.empty()) {
+      throw CommandError("es ist kein Projekt gewählt; bitte --project <Projekt> angeben");
+    }
+    if (name_.empty()) name_ = directory;
+  } else {
+    directory = ProjectDirectory(installation.machine, project);
+  }
+  const data::DbGroupDefinition* group = data::FindDbGroup(boq::kLvDbGroup);
+  file_ = std::make_unique<data::DatabaseFile>(*group, data::kPathObjekt, directory);
+  if (!file_->Exists()) {
+    throw CommandError("Projekt \"" + name_ + "\" hat keine LV-Datenbank (" +
+                       file_->DataFileName() + " fehlt)");
+  }
+  session_ = std::make_unique<MasterDataSession>(ProgramTables(), base, false);
+}
+
+data::TStdDb& LvProject::Db(bool journal) {
+  if (db_ == nullptr) {
+    // A writer takes the journal before it opens the database, so that writers of one
+    // installation follow each other; a step a killed process left is settled first.
+    if (journal) {
+      session_->Journal();
+    } else {
+      session_->Db();
+    }
+    db_ = &session_->OpenDatabase(*file_);
+  }
+  return *db_;
+}
+
+int32_t LvProject::ResolveLv(const std::string& name_or_id) {
+  const boq::LvLookup lookup = boq::FindLvByIdOrName(Db(false), name_or_id);
+  if (!lookup.found()) throw CommandError("Projekt \"" + name_ + "\": " + lookup.problem);
+  return lookup.id;
+}
+
+}  // namespace korvan::app
