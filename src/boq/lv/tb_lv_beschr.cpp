@@ -48,8 +48,11 @@ void TTbLvBeschr::DoValidateRecord(TDataCheck& check) {
   CheckCommonPart(check, Rec().LvBgBeschr1);
   check.CheckItemForCharSelector("ZuschArt", Rec().LvBeschr2.ZuschArt, '\0',
                                  std::string(kZuschArtCodes) + '\0', kZuschArtText);
-  check.CheckItemForElementAsPrimaryKeyInTable("IdBezug", Rec().LvBeschr2.IdBezug, kNullId,
-                                               kLvDbType, kLvBeschrTableType);
+  // The field lies unaligned in the packed record; the rule works on a copy.
+  int32_t reference = Rec().LvBeschr2.IdBezug;
+  check.CheckItemForElementAsPrimaryKeyInTable("IdBezug", reference, kNullId, kLvDbType,
+                                               kLvBeschrTableType);
+  Rec().LvBeschr2.IdBezug = reference;
 }
 
 int TTbLvBeschr::DeleteRecEx(bool with_description) {

@@ -1,0 +1,244 @@
+// Deleting LVs and their entries through the tables, the integrity check on what is left,
+// and the undo of an LV delete.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <random>
+#include <set>
+
+#include "boq/lv/lv_test_support.h"
+#include "boq/lv/project_lvs.h"
+#include "boq/lv/tb_lv.h"
+#include "data/tables/table_key.h"
+#include "data/undo/undo_redo.h"
+#include "data/undo/undo_table_restorer.h"
+
+namespace korvan::boq::testing {
+namespace {
+
+using data::KeyNumber;
+using data::kNullId;
+using data::kRootParentId;
+
+class LvDeleteTest : public LvDbTest {
+ protected:
+  int32_t NewLv(const std::string& name) { return CreateLv(*db_, {name, "11.PPP"}); }
+
+  // An LV with levels, two groups, items below them (some described) and a text below
+  // an item; returns the number of structure rows.
+  int FillLv(int32_t lv) {
+    AddLevel(lv, 1);
+    AddLevel(lv, 6);
+    const int32_t first = AddEntry(lv, kKindGroup, kRootParentId);
+    const int32_t second = AddEntry(lv, kKindGroup, first);
+    AddEntry(lv, kKindItem, first, true);
+    const int32_t item = AddEntry(lv, kKindItem, second, false);
+    AddEntry(lv, 'H', second, true);
+    TTbStruktur rows(*db_);
+    EXPECT_TRUE(rows.GetKey(KeyNumber(AddEntry(lv, 'U', second, true)), '1'));
+    rows.Rec().ZuPos = item;
+    EXPECT_EQ(rows.UpDateRec(), 0);
+    return 6;
+  }
+
+  // The letters and keys of the records that belong to no LV: structure rows and levels
+  // of LVs that are gone, groups and items without structure row, descriptions nobody
+  // refers to.
+  std::vector<std::string> Orphans() {
+    std::set<int32_t> lvs;
+    for (const LvSummary& lv : ListLvs(*db_)) lvs.insert(lv.id);
+    std::set<int32_t> placed;
+    std::set<int32_t> described;
+    std::vector<std::string> orphans;
+    for (const auto& [key, record] : AllRecords()) {
+      switch (key[0]) {
+        case kStrukturTableType: {
+          const t_Struktur row = TTbStruktur::Of(record);
+          if (!lvs.contains(row.IdLv)) orphans.push_back(key);
+          placed.insert(row.IdBgBeschr);
+          break;
+        }
+        case kHierarchieTableType:
+          if (!lvs.contains(TTbLvHierarchie::Of(record).IdLv)) orphans.push_back(key);
+          break;
+        default:
+          break;
+      }
+    }
+    for (const auto& [key, record] : AllRecords()) {
+      if (key[0] == kLvBgTableType || key[0] == kLvBeschrTableType) {
+        const t_LvBgBeschr_3000 common = key[0] == kLvBgTableType
+                                             ? TTbLvBg::Of(record).LvBgBeschr1
+                                             : TTbLvBeschr::Of(record).LvBgBeschr1;
+        if (!placed.contains(common.ID)) orphans.push_back(key);
+        described.insert(common.IDBeschr);
+      }
+    }
+    for (const auto& [key, record] : AllRecords()) {
+      if (key[0] == kBeschrTableType && !described.contains(TTbBeschr::Of(record).Id)) {
+        orphans.push_back(key);
+      }
+    }
+    return orphans;
+  }
+
+  size_t CountOf(char table_type) {
+    size_t count = 0;
+    for (const auto& [key, record] : AllRecords()) count += key[0] == table_type ? 1 : 0;
+    return count;
+  }
+};
+
+TEST_F(LvDeleteTest, DeletingAnLvTakesItsLevelsEntriesAndDescriptionsAndNothingElse) {
+  const int32_t kept = NewLv("Rohbau");
+  const int32_t gone = NewLv("Ausbau");
+  FillLv(kept);
+  const Records before = AllRecords();
+  FillLv(gone);
+  std::filesystem::create_directories(TTbLV::BimImportFolder(db_->Directory(), gone));
+  DeleteLv(*db_, gone);
+  Records after = AllRecords();
+  TTbLV lvs(*db_);
+  EXPECT_FALSE(lvs.FindLv(gone));
+  const std::string header = std::string(1, kLvTableType) + KeyNumber(gone);
+  EXPECT_EQ(after.size(), before.size() - 1);
+  after[header] = before.at(header);
+  EXPECT_EQ(after, before);
+  EXPECT_FALSE(std::filesystem::exists(TTbLV::BimImportFolder(db_->Directory(), gone)));
+  EXPECT_EQ(Check(true), 0);
+}
+
+TEST_F(LvDeleteTest, AnLvWithoutBimFolderOrEntriesIsDeletedAlike) {
+  const int32_t lv = NewLv("Leer");
+  EXPECT_NO_THROW(DeleteLv(*db_, lv));
+  EXPECT_TRUE(ListLvs(*db_).empty());
+  EXPECT_THROW(DeleteLv(*db_, lv), EStoredLvError);
+}
+
+TEST_F(LvDeleteTest, AnItemWithoutDescriptionIsDeletedAlone) {
+  const int32_t lv = NewLv("Rohbau");
+  const int32_t item = AddEntry(lv, kKindItem, kRootParentId, false);
+  const int32_t described = AddEntry(lv, kKindItem, kRootParentId, true);
+  const size_t descriptions = CountOf(kBeschrTableType);
+  TTbLvBeschr items(*db_);
+  ASSERT_TRUE(items.GetKey(KeyNumber(item), '1'));
+  ASSERT_EQ(items.DeleteRecEx(true), 0);
+  EXPECT_EQ(CountOf(kBeschrTableType), descriptions);
+  EXPECT_EQ(CountOf(kStrukturTableType), 2u);  // the item's row is the caller's
+  // Without being asked, the item keeps its description (it may be a catalog's).
+  ASSERT_TRUE(items.GetKey(KeyNumber(described), '1'));
+  ASSERT_EQ(items.DeleteRec(), 0);
+  EXPECT_EQ(CountOf(kBeschrTableType), descriptions);
+}
+
+TEST_F(LvDeleteTest, TheCheckAcceptsTheRootAsParentButNotTheNullId) {
+  const int32_t lv = NewLv("Rohbau");
+  const int32_t top = AddEntry(lv, kKindItem, kRootParentId);
+  std::string log;
+  EXPECT_EQ(Check(true, &log), 0) << log;
+  TTbStruktur rows(*db_);
+  ASSERT_TRUE(rows.GetKey(KeyNumber(top), '1'));
+  rows.Rec().ZuBg = kNullId;
+  ASSERT_EQ(rows.UpDateRec(), 0);
+  EXPECT_EQ(Check(true, &log), 1) << log;
+  EXPECT_NE(log.find("ZuBg=2147483647 nicht vorhanden"), std::string::npos) << log;
+}
+
+TEST_F(LvDeleteTest, TheCheckNamesARejectedCodeWithItsExplanation) {
+  const int32_t lv = NewLv("Rohbau");
+  TTbLV lvs(*db_);
+  ASSERT_TRUE(lvs.FindLv(lv));
+  lvs.Rec().Status = 'X';
+  lvs.Rec().LBArt = 'Q';
+  ASSERT_EQ(lvs.UpDateRec(), 0);
+  std::string log;
+  EXPECT_EQ(Check(false, &log), 1) << log;
+  EXPECT_NE(log.find(std::string(kLvStatusText)), std::string::npos) << log;
+  EXPECT_NE(log.find(std::string(kLBArtText)), std::string::npos) << log;
+  ASSERT_TRUE(lvs.FindLv(lv));
+  EXPECT_EQ(lvs.Rec().Status, 'N');
+  EXPECT_EQ(lvs.Rec().LBArt, 'P');
+  EXPECT_EQ(Check(true), 0);
+}
+
+TEST_F(LvDeleteTest, StructureRowsOfAMissingLvAreDeletedWithTheirEntries) {
+  const int32_t lv = NewLv("Rohbau");
+  FillLv(lv);
+  TTbLV lvs(*db_);
+  ASSERT_TRUE(lvs.FindLv(lv));
+  ASSERT_EQ(lvs.data::TStdTB::DeleteRec(), 0);  // the header alone, as damage leaves it
+  std::string log;
+  EXPECT_GT(Check(false, &log), 0) << log;
+  EXPECT_TRUE(Orphans().empty());
+  EXPECT_EQ(CountOf(kLvBgTableType) + CountOf(kLvBeschrTableType), 0u);
+  EXPECT_EQ(Check(true, &log), 0) << log;
+}
+
+// LVs with groups, items and levels created and deleted at random: afterwards no table
+// holds a record of an LV that is gone, and the check finds nothing.
+TEST_F(LvDeleteTest, RandomLvsLeaveNoOrphans) {
+  std::mt19937 random(20261123);
+  std::map<int32_t, size_t> entries;  // by LV
+  for (int step = 0; step < 40; ++step) {
+    if (entries.empty() || random() % 3 != 0) {
+      const int32_t lv = NewLv("LV " + std::to_string(step));
+      std::vector<int32_t> groups{kRootParentId};
+      const size_t count = random() % 12;
+      for (size_t i = 0; i < count; ++i) {
+        const int32_t parent = groups[random() % groups.size()];
+        if (random() % 3 == 0) {
+          groups.push_back(AddEntry(lv, kKindGroup, parent));
+        } else {
+          AddEntry(lv, random() % 4 == 0 ? 'H' : kKindItem, parent, random() % 2 == 0);
+        }
+      }
+      for (int32_t level = 1; level <= static_cast<int32_t>(random() % 4); ++level) {
+        AddLevel(lv, level);
+      }
+      entries[lv] = count;
+    } else {
+      auto victim = entries.begin();
+      std::advance(victim, random() % entries.size());
+      DeleteLv(*db_, victim->first);
+      entries.erase(victim);
+    }
+  }
+  std::map<int32_t, size_t> listed;
+  for (const LvSummary& lv : ListLvs(*db_)) listed[lv.id] = lv.entries;
+  EXPECT_EQ(listed, entries);
+  EXPECT_TRUE(Orphans().empty());
+  std::string log;
+  EXPECT_EQ(Check(true, &log), 0) << log;
+}
+
+TEST_F(LvDeleteTest, UndoOfAnLvDeleteRestoresEveryRecordByteForByte) {
+  data::TTableRecordRestorer restorer(std::vector<data::TStdDb*>{db_.get()}, LvTables());
+  korvan::testing::TempDir journal_dir;
+  data::TUndoRedo journal(journal_dir.path().string());
+  journal.SetRecordRestorer(&restorer);
+  data::ScopedTableChangeObserver observing(&journal);
+  const int32_t lv = NewLv("Rohbau");
+  FillLv(lv);
+  FillLv(NewLv("Ausbau"));
+  const Records before = AllRecords();
+
+  journal.StartTransaction(data::TStartItem(0, data::TOperationKind::okDelete, "LV löschen"));
+  DeleteLv(*db_, lv);
+  journal.EndTransaction();
+  EXPECT_EQ(ListLvs(*db_).size(), 1u);
+  EXPECT_LT(AllRecords().size(), before.size());
+
+  const data::TUndoOutcome undone = journal.PopUndo();
+  ASSERT_TRUE(undone.ok()) << undone.error;
+  EXPECT_EQ(AllRecords(), before);
+  std::string log;
+  EXPECT_EQ(Check(true, &log), 0) << log;
+
+  ASSERT_TRUE(journal.PopRedo().ok());
+  EXPECT_EQ(ListLvs(*db_).size(), 1u);
+  EXPECT_TRUE(Orphans().empty());
+}
+
+}  // namespace
+}  // namespace korvan::boq::testing
