@@ -27,7 +27,7 @@ class LvCommands : public ::testing::Test {
   // The LV headers field by field, without the time of each record's last change.
   std::string DumpHeaders() {
     const ProgramResult dump =
-        testing::ExpectKorvan({"db", "dump", "--table", "L", lv_db_.string()}, 0);
+        testing::ExpectKorvan({"db", "dump", "--table", "K", lv_db_.string()}, 0);
     static const std::regex stamp("LastModified: [^\t\n]*");
     return std::regex_replace(dump.out, stamp, "LastModified: -");
   }
