@@ -72,12 +72,27 @@ TEST_F(LvCommands, NewListDeleteAndUndoBringTheLvBack) {
 TEST_F(LvCommands, ANewHeaderShowsItsDefaultsInTheDump) {
   Korvan({"lv", "new", "Rohbau"});
   const std::string dump = DumpHeaders();
-  for (const char* field :
-       {"FId: 1\n", "SzPrj: 100000\n", "IdCad: 2147483647\n", "DBState: lvOK\n", "IdWae: -1\n",
-        "Ust: -1\n", "UstAbrechnung: -1\n", "Status: N\n", "KalkStatus: N\n", "AngVerfahren: P\n",
-        "KalkVerfahren: Z\n", "EPGenauigkeit: 2\n", "Autocalc: True\n", "Zeilenart: 9\n",
-        "GwlEinheit: Months\n", "LBArt: P\n", "LVWaehrung: wtLand\n", "Druckoptionen.DruckeLV: True\n",
-        "Summe: 0 [-1]\n", "Name: Rohbau\n", "CashDiscount.[1].CashDiscDays.Kind: 3\n"}) {
+  for (const char* field : {"FId: 1\n",
+                            "SzPrj: 100000\n",
+                            "IdCad: 2147483647\n",
+                            "DBState: lvOK\n",
+                            "IdWae: -1\n",
+                            "Ust: -1\n",
+                            "UstAbrechnung: -1\n",
+                            "Status: N\n",
+                            "KalkStatus: N\n",
+                            "AngVerfahren: P\n",
+                            "KalkVerfahren: Z\n",
+                            "EPGenauigkeit: 2\n",
+                            "Autocalc: True\n",
+                            "Zeilenart: 9\n",
+                            "GwlEinheit: Months\n",
+                            "LBArt: P\n",
+                            "LVWaehrung: wtLand\n",
+                            "Druckoptionen.DruckeLV: True\n",
+                            "Summe: 0 [-1]\n",
+                            "Name: Rohbau\n",
+                            "CashDiscount.[1].CashDiscDays.Kind: 3\n"}) {
     EXPECT_TRUE(Contains(dump, field)) << field << "\n" << dump;
   }
 }

@@ -6,6 +6,7 @@
 #include "boq/lv/hierarchie_record.h"
 #include "boq/lv/lv_entry_records.h"
 #include "boq/lv/lv_record.h"
+#include "boq/lv/lv_test_support.h"
 #include "boq/lv/struktur_record.h"
 #include "boq/lv/tb_lv.h"
 #include "boq/lv/tb_lv_beschr.h"
@@ -14,7 +15,6 @@
 #include "data/records/int_date.h"
 #include "data/records/money_fields.h"
 #include "data/tables/table_key.h"
-#include "boq/lv/lv_test_support.h"
 
 namespace korvan::boq::testing {
 namespace {
@@ -81,8 +81,8 @@ TEST_F(LvTableDefaults, ANewLvHeaderHasTheDefaultsOfANewLv) {
                            print.KaSonstige, print.KaFremd, print.LKTextDrucken}) {
     EXPECT_EQ(on, 1);
   }
-  for (const uint8_t open : {print.DruckeVortext, print.KaLohn, print.bFormFeedBG,
-                             print.DruckeMengenErmittlung}) {
+  for (const uint8_t open :
+       {print.DruckeVortext, print.KaLohn, print.bFormFeedBG, print.DruckeMengenErmittlung}) {
     EXPECT_EQ(open, 128);
   }
   for (const TCashDiscount& term : lv.CashDiscount) {
@@ -145,7 +145,10 @@ TEST_F(LvTableDefaults, KeysAreBuiltFromTheirFieldsInOrder) {
   lvs.Rec().FId = 5;
   lvs.Rec().SzPrj = 100001;
   EXPECT_EQ(lvs.GetKeyString(lvs.CurrentRecord(), '3', key), 23);
-  EXPECT_EQ(key, "00000100001" "9" "00000000005");
+  EXPECT_EQ(key,
+            "00000100001"
+            "9"
+            "00000000005");
   TTbLvHierarchie levels(*db_);
   levels.Rec().IdLv = 5;
   levels.Rec().SzLv = 6;

@@ -44,8 +44,8 @@ class LvDbTest : public ::testing::Test {
   static constexpr int kKeyLength = 70;
 
   void SetUp() override {
-    db_ = std::make_unique<data::TStdDb>("DB_Lv", dir_.path().string() + "/", kLvDbType,
-                                         kKeyLength);
+    db_ =
+        std::make_unique<data::TStdDb>("DB_Lv", dir_.path().string() + "/", kLvDbType, kKeyLength);
     db_->SetMessages(&messages_);
     db_->SetModifiedById("ALICE");
     ASSERT_EQ(db_->DbCreate(), 0);
