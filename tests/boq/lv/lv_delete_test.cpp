@@ -116,6 +116,29 @@ TEST_F(LvDeleteTest, AnLvWithoutBimFolderOrEntriesIsDeletedAlike) {
   EXPECT_THROW(DeleteLv(*db_, lv), EStoredLvError);
 }
 
+TEST_F(LvDeleteTest, AnLvIsNamedByItsIdOrItsNameAndNeverAmbiguously) {
+  const int32_t rohbau = NewLv("Rohbau");
+  const int32_t ausbau = NewLv("Ausbau");
+  EXPECT_EQ(FindLvByIdOrName(*db_, "Rohbau").id, rohbau);
+  EXPECT_EQ(FindLvByIdOrName(*db_, std::to_string(ausbau)).id, ausbau);
+  EXPECT_EQ(FindLvByIdOrName(*db_, "rohbau").problem,
+            "kein LV mit der Nummer oder dem Namen \"rohbau\"");
+  EXPECT_FALSE(FindLvByIdOrName(*db_, "99").found());
+  // Names that the commands refuse can still come from elsewhere: a digit name that is
+  // another LV's id, and a name twice.
+  const int32_t digits = NewLv(std::to_string(rohbau));
+  const int32_t twice = NewLv("Ausbau");
+  EXPECT_EQ(FindLvByIdOrName(*db_, std::to_string(rohbau)).problem,
+            "\"" + std::to_string(rohbau) + "\" ist nicht eindeutig: LV " + std::to_string(rohbau) +
+                " \"Rohbau\"; LV " + std::to_string(digits) + " \"" + std::to_string(rohbau) +
+                "\". Bitte die Nummer angeben.");
+  EXPECT_FALSE(FindLvByIdOrName(*db_, "Ausbau").found());
+  EXPECT_EQ(FindLvByIdOrName(*db_, std::to_string(twice)).id, twice);
+  EXPECT_EQ(CheckNewLv({"4711", ""}).empty(), false);
+  EXPECT_EQ(CheckNewLv({"Rohbau 2", "11.22.PPPP"}), "");
+  EXPECT_NE(CheckNewLv({"Rohbau", std::string(21, 'P')}).find("OZ-Maske"), std::string::npos);
+}
+
 TEST_F(LvDeleteTest, AnItemWithoutDescriptionIsDeletedAlone) {
   const int32_t lv = NewLv("Rohbau");
   const int32_t item = AddEntry(lv, kKindItem, kRootParentId, false);
