@@ -4,6 +4,7 @@
 #include <climits>
 #include <optional>
 
+#include "boq/lv/lv_texts.h"
 #include "boq/lv/tb_lv.h"
 #include "boq/lv/tb_struktur.h"
 #include "data/common/cp1252.h"
@@ -148,12 +149,17 @@ int32_t CreateLv(data::TStdDb& db, const NewLv& lv) {
   return id;
 }
 
-void DeleteLv(data::TStdDb& db, int32_t id) {
+void DeleteLv(data::TStdDb& db, int32_t id, data::TStdDb* text_db) {
   TTbLV headers(db);
   if (!headers.FindLv(id)) {
     throw EStoredLvError(db.BasePath() + "0: LV " + std::to_string(id) + " gibt es nicht");
   }
   const std::string name = headers.CurrentRecordToString();
+  if (text_db != nullptr) {
+    if (int result = DeleteLvTexts(*text_db, id, DescriptionsOf(db, id)); result != storage::kOk) {
+      Fail(*text_db, "die Texte von " + name + " können nicht gelöscht werden", result);
+    }
+  }
   if (int result = headers.DeleteRec(); result != storage::kOk) {
     Fail(db, name + " kann nicht gelöscht werden", result, &headers);
   }

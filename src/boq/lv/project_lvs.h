@@ -57,9 +57,11 @@ std::optional<LvSummary> FindLvNamed(data::TStdDb& db, std::string_view name);
 // EStoredLvError when the database refuses.
 int32_t CreateLv(data::TStdDb& db, const NewLv& lv);
 
-// Deletes the LV with everything that hangs on it. EStoredLvError when the database
-// refuses; the records deleted up to then are reported by the journal of the caller.
-void DeleteLv(data::TStdDb& db, int32_t id);
+// Deletes the LV with everything that hangs on it: its texts and those of its entries'
+// descriptions in `text_db` (the project's text database; none: no texts are touched),
+// then its records in `db`. EStoredLvError when a database refuses; the records deleted
+// up to then are in the journal of the caller's step.
+void DeleteLv(data::TStdDb& db, int32_t id, data::TStdDb* text_db = nullptr);
 
 // A failure of the LV database (reading, writing) in German, naming the database.
 class EStoredLvError : public std::runtime_error {

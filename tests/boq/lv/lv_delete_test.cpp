@@ -8,9 +8,13 @@
 #include <set>
 
 #include "boq/lv/lv_test_support.h"
+#include "boq/lv/lv_texts.h"
 #include "boq/lv/project_lvs.h"
 #include "boq/lv/tb_lv.h"
+#include "boq/text/long_text_store.h"
+#include "boq/text/tb_texte.h"
 #include "data/tables/table_key.h"
+#include "data/tables/tb_counter.h"
 #include "data/undo/undo_redo.h"
 #include "data/undo/undo_table_restorer.h"
 
@@ -107,6 +111,77 @@ TEST_F(LvDeleteTest, DeletingAnLvTakesItsLevelsEntriesAndDescriptionsAndNothingE
   EXPECT_EQ(after, before);
   EXPECT_FALSE(std::filesystem::exists(TTbLV::BimImportFolder(db_->Directory(), gone)));
   EXPECT_EQ(Check(true), 0);
+}
+
+// The project's text database beside the LV database.
+class LvTextsTest : public LvDeleteTest {
+ protected:
+  void SetUp() override {
+    LvDeleteTest::SetUp();
+    texts_ = std::make_unique<data::TStdDb>("DB_Texte", dir_.path().string() + "/", 'C', 45);
+    texts_->SetMessages(&messages_);
+    ASSERT_EQ(texts_->DbCreate(), 0);
+  }
+  void TearDown() override {
+    texts_.reset();
+    LvDeleteTest::TearDown();
+  }
+  // The LV's name line, its comment, and short and long texts of each description.
+  void WriteTexts(int32_t lv) {
+    TTbTexte lines(*texts_);
+    ASSERT_TRUE(lines.WriteLines(lv, 'L', 49, {"Name " + std::to_string(lv)}).Ok());
+    ASSERT_TRUE(lines.WriteLines(lv, '1', 49, {"Lohn"}).Ok());
+    TLongTextStore long_texts(*texts_);
+    ASSERT_EQ(long_texts.Store(lv, 'C', 49, "Kommentar", {}), 0);
+    for (const int32_t description : DescriptionsOf(*db_, lv)) {
+      ASSERT_TRUE(lines.WriteLines(description, 'K', 49, {"Kurztext"}).Ok());
+      ASSERT_EQ(long_texts.Store(description, 'L', 49, "Langtext", {}), 0);
+    }
+  }
+  size_t TextRecords() {
+    size_t count = 0;
+    for (const std::unique_ptr<data::TStdTB>& table : LvTables().CreateTables(*texts_)) {
+      if (table->TableType() == data::kCounterTableType) continue;
+      uint32_t records = 0;
+      EXPECT_EQ(table->GetRecCount(&records), 0);
+      count += records;
+    }
+    return count;
+  }
+  std::unique_ptr<data::TStdDb> texts_;
+};
+
+TEST_F(LvTextsTest, DeletingAnLvDeletesItsTextsAndThoseOfItsDescriptions) {
+  const int32_t kept = NewLv("Rohbau");
+  FillLv(kept);
+  WriteTexts(kept);
+  const size_t kept_texts = TextRecords();
+  const int32_t gone = NewLv("Ausbau");
+  FillLv(gone);
+  WriteTexts(gone);
+  EXPECT_EQ(DescriptionsOf(*db_, gone).size(), 5u);  // two groups, three described entries
+  EXPECT_GT(TextRecords(), kept_texts);
+
+  data::TTableRecordRestorer restorer(std::vector<data::TStdDb*>{db_.get(), texts_.get()},
+                                      LvTables());
+  korvan::testing::TempDir journal_dir;
+  data::TUndoRedo journal(journal_dir.path().string());
+  journal.SetRecordRestorer(&restorer);
+  data::ScopedTableChangeObserver observing(&journal);
+  const size_t all_texts = TextRecords();
+  journal.StartTransaction(data::TStartItem(0, data::TOperationKind::okDelete, "LV löschen"));
+  DeleteLv(*db_, gone, texts_.get());
+  journal.EndTransaction();
+  EXPECT_EQ(TextRecords(), kept_texts);
+  TTbTexte lines(*texts_);
+  EXPECT_EQ(lines.ReadLines(kept, 'L', 49),
+            std::vector<std::string>{"Name " + std::to_string(kept)});
+  EXPECT_TRUE(lines.ReadLines(gone, 'L', 49).empty());
+
+  ASSERT_TRUE(journal.PopUndo().ok());
+  EXPECT_EQ(TextRecords(), all_texts);
+  EXPECT_EQ(lines.ReadLines(gone, '1', 49), std::vector<std::string>{"Lohn"});
+  EXPECT_EQ(TLongTextStore(*texts_).Read(gone, 'C', 49).rich_text, "Kommentar");
 }
 
 TEST_F(LvDeleteTest, AnLvWithoutBimFolderOrEntriesIsDeletedAlike) {

@@ -39,13 +39,14 @@ int LvDeleteCommand::Run(Streams& streams) {
   std::error_code missing;
   const bool had_bim_folder = std::filesystem::exists(bim_folder, missing);
 
+  data::TStdDb* text_db = target.TextDb();
   data::TUndoRedo& journal = target.Journal();
   const int steps_before = journal.UndoStack().TransactionCount();
   std::string failure;
   {
     JournalStep step(journal, data::TOperationKind::okDelete, caption);
     try {
-      boq::DeleteLv(db, lv.id);
+      boq::DeleteLv(db, lv.id, text_db);
     } catch (const boq::EStoredLvError& error) {
       failure = error.what();
     }

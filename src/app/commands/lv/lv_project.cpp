@@ -9,6 +9,12 @@
 #include "data/db/path_types.h"
 
 namespace korvan::app {
+namespace {
+
+// The database group of the texts; a project keeps one beside its LVs.
+constexpr const char* kTextDbGroup = "DB_Texte";
+
+}  // namespace
 
 LvProject::LvProject(const std::string& data_dir, const std::string& project) {
   const std::string base = RequireInstallation(data_dir).string();
@@ -49,6 +55,12 @@ data::TStdDb& LvProject::Db(bool journal) {
     db_ = &session_->OpenDatabase(*file_);
   }
   return *db_;
+}
+
+data::TStdDb* LvProject::TextDb() {
+  const data::DbGroupDefinition* group = data::FindDbGroup(kTextDbGroup);
+  const data::DatabaseFile texts(*group, data::kPathObjekt, file_->directory());
+  return texts.Exists() ? &session_->OpenDatabase(texts) : nullptr;
 }
 
 int32_t LvProject::ResolveLv(const std::string& name_or_id) {

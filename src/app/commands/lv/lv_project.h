@@ -26,6 +26,9 @@ class LvProject {
   // records every change from then on.
   data::TStdDb& Db(bool journal);
   data::TUndoRedo& Journal() { return session_->Journal(); }
+  // The project's text database beside the LV database, open for writing; nullptr when
+  // the project has none. Open the LV database first.
+  data::TStdDb* TextDb();
 
   // The id of the LV that the command line names by id or name; CommandError (in the
   // project's words) when it names none or more than one.
