@@ -214,6 +214,17 @@ TEST_F(LvDeleteTest, AnLvIsNamedByItsIdOrItsNameAndNeverAmbiguously) {
   EXPECT_NE(CheckNewLv({"Rohbau", std::string(21, 'P')}).find("OZ-Maske"), std::string::npos);
 }
 
+TEST_F(LvDeleteTest, SetDBStateWritesOnlyAChangedState) {
+  const int32_t lv = NewLv("Rohbau");
+  TTbLV lvs(*db_);
+  EXPECT_EQ(lvs.SetDBState(lv, TDBLVState::lvOK), TTbLV::TSetStateResult::kUnchanged);
+  EXPECT_EQ(lvs.SetDBState(lv, TDBLVState::lvInvalidCosts), TTbLV::TSetStateResult::kUpdated);
+  EXPECT_EQ(lvs.SetDBState(lv, TDBLVState::lvInvalidCosts), TTbLV::TSetStateResult::kUnchanged);
+  EXPECT_EQ(lvs.SetDBState(lv + 1, TDBLVState::lvOK), TTbLV::TSetStateResult::kNotFound);
+  ASSERT_TRUE(lvs.FindLv(lv));
+  EXPECT_EQ(lvs.Rec().DBState, static_cast<uint8_t>(TDBLVState::lvInvalidCosts));
+}
+
 TEST_F(LvDeleteTest, AnItemWithoutDescriptionIsDeletedAlone) {
   const int32_t lv = NewLv("Rohbau");
   const int32_t item = AddEntry(lv, kKindItem, kRootParentId, false);
