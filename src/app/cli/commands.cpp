@@ -2,6 +2,7 @@
 // commands.
 #include "app/cli/command.h"
 #include "app/commands/admin/admin_commands.h"
+#include "app/commands/currency/currency_commands.h"
 #include "app/commands/db/db_commands.h"
 #include "app/commands/lists/list_commands.h"
 #include "app/commands/lv/lv_commands.h"
@@ -18,6 +19,7 @@ CommandList AllCommands() {
   AddListCommands(commands);
   AddLvCommands(commands);
   AddTextCommands(commands);
+  AddCurrencyCommands(commands);
   return commands;
 }
 

@@ -61,6 +61,7 @@ int TdmWaeConvert::ConvertDatabase(data::TStdDb& db, const Progress& progress,
     }
     const std::vector<uint32_t> amounts = AmountOffsets(*format->layout);
     if (amounts.empty()) continue;
+    ++report.tables;
     if (int result = ConvertTable(*table, amounts, progress, report); result != 0) return result;
   }
   return 0;

@@ -15,6 +15,7 @@ namespace korvan::boq {
 
 // What a conversion did, for the protocol file and the user.
 struct TWaeConvertReport {
+  int64_t tables = 0;              // tables that have amounts
   int64_t records = 0;             // records rewritten
   int64_t amounts = 0;             // amounts converted
   std::vector<std::string> lines;  // per database and table; amounts left as they were

@@ -1,8 +1,6 @@
 // `korvan check`: the integrity check over the databases of an installation.
 #include "app/commands/admin/check_command.h"
 
-#include <unistd.h>
-
 #include <climits>
 #include <filesystem>
 #include <optional>
@@ -13,6 +11,7 @@
 #include <CLI/CLI.hpp>
 
 #include "app/cli/command_error.h"
+#include "app/cli/progress_line.h"
 #include "app/program/command_sign_in.h"
 #include "app/program/current_project.h"
 #include "app/program/data_dir.h"
@@ -24,26 +23,6 @@
 namespace korvan::app {
 namespace fs = std::filesystem;
 namespace {
-
-// Writes "\r<table>: n/total" on a terminal.
-class ProgressLine {
- public:
-  explicit ProgressLine(std::ostream& err) : err_(err), shown_(::isatty(STDERR_FILENO) == 1) {}
-  void Show(const data::TStdTB& table, int checked, int total) {
-    if (!shown_ || (checked % 256 != 0 && checked + 1 != total)) return;
-    err_ << "\r" << table.Db().Name() << " " << table.TableName() << ": " << checked + 1 << "/"
-         << total << "      " << std::flush;
-    used_ = true;
-  }
-  void End() {
-    if (used_) err_ << "\r" << std::string(60, ' ') << "\r" << std::flush;
-  }
-
- private:
-  std::ostream& err_;
-  bool shown_;
-  bool used_ = false;
-};
 
 // The log of the run: of every table when `verbose`, else of the tables with findings.
 std::string LogText(const data::TDataIntegrity& run, bool verbose) {
@@ -94,7 +73,7 @@ int RunCheck(const std::string& base_dir, bool dry_run, const std::string& group
   data::TDataIntegrity run(rebuild.Registry());
   ProgressLine progress(streams.err);
   run.FOnProgress = [&](const data::TStdTB& table, int checked, int total) {
-    progress.Show(table, checked, total);
+    progress.Show(table.Db().Name() + " " + table.TableName(), checked + 1, total);
   };
   int problems = rebuild.IntegrityCheck(run, dry_run, group);
   progress.End();

@@ -1,0 +1,262 @@
+#include "app/commands/currency/currency_command.h"
+
+#include <ctime>
+#include <filesystem>
+#include <memory>
+#include <ostream>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "app/cli/command_error.h"
+#include "app/cli/progress_line.h"
+#include "app/commands/db/db_database.h"
+#include "app/commands/lists/master_data_session.h"
+#include "app/program/command_sign_in.h"
+#include "app/program/current_project.h"
+#include "app/program/data_dir.h"
+#include "app/program/installation.h"
+#include "app/program/program_tables.h"
+#include "boq/units/currency_list.h"
+#include "boq/units/dm_wae_convert.h"
+#include "boq/units/tb_prj_wae_faktor.h"
+#include "boq/units/tb_waehrung.h"
+#include "boq/units/value_converter.h"
+#include "data/db/db_groups.h"
+#include "data/db/path_types.h"
+#include "data/tables/std_db.h"
+#include "data/undo/undo_redo.h"
+#include "data/undo/undo_table_restorer.h"
+#include "storage/result_codes.h"
+
+namespace korvan::app {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr char kLogFileName[] = "WaeKonv.LOG";
+
+// Only records are changed; there are no rows of a list to put back.
+class NoRows : public data::TCDataRowRestorer {
+ public:
+  int MoveRow(int32_t, int32_t, int32_t, std::string&) override { return data::kUndoOk; }
+  int RemoveRow(int32_t, const std::string&, int32_t, std::string&) override {
+    return data::kUndoOk;
+  }
+  int RestoreRow(int32_t, const std::string&, int32_t, std::string&) override {
+    return data::kUndoOk;
+  }
+};
+
+int32_t Today() {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  return (local.tm_year + 1900) * 10000 + (local.tm_mon + 1) * 100 + local.tm_mday;
+}
+
+std::string KnownSymbols(const boq::TCurrencyList& list) {
+  std::string known;
+  for (const boq::TCurrency& currency : list.All()) {
+    known += (known.empty() ? "" : ", ") + currency.symbol;
+  }
+  return known;
+}
+
+// A currency named by its symbol or its id.
+const boq::TCurrency& FindCurrency(const boq::TCurrencyList& list, const std::string& name) {
+  const boq::TCurrency* found = list.FindSymbol(name);
+  if (found == nullptr && !name.empty() &&
+      name.find_first_not_of("-0123456789") == std::string::npos && name.size() < 10) {
+    found = list.Find(std::stoi(name));
+  }
+  if (found == nullptr) {
+    throw CommandError("Währung \"" + name + "\" steht nicht in der Währungstabelle (bekannt: " +
+                       KnownSymbols(list) + ")");
+  }
+  return *found;
+}
+
+// The project folder the request names, made the project directory of the machine.
+std::string ChooseProject(Installation& installation, const std::string& project) {
+  if (!project.empty()) {
+    if (!IsValidProjectName(project)) {
+      throw UsageError("--project braucht den Namen eines Projektordners, nicht \"" + project +
+                       "\"");
+    }
+    installation.machine.SetObjektDirectory(ProjectDirectory(installation.machine, project));
+  } else {
+    OpenCurrentProject(installation);
+  }
+  const std::string directory = installation.machine.ObjektDirectory();
+  if (directory.empty()) throw CommandError("kein Projekt gewählt; --project nennt eines");
+  std::error_code error;
+  if (!fs::is_directory(directory, error)) {
+    throw CommandError("Projektordner " + directory + " gibt es nicht");
+  }
+  return directory;
+}
+
+// The open databases of one run, closed in reverse order.
+class OpenDatabases {
+ public:
+  OpenDatabases(const std::string& user, data::TCollectedMessages& messages)
+      : user_(user), messages_(messages) {}
+  ~OpenDatabases() {
+    for (auto it = dbs_.rbegin(); it != dbs_.rend(); ++it) (*it)->DbClose();
+  }
+  data::TStdDb& Open(const data::DatabaseFile& file) {
+    auto db = std::make_unique<data::TStdDb>(file);
+    db->SetMessages(&messages_);
+    db->SetModifiedById(user_);
+    if (const int opened = db->DbOpen(true); opened != storage::kOk) {
+      throw CommandError(file.DataFileName() + ": " + ResultCodeText(opened));
+    }
+    dbs_.push_back(std::move(db));
+    return *dbs_.back();
+  }
+  std::vector<data::TStdDb*> All() const {
+    std::vector<data::TStdDb*> all;
+    for (const auto& db : dbs_) all.push_back(db.get());
+    return all;
+  }
+
+ private:
+  std::string user_;
+  data::TCollectedMessages& messages_;
+  std::vector<std::unique_ptr<data::TStdDb>> dbs_;
+};
+
+std::string LastMessage(const data::TCollectedMessages& messages) {
+  return messages.errors.empty() ? std::string() : " (" + messages.errors.back() + ")";
+}
+
+}  // namespace
+
+void CurrencyCommand::Define(CLI::App& app) {
+  app.require_subcommand(1);
+  convert_ = app.add_subcommand(
+      "convert", "rechnet alle gespeicherten Beträge eines Projekts in eine Währung um");
+  AddDataDirOption(*convert_, request_.data_dir);
+  convert_->add_option("--project", request_.project, "Projektordner (sonst das aktuelle Projekt)");
+  convert_->add_option("--von", request_.source,
+                       "Währung der Beträge, die in der Projektwährung stehen (sonst die "
+                       "Basiswährung der Installation)");
+  convert_->add_option("waehrung", request_.target, "neue Währung: Symbol (EUR) oder Id")
+      ->required();
+}
+
+int CurrencyCommand::Run(Streams& streams) {
+  if (convert_->parsed()) return RunCurrencyConvert(request_, streams);
+  throw UsageError("ein Unterbefehl fehlt (convert)");
+}
+
+int RunCurrencyConvert(const CurrencyConvertRequest& request, Streams& streams) {
+  Installation installation = LoadInstallation(RequireInstallation(request.data_dir));
+  const std::string project_dir = ChooseProject(installation, request.project);
+  const std::string user = installation.machine.SystemUserName();
+  const data::DatabaseFiles files(installation.machine.ToDatabaseDirectories());
+  const data::DatabaseFile* stamm = files.Find("DB_Stamm", data::kPathStammdaten);
+  if (stamm == nullptr) throw CommandError("die Installation hat kein Stammdatenverzeichnis");
+  std::vector<const data::DatabaseFile*> project_files;
+  for (const data::DatabaseFile& file : files.all()) {
+    if (file.path_type() == data::kPathObjekt && file.Exists()) project_files.push_back(&file);
+  }
+
+  const auto sign_in = SignInToDirectories(CommandUser(user), {stamm->directory(), project_dir},
+                                           false, "Währungskonvertierung");
+  // The journal is taken before the databases are opened, as every writer does.
+  const std::unique_ptr<data::TUndoRedo> journal =
+      OpenJournal(request.data_dir, data::TDamagedFile::kReport);
+  data::TCollectedMessages messages;
+  OpenDatabases dbs(user, messages);
+  data::TStdDb& stamm_db = dbs.Open(*stamm);
+  std::vector<data::TStdDb*> project_dbs;
+  data::TStdDb* glob = nullptr;
+  for (const data::DatabaseFile* file : project_files) {
+    project_dbs.push_back(&dbs.Open(*file));
+    if (file->group_name() == "DB_GlobData") glob = project_dbs.back();
+  }
+  data::TTableRecordRestorer restorer(dbs.All(), ProgramTables(), request.data_dir);
+  NoRows rows;
+  journal->SetRecordRestorer(&restorer);
+  journal->SetRowRestorer(&rows);
+  const data::ScopedTableChangeObserver observing(journal.get());
+  if (!journal->ResolveUnfinished()) throw CommandError(journal->LastError());
+
+  boq::TTbWaehrung currency_table(stamm_db);
+  boq::TCurrencyList currencies = boq::TCurrencyList::Load(currency_table);
+  if (currencies.All().empty()) {
+    throw CommandError("die Währungstabelle in " + stamm->DataFileName() + " ist leer");
+  }
+  const std::string project_name = fs::path(project_dir).parent_path().filename().string();
+  if (glob != nullptr) {
+    boq::TTbPrjWaeFaktor rates(*glob);
+    currencies.ApplyProjectRates(rates, project_name, Today());
+  }
+  const boq::TCurrency target = FindCurrency(currencies, request.target);
+  const boq::TCurrency source =
+      request.source.empty()
+          ? FindCurrency(currencies, std::to_string(installation.system.IdBasisWae()))
+          : FindCurrency(currencies, request.source);
+
+  boq::TValueConverterSettings settings;
+  settings.round_amounts = installation.system.RundenWaehrung();
+  settings.currency_rounding = installation.system.CurrencyRoundingType();
+  settings.qty_rounding = installation.system.QtyRoundingType();
+  settings.amount_decimals = target.decimals;
+  settings.project_currency = source.id;
+  const boq::TAvaUiValueConverter converter(currencies, settings);
+  boq::TdmWaeConvert convert(ProgramTables(), converter, target.id);
+
+  boq::TWaeConvertReport report;
+  int failed = 0;
+  {
+    ProgressLine progress(streams.err);
+    const auto show = [&](const std::string& database, int64_t done, int64_t total) {
+      progress.Show("Währungskonvertierung ... " + database, done, total);
+    };
+    journal->StartTransaction(
+        data::TStartItem(0, data::TOperationKind::okEdit,
+                         "Währungskonvertierung " + source.symbol + " nach " + target.symbol));
+    for (data::TStdDb* db : project_dbs) {
+      failed = convert.ConvertDatabase(*db, show, report);
+      if (failed != 0) break;
+    }
+    journal->EndTransaction();
+  }
+  if (!journal->LastError().empty()) {
+    throw CommandError("Währungskonvertierung nicht im Journal aufgezeichnet: " +
+                       journal->LastError());
+  }
+  if (failed != 0) {
+    const std::string why = (report.lines.empty() ? ResultCodeText(failed) : report.lines.back()) +
+                            LastMessage(messages);
+    if (report.records > 0 && !journal->PopUndo().ok()) {
+      throw CommandError("Währungskonvertierung abgebrochen: " + why +
+                         "; die schon umgerechneten Datensätze stehen als letzter Schritt im "
+                         "Journal (\"korvan undo\")");
+    }
+    throw CommandError("Währungskonvertierung abgebrochen, nichts geändert: " + why);
+  }
+
+  for (const std::string& line : report.lines) streams.out << line << '\n';
+  streams.out << "Währungskonvertierung " << source.symbol << " nach " << target.symbol << ": "
+              << report.records << " Datensätze, " << report.amounts << " Beträge in "
+              << project_dbs.size() << " Datenbanken von " << project_dir << " umgerechnet\n";
+  if (report.tables == 0) {
+    streams.out << "Hinweis: in diesen Datenbanken ist noch keine Tabelle mit Beträgen "
+                   "eingetragen; es gab nichts umzurechnen\n";
+  } else if (report.records > 0) {
+    streams.out << "Rückgängig: korvan undo\n";
+  }
+  const std::string log_file = project_dir + kLogFileName;
+  if (!boq::AppendWaeConvertLog(log_file, user, installation.machine.MachineName(), source.symbol,
+                                target.symbol, report)) {
+    streams.err << log_file << ": Protokoll kann nicht geschrieben werden\n";
+    return kExitFailure;
+  }
+  streams.out << "Protokoll: " << log_file << '\n';
+  return kExitOk;
+}
+
+}  // namespace korvan::app

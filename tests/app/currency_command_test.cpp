@@ -1,0 +1,101 @@
+// `korvan currency convert`, and `korvan undo` of records in a project's databases.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "app/program/program_tables.h"
+#include "boq/text/long_text_store.h"
+#include "data/tables/std_db.h"
+#include "data/tables/std_db_datas.h"
+#include "data/tables/table_change_journal.h"
+#include "data/undo/undo_redo.h"
+#include "data/undo/undo_table_restorer.h"
+#include "testing/run_korvan.h"
+#include "testing/temp_dir.h"
+
+namespace korvan {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ExpectKorvan;
+using testing::ProgramResult;
+
+TEST(CurrencyCommand, ConvertsTheProjectAndAppendsToItsProtocol) {
+  testing::TempDir dir;
+  const fs::path base = testing::MakeInstallation(dir, "demo");
+  const ProgramResult run =
+      ExpectKorvan({"currency", "convert", "-d", base.string(), "--von", "CHF", "EUR"}, 0,
+                   {"Währungskonvertierung CHF nach EUR: 0 Datensätze, 0 Beträge in ",
+                    "noch keine Tabelle mit Beträgen eingetragen", "Protokoll: "});
+  ExpectKorvan({"currency", "convert", "-d", base.string(), "--project", "Beispiel", "USD"}, 0);
+  const std::string log = testing::ReadFile(base / "PROJEKTE/Beispiel/WaeKonv.LOG");
+  EXPECT_EQ(log.front(), '[');
+  EXPECT_TRUE(testing::Contains(log, " - CHF - EUR\r\n0 Datensätze, 0 Beträge umgerechnet\r\n"))
+      << log;
+  EXPECT_TRUE(testing::Contains(log, " - EUR - USD\r\n")) << log;
+}
+
+TEST(CurrencyCommand, RefusesUnknownCurrenciesAndProjects) {
+  testing::TempDir dir;
+  const fs::path base = testing::MakeInstallation(dir, "demo");
+  ExpectKorvan({"currency", "convert", "-d", base.string(), "XYZ"}, 1,
+               {"Währung \"XYZ\" steht nicht in der Währungstabelle (bekannt: "});
+  ExpectKorvan({"currency", "convert", "-d", base.string(), "--von", "ABC", "EUR"}, 1, {"\"ABC\""});
+  ExpectKorvan({"currency", "convert", "-d", base.string(), "--project", "Fehlt", "EUR"}, 1,
+               {"PROJEKTE/Fehlt/ gibt es nicht"});
+  ExpectKorvan({"currency", "convert", "-d", base.string(), "--project", "a/b", "EUR"}, 2);
+  EXPECT_FALSE(fs::exists(base / "PROJEKTE/Beispiel/WaeKonv.LOG"));
+}
+
+TEST(CurrencyCommand, AnEmptyCurrencyTableIsNamed) {
+  testing::TempDir dir;
+  const fs::path base = testing::MakeInstallation(dir, "init");
+  ExpectKorvan({"currency", "convert", "-d", base.string(), "EUR"}, 1,
+               {"die Währungstabelle in ", "DB_Stamm.QE0 ist leer"});
+}
+
+// A step that changed a project's database is taken back and made again by the commands,
+// which open that database when the journal needs it.
+TEST(UndoOfProjectRecords, TakesBackAndRedoesALongTextOfTheProject) {
+  testing::TempDir dir;
+  const fs::path base = testing::MakeInstallation(dir, "init");
+  const std::string project = (base / "PROJEKTE/Beispiel/").string();
+  {
+    std::unique_ptr<data::TUndoRedo> journal = data::TUndoRedo::OpenPersistent(base.string());
+    data::TCollectedMessages messages;
+    data::TStdDb db("DB_Texte", project, 'C', 45);
+    db.SetMessages(&messages);
+    ASSERT_EQ(db.DbOpen(true), 0);
+    data::TTableRecordRestorer restorer(std::vector<data::TStdDb*>{&db}, app::ProgramTables(),
+                                        base.string());
+    journal->SetRecordRestorer(&restorer);
+    data::ScopedTableChangeObserver observing(journal.get());
+    boq::TLongTextStore store(db);
+    journal->StartTransaction(data::TStartItem(1, data::TOperationKind::okEdit, "Langtext"));
+    ASSERT_EQ(store.Store(12, 'L', 49, "{\\rtf1 Gr\\'f6\\'dfe}", {}), 0);
+    journal->EndTransaction();
+    ASSERT_EQ(db.DbClose(), 0);
+  }
+  data::TStdDbDatas::Instance().ReleaseEmpty();
+
+  ExpectKorvan({"undo", "-d", base.string()}, 0, {"Rückgängig gemacht: Langtext"});
+  const auto stored_text = [&] {
+    data::TCollectedMessages messages;
+    data::TStdDb db("DB_Texte", project, 'C', 45);
+    db.SetMessages(&messages);
+    EXPECT_EQ(db.DbOpen(false), 0);
+    boq::TLongTextStore store(db);
+    const std::string text = store.Read(12, 'L', 49).rich_text;
+    db.DbClose();
+    data::TStdDbDatas::Instance().ReleaseEmpty();
+    return text;
+  };
+  EXPECT_EQ(stored_text(), "");
+  ExpectKorvan({"redo", "-d", base.string()}, 0, {"Wiederhergestellt: Langtext"});
+  EXPECT_EQ(stored_text(), "{\\rtf1 Gr\\'f6\\'dfe}");
+}
+
+}  // namespace
+}  // namespace korvan
