@@ -25,16 +25,29 @@ using testing::ProgramResult;
 TEST(CurrencyCommand, ConvertsTheProjectAndAppendsToItsProtocol) {
   testing::TempDir dir;
   const fs::path base = testing::MakeInstallation(dir, "demo");
-  const ProgramResult run =
-      ExpectKorvan({"currency", "convert", "-d", base.string(), "--von", "CHF", "EUR"}, 0,
-                   {"Währungskonvertierung CHF nach EUR: 0 Datensätze, 0 Beträge in ",
-                    "noch keine Tabelle mit Beträgen eingetragen", "Protokoll: "});
+  const ProgramResult run = ExpectKorvan(
+      {"currency", "convert", "-d", base.string(), "--von", "CHF", "EUR"}, 0,
+      {"Währungskonvertierung CHF nach EUR: 0 Datensätze, 0 Beträge in ", "Protokoll: "});
   ExpectKorvan({"currency", "convert", "-d", base.string(), "--project", "Beispiel", "USD"}, 0);
   const std::string log = testing::ReadFile(base / "PROJEKTE/Beispiel/WaeKonv.LOG");
   EXPECT_EQ(log.front(), '[');
   EXPECT_TRUE(testing::Contains(log, " - CHF - EUR\r\n0 Datensätze, 0 Beträge umgerechnet\r\n"))
       << log;
   EXPECT_TRUE(testing::Contains(log, " - EUR - USD\r\n")) << log;
+}
+
+TEST(CurrencyCommand, ConvertsTheAmountsOfTheProjectsLvsAsOneUndoStep) {
+  testing::TempDir dir;
+  const fs::path base = testing::MakeInstallation(dir, "demo");
+  ExpectKorvan({"lv", "new", "Rohbau", "-d", base.string()}, 0);
+  const std::string lv_db = (base / "PROJEKTE/Beispiel/DB_Lv.QA").string();
+  ExpectKorvan({"db", "dump", lv_db, "--table", "K"}, 0, {"Summe: 0 [-1]\n"});
+  ExpectKorvan({"currency", "convert", "-d", base.string(), "CHF"}, 0,
+               {"Währungskonvertierung EUR nach CHF: 1 Datensätze, ", "Rückgängig: korvan undo"});
+  ExpectKorvan({"db", "dump", lv_db, "--table", "K"}, 0, {"Summe: 0 [41]\n", "Budget: 0 [41]\n"});
+  ExpectKorvan({"undo", "-d", base.string()}, 0,
+               {"Rückgängig gemacht: Währungskonvertierung EUR nach CHF"});
+  ExpectKorvan({"db", "dump", lv_db, "--table", "K"}, 0, {"Summe: 0 [-1]\n"});
 }
 
 TEST(CurrencyCommand, RefusesUnknownCurrenciesAndProjects) {
