@@ -140,7 +140,7 @@ inline constexpr data::RecordLayout kTextheaderLayout{"t_Textheader", sizeof(t_T
                                                       kTextheaderFields};
 static_assert(data::DescribesLayoutExactly(kTextheaderLayout));
 
-// The fixed part only; the text after it is shown by the dump as the record's tail.
+// The fixed part only; the dump names the number of text bytes after it.
 inline constexpr data::FieldDescriptor kTextZeileFields[] = {
     data::HeaderField(),
     {"IdHeader", offsetof(t_TextZeile, IdHeader), 4, data::FieldType::kInt32},
