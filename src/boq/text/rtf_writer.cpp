@@ -63,13 +63,18 @@ void AppendStyleChange(const TRichStyle& from, const TRichStyle& to, std::string
 void AppendRuns(const TRichRuns& runs, TRichStyle& style, std::string& out) {
   int open = 0;
   for (const TRichRun& run : runs) {
-    if (run.complement != open) {
-      if (open != 0) out += "\\'ff";
-      if (run.complement != 0) out += "\\'ff";
-      open = run.complement;
+    if (run.complement != open && open != 0) {
+      out += "\\'ff";
+      open = 0;
     }
+    // The format comes before a complement opens: an empty complement has the format in
+    // force where it opens.
     AppendStyleChange(style, run.style, out);
     style = run.style;
+    if (run.complement != open) {
+      out += "\\'ff";
+      open = run.complement;
+    }
     AppendRtfEscaped(run.text, "\\line ", out);
   }
   if (open != 0) out += "\\'ff";

@@ -8,6 +8,25 @@
 #include "boq/text/rtf_writer.h"
 
 namespace korvan::boq {
+
+// How test failures show a text: each block, each run with its format and complement.
+void PrintTo(const TRichText& text, std::ostream* out) {
+  const auto runs = [&](const TRichRuns& list) {
+    for (const TRichRun& run : list) {
+      *out << "[" << (run.style.bold ? "b" : "") << (run.style.italic ? "i" : "")
+           << (run.style.underline ? "u" : "") << run.complement << ":\"" << run.text << "\"]";
+    }
+  };
+  for (const TRichBlock& block : text.blocks) {
+    *out << (block.row ? "\n  row " : "\n  par ");
+    if (!block.row) runs(block.runs);
+    for (const TRichCell& cell : block.cells) {
+      *out << " | ";
+      runs(cell.runs);
+    }
+  }
+}
+
 namespace {
 
 std::string PlainOf(std::string_view rtf) {
@@ -91,6 +110,50 @@ TEST(RtfRoundTrip, FormattedTextWithTableAndComplementsIsReadAsWritten) {
   EXPECT_TRUE(read.problems.empty());
   EXPECT_EQ(read.text, text) << WriteRtf(text);
   EXPECT_EQ(PlainView(read.text), "Fenster Größe .. mal 1,20 m\nBreite\tHöhe €\nEnde");
+}
+
+// A random text of paragraphs and rows with formats, line breaks, tabs and complements.
+TRichText RandomRichText(std::mt19937& random) {
+  const std::string pieces[] = {"Größe", " ", "€", "\\", "{",   "}",  "\t",
+                                "\n",    "ÿ", "😀", "Ω",  "abc", "..", "\x01"};
+  const auto runs = [&] {
+    TRichRuns out;
+    const int count = static_cast<int>(random() % 5);
+    for (int i = 0; i < count; ++i) {
+      TRichRun run;
+      run.style = {random() % 2 == 0, random() % 3 == 0, random() % 4 == 0};
+      run.complement = random() % 4 == 0 ? static_cast<int>(1 + random() % 3) : 0;
+      const int length = static_cast<int>(random() % 4);
+      for (int k = 0; k < length; ++k) run.text += pieces[random() % std::size(pieces)];
+      out.push_back(run);
+    }
+    return out;
+  };
+  TRichText text;
+  text.blocks.clear();
+  const int blocks = static_cast<int>(1 + random() % 5);
+  for (int b = 0; b < blocks; ++b) {
+    TRichBlock block;
+    if (random() % 3 == 0) {
+      block.row = true;
+      const int cells = static_cast<int>(1 + random() % 3);
+      for (int c = 0; c < cells; ++c) block.cells.push_back({runs(), 0});
+    } else {
+      block.runs = runs();
+    }
+    text.blocks.push_back(block);
+  }
+  return text;
+}
+
+TEST(RtfRoundTrip, WhatWasReadIsWrittenAndReadTheSame) {
+  std::mt19937 random(3);
+  for (int round = 0; round < 5000; ++round) {
+    const TRichText first = ReadRtf(WriteRtf(RandomRichText(random))).text;
+    const TRtfReadResult again = ReadRtf(WriteRtf(first));
+    ASSERT_EQ(again.problem_count, 0u) << WriteRtf(first);
+    ASSERT_EQ(again.text, first) << WriteRtf(first);
+  }
 }
 
 // --- Reading what others write ------------------------------------------------------------
