@@ -5,6 +5,7 @@
 
 #include "boq/text/text_conversions.h"
 #include "data/tables/table_key.h"
+#include "storage/file/atomic_file.h"
 
 namespace korvan::boq {
 namespace {
@@ -41,6 +42,7 @@ TLongText TLongTextStore::Read(int32_t id_bezug, char kz_bezug, int16_t id_lang,
   text.found = true;
   text.header_id = headers_.Rec().Id;
   text.rich_text = ReadText(text.header_id, 'T');
+  Trace("AfterRead", id_bezug, kz_bezug, text.rich_text);
 
   std::vector<TTEItem> items;
   const std::string pattern = TTbTextErgHeader::OwnerKey(id_bezug, kz_bezug, id_bieter, id_lang);
@@ -66,7 +68,8 @@ TLongText TLongTextStore::Read(int32_t id_bezug, char kz_bezug, int16_t id_lang,
 
 int TLongTextStore::WriteText(int32_t id_header, char kz_header, std::string_view text) {
   const std::string stored = InsertMissingLineFeeds(text);
-  if (lines_.GetKey(TTbTextzeile::LineKey(id_header, kz_header, 'R', 1))) {
+  const bool exists = lines_.GetKey(TTbTextzeile::LineKey(id_header, kz_header, 'R', 1));
+  if (exists) {
     if (lines_.Text() == stored) return 0;
   } else {
     lines_.InitRecord();
@@ -76,7 +79,18 @@ int TLongTextStore::WriteText(int32_t id_header, char kz_header, std::string_vie
     lines_.Rec().Zeile = 1;
   }
   lines_.SetText(stored);
-  return lines_.UpDateRec();
+  if (int result = lines_.UpDateRec(); result != 0) return result;
+  Trace(exists ? "AfterUpdate" : "AfterInsert", id_header, kz_header, stored);
+  return 0;
+}
+
+void TLongTextStore::Trace(const char* event, int32_t id, char kind, std::string_view text) {
+  if (trace_folder_.empty()) return;
+  const std::string file = trace_folder_ + event + "Langtext(" + std::to_string(id) + ")-" +
+                           std::string(1, kind) + ".rtf";
+  const storage::FileWriteResult written =
+      storage::WriteFileAtomically(file, text, storage::Durability::kAtomic);
+  if (!written.ok()) trace_problems_.push_back(file + ": " + written.ErrorText());
 }
 
 int TLongTextStore::FindOrMakeHeader(int32_t id_bezug, char kz_bezug, int16_t id_lang,

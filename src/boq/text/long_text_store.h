@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "boq/text/tb_text_erg_header.h"
 #include "boq/text/tb_text_header.h"
@@ -49,16 +50,27 @@ class TLongTextStore {
   // Deletes the long text of an owner in one language with its lines and complements.
   int Delete(int32_t id_bezug, char kz_bezug, int16_t id_lang);
 
+  // Text tracing: with a folder (ending in a separator) every long text read, inserted or
+  // updated is also written there, as "AfterReadLangtext(<owner>)-<kind>.rtf",
+  // "AfterInsertLangtext(<header>)-<kind>.rtf" or "AfterUpdateLangtext(<header>)-<kind>.rtf".
+  // Empty: no tracing (the default).
+  void SetTraceFolder(std::string folder) { trace_folder_ = std::move(folder); }
+  // The trace files that could not be written, with the reason.
+  const std::vector<std::string>& TraceProblems() const { return trace_problems_; }
+
  private:
   std::string ReadText(int32_t id_header, char kz_header);
   int FindOrMakeHeader(int32_t id_bezug, char kz_bezug, int16_t id_lang, int32_t* id);
   int StoreComplement(const TTEItem& item, int32_t id_bezug, char kz_bezug, int16_t id_lang,
                       int32_t id_bieter);
+  void Trace(const char* event, int32_t id, char kind, std::string_view text);
 
   TTbTextHeader headers_;
   TTbTextzeile lines_;
   TTbTextErgHeader complements_;
   data::TTbCounter counter_;
+  std::string trace_folder_;
+  std::vector<std::string> trace_problems_;
 };
 
 }  // namespace korvan::boq

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 
@@ -174,6 +176,29 @@ TEST_F(TextTablesTest, DeletingALongTextTakesItsLinesAndComplements) {
   EXPECT_EQ(RecordsOf(kTextHeaderTableType), 1);
   EXPECT_EQ(RecordsOf(kTextErgHeaderTableType), 2);
   EXPECT_EQ(RecordsOf(kTextZeileTableType), 3);
+}
+
+TEST_F(TextTablesTest, TracingWritesEveryTextReadInsertedOrUpdated) {
+  korvan::testing::TempDir trace;
+  TLongTextStore store(*db_);
+  store.SetTraceFolder(trace.path().string() + "/");
+  ASSERT_EQ(store.Store(9, 'L', 49, "{\\rtf1 eins}", {}), 0);
+  const int32_t header = store.Read(9, 'L', 49).header_id;
+  ASSERT_EQ(store.Store(9, 'L', 49, "{\\rtf1 zwei}", {}), 0);
+  const auto file = [&](const std::string& name) {
+    std::ifstream in(trace.path() / name, std::ios::binary);
+    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  };
+  const std::string id = std::to_string(header);
+  EXPECT_EQ(file("AfterInsertLangtext(" + id + ")-T.rtf"), "{\\rtf1 eins}");
+  EXPECT_EQ(file("AfterReadLangtext(9)-L.rtf"), "{\\rtf1 eins}");
+  EXPECT_EQ(file("AfterUpdateLangtext(" + id + ")-T.rtf"), "{\\rtf1 zwei}");
+  EXPECT_TRUE(store.TraceProblems().empty());
+
+  store.SetTraceFolder((trace.path() / "fehlt/").string());
+  store.Read(9, 'L', 49);
+  ASSERT_EQ(store.TraceProblems().size(), 1u);
+  EXPECT_NE(store.TraceProblems()[0].find("AfterReadLangtext(9)-L.rtf"), std::string::npos);
 }
 
 TEST_F(TextTablesTest, PlainLinesAreJoinedWhenThereIsNoRichText) {
