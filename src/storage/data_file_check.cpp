@@ -15,6 +15,19 @@ std::string At(int64_t position) {
   return "block at " + std::to_string(position) + ": ";
 }
 
+// Every stretch the reader skipped is one problem.
+class ProblemReporter : public DataFileReader::Reporter {
+ public:
+  explicit ProblemReporter(DataFileReport* report) : report_(report) {}
+  void Damaged(int64_t position, int64_t length, BlockDamage damage) override {
+    report_->problems.push_back(At(position) + BlockDamageText(damage) + ", " +
+                                std::to_string(length) + " Bytes übersprungen");
+  }
+
+ private:
+  DataFileReport* report_;
+};
+
 void WalkBlocks(const DbHandleSlot& slot, DataFileReport* report) {
   int64_t file_size = 0;
   if (kernel::FileSize(slot.data_file, &file_size) != kOk) {
@@ -25,29 +38,16 @@ void WalkBlocks(const DbHandleSlot& slot, DataFileReport* report) {
     report->problems.push_back("data file shorter than its header");
     return;
   }
-  for (int64_t position = kFirstBlockPosition; position < file_size;) {
-    TDbCoreHeader core{};
-    size_t got = 0;
-    if (kernel::ReadAt(slot.data_file, position, &core, sizeof core, &got) != kOk ||
-        got < sizeof core.RecLen) {
-      report->problems.push_back(At(position) + "length cut off by the end of the file");
-      return;
+  ProblemReporter reporter(report);
+  DataFileReader reader(slot.data_file, &reporter);
+  DataFileBlock block;
+  while (reader.ReadBlock(&block)) {
+    if (block.live && (block.header.RecTyp < 'A' || block.header.RecTyp > 'Z')) {
+      report->problems.push_back(At(block.position) + "record without a type letter");
     }
-    const int64_t size = core.RecLen < 0 ? -int64_t{core.RecLen} : int64_t{core.RecLen};
-    if (size < kernel::kFreeBlockMinimum || position + size > file_size) {
-      report->problems.push_back(At(position) + "length " + std::to_string(core.RecLen) +
-                                 " does not fit the file");
-      return;
-    }
-    const bool live = core.RecLen > 0;
-    if (live && size < kRecordHeaderSize) {
-      report->problems.push_back(At(position) + "record shorter than its header");
-    } else if (live && (core.RecTyp < 'A' || core.RecTyp > 'Z')) {
-      report->problems.push_back(At(position) + "record without a type letter");
-    }
-    report->blocks.push_back({static_cast<int32_t>(position), static_cast<int32_t>(size), live});
-    position += size;
+    report->blocks.push_back(block);
   }
+  if (reader.io_error()) report->problems.push_back("data file cannot be read");
 }
 
 int64_t KeyLength(const KeyEntry& entry) {

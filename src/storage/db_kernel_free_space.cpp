@@ -103,12 +103,10 @@ int RemoveFreeSpaceKey(int handle, int32_t position, int64_t block_length) {
   return result == kOk ? kOk : kDkFatalRegenerateOk;
 }
 
-int MergeFreeSpace(int handle, const DbHandleSlot& slot, int32_t position) {
+int FreeRecordBlock(int handle, const DbHandleSlot& slot, int32_t position, TDbRecordHeader freed) {
   int64_t file_size = 0;
   if (FileSize(slot.data_file, &file_size) != kOk) return kDkIoError;
-  int32_t freed = 0;
-  if (ReadLength(slot.data_file, position, &freed) != kOk) return kDkIoError;
-  int64_t total = -static_cast<int64_t>(freed);
+  int64_t total = -static_cast<int64_t>(freed.RecLen);
   int64_t next = position + total;
   while (next < file_size) {
     int32_t length = 0;
@@ -123,14 +121,13 @@ int MergeFreeSpace(int handle, const DbHandleSlot& slot, int32_t position) {
     total += size;
     next += size;
   }
+  // One write frees the record and swallows the free blocks behind it: the old free
+  // lengths inside the merged block are never read again. With write-through on, that
+  // is one synchronous write per delete.
+  freed.RecLen = static_cast<int32_t>(-total);
+  if (WriteAt(slot.data_file, position, &freed, sizeof freed) != kOk) return kDkIoError;
   if (next >= file_size) {
     return ftruncate(slot.data_file, position) == 0 ? kOk : kDkIoError;
-  }
-  // Without a free neighbour the freed header already holds the right length; with
-  // write-through on, one synchronous write less per delete.
-  if (total != -static_cast<int64_t>(freed)) {
-    const int32_t merged = static_cast<int32_t>(-total);
-    if (WriteAt(slot.data_file, position, &merged, sizeof merged) != kOk) return kDkIoError;
   }
   return AddFreeSpaceKey(handle, position, total);
 }

@@ -10,6 +10,7 @@
 #include "storage/db_handle_table.h"
 #include "storage/file/file_names.h"
 #include "storage/key_file.h"
+#include "storage/record_header.h"
 
 namespace korvan::storage::kernel {
 
@@ -47,9 +48,10 @@ int FindFreeBlock(int handle, const DbHandleSlot& slot, int32_t wanted, FreeBloc
 // Enters / removes the "~" key of a free block; any failure is 4325.
 int AddFreeSpaceKey(int handle, int32_t position, int64_t block_length);
 int RemoveFreeSpaceKey(int handle, int32_t position, int64_t block_length);
-// Frees the block at `position` (its header already negated on disk): merges the free
-// blocks that follow it, or truncates the file when only free space follows.
-int MergeFreeSpace(int handle, const DbHandleSlot& slot, int32_t position);
+// Frees the record block at `position`: merges the free blocks that follow it into one
+// free block, whose header (`freed`, its length negated) is written once, or truncates
+// the file when only free space follows.
+int FreeRecordBlock(int handle, const DbHandleSlot& slot, int32_t position, TDbRecordHeader freed);
 
 struct DataFileInfo {
   uint32_t version = 0;

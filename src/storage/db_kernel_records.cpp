@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "storage/data_file_banner.h"
+#include "storage/data_file_reader.h"
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_internal.h"
 #include "storage/delphi_datetime.h"
@@ -76,6 +77,26 @@ std::vector<uint8_t> SlotImage(const void* record, int32_t record_length, int32_
   std::memcpy(image.data(), record, static_cast<size_t>(record_length));
   std::memcpy(image.data(), &slot_length, sizeof slot_length);
   return image;
+}
+
+// Puts a record at the start of a larger free block, leaving the rest free. Two writes,
+// ordered so that a crash between or during them leaves blocks that read as a chain:
+// first the record's body and, behind it, the length of the remaining free block (the
+// block still starts with its old free length, so all of it is still one free block);
+// then the record's length, which turns the front into the record.
+int WriteIntoFreeBlock(const DbHandleSlot& slot, const void* record, int32_t length,
+                       const kernel::FreeBlock& block) {
+  constexpr size_t kLengthField = sizeof(int32_t);
+  std::vector<uint8_t> image = SlotImage(record, length, length);
+  const int32_t rest_length = -(block.length - length);
+  image.resize(image.size() + kLengthField);
+  std::memcpy(image.data() + length, &rest_length, kLengthField);
+  if (kernel::WriteAt(slot.data_file, int64_t{block.position} + kLengthField,
+                      image.data() + kLengthField, image.size() - kLengthField) != kOk ||
+      kernel::WriteAt(slot.data_file, block.position, image.data(), kLengthField) != kOk) {
+    return kDkIoError;
+  }
+  return kOk;
 }
 
 bool IsTableLetter(char letter) {
@@ -157,24 +178,25 @@ int iDK_RecordInsert(int handle, void* record, int32_t length, bool reuse_free_s
   const double now = DelphiNow();
   header->LastModified = now;
   header->CreationDate = now;
-  const std::vector<uint8_t> image = SlotImage(record, length, occupied);
-  if (kernel::WriteAt(slot->data_file, target, image.data(), image.size()) != kOk) {
-    return kDkIoError;
+  const int32_t rest = into_free_block ? block.length - occupied : 0;
+  if (rest >= kernel::kFreeBlockMinimum) {
+    if (int written = WriteIntoFreeBlock(*slot, record, length, block); written != kOk) {
+      return written;
+    }
+  } else {
+    const std::vector<uint8_t> image = SlotImage(record, length, occupied);
+    if (kernel::WriteAt(slot->data_file, target, image.data(), image.size()) != kOk) {
+      return kDkIoError;
+    }
   }
   if (into_free_block) {
     if (int removed = kernel::RemoveFreeSpaceKey(handle, block.position, block.length);
         removed != kOk) {
       return removed;
     }
-    const int32_t rest = block.length - occupied;
     if (rest >= kernel::kFreeBlockMinimum) {
-      const int32_t rest_position = block.position + occupied;
-      const int32_t free_length = -rest;
-      if (kernel::WriteAt(slot->data_file, rest_position, &free_length, sizeof free_length) !=
-          kOk) {
-        return kDkFatalRegenerateOk;
-      }
-      if (int added = kernel::AddFreeSpaceKey(handle, rest_position, rest); added != kOk) {
+      if (int added = kernel::AddFreeSpaceKey(handle, block.position + occupied, rest);
+          added != kOk) {
         return added;
       }
     }
@@ -229,8 +251,7 @@ int iDK_RecordDelete(int handle, void* record, int32_t position) {
   TDbRecordHeader freed = stored;
   freed.RecLen = -stored.RecLen;
   freed.LastModified = DelphiNow();
-  if (kernel::WriteAt(slot->data_file, position, &freed, sizeof freed) != kOk) return kDkIoError;
-  const int merged = kernel::MergeFreeSpace(handle, *slot, position);
+  const int merged = kernel::FreeRecordBlock(handle, *slot, position, freed);
   const int written = lock.Release();
   return merged != kOk ? merged : written;
 }
@@ -238,36 +259,19 @@ int iDK_RecordDelete(int handle, void* record, int32_t position) {
 int iDK_RecordCount(int handle, char record_type, int32_t* count) {
   const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
   if (slot == nullptr) return kDkInvalidHandle;
-  int64_t file_size = 0;
-  if (kernel::FileSize(slot->data_file, &file_size) != kOk) {
-    *count = -2;
-    return kOk;
-  }
+  DataFileReader reader(slot->data_file, nullptr);
   int32_t counted = 0;
-  for (int64_t position = kFirstBlockPosition; position < file_size;) {
-    TDbCoreHeader core{};
-    size_t got = 0;
-    if (kernel::ReadAt(slot->data_file, position, &core, sizeof core, &got) != kOk ||
-        got < sizeof core.RecLen) {
-      counted = -2;
-      break;
+  DataFileBlock block;
+  while (reader.ReadBlock(&block)) {
+    if (!block.live) continue;
+    if (record_type == 0 && !IsTableLetter(block.header.RecTyp)) {
+      *count = -3;
+      return kOk;
     }
-    if (core.RecLen == 0) break;
-    const int64_t size = core.RecLen < 0 ? -int64_t{core.RecLen} : int64_t{core.RecLen};
-    if (size < kernel::kFreeBlockMinimum || position + size > file_size) {
-      counted = -2;  // a length that leads nowhere: the scan cannot go on
-      break;
-    }
-    if (core.RecLen > 0) {
-      if (record_type == 0 && (got < sizeof core || !IsTableLetter(core.RecTyp))) {
-        counted = -3;
-        break;
-      }
-      if (record_type == 0 || core.RecTyp == record_type) ++counted;
-    }
-    position += size;
+    if (record_type == 0 || block.header.RecTyp == record_type) ++counted;
   }
-  *count = counted;
+  // A count that skipped damage would look right and be wrong.
+  *count = reader.io_error() || reader.damaged_bytes() > 0 ? -2 : counted;
   return kOk;
 }
 

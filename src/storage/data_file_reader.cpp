@@ -1,0 +1,174 @@
+#include "storage/data_file_reader.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "storage/data_file_banner.h"
+#include "storage/db_kernel_internal.h"
+#include "storage/result_codes.h"
+
+namespace korvan::storage {
+namespace {
+
+// A new start after damage must carry this many blocks (or reach the end of the file)
+// before the reader believes it: a stray number inside a record rarely does.
+constexpr int kChainProof = 8;
+constexpr size_t kWindowSize = 64 * 1024;
+
+bool IsTableLetter(char letter) {
+  return letter >= 'A' && letter <= 'Z';
+}
+
+}  // namespace
+
+std::string BlockDamageText(BlockDamage damage) {
+  switch (damage) {
+    case BlockDamage::kLengthCutOff:
+      return "Blocklänge vom Dateiende abgeschnitten";
+    case BlockDamage::kZeroLength:
+      return "Blocklänge 0";
+    case BlockDamage::kFreeBlockTooShort:
+      return "freier Block kürzer als seine Längenangabe";
+    case BlockDamage::kRecordTooShort:
+      return "Datensatz kürzer als sein Kopf";
+    case BlockDamage::kPastEndOfFile:
+      return "Block reicht über das Dateiende hinaus";
+    case BlockDamage::kBeyondLargestFile:
+      return "Block endet jenseits von 2 GB";
+    case BlockDamage::kLeadsIntoDamage:
+      return "Blocklänge führt mitten in andere Blöcke";
+  }
+  return "unbekannter Schaden";
+}
+
+DataFileReader::DataFileReader(int fd, Reporter* reporter)
+    : fd_(fd), reporter_(reporter), position_(kFirstBlockPosition) {
+  if (kernel::FileSize(fd_, &file_size_) != kOk) io_error_ = true;
+}
+
+bool DataFileReader::ReadBlock(DataFileBlock* block) {
+  while (!io_error_ && position_ < file_size_) {
+    const Probe probe = Look(position_);
+    if (io_error_) return false;
+    if (!probe.ok) {
+      Skip(NextChainStart(position_ + 1), probe.damage);
+      continue;
+    }
+    const int64_t end = position_ + probe.size();
+    if (end < file_size_ && !Look(end).ok) {
+      // Either the block behind is damaged, or this block's own length is: then a
+      // chain starts before that length says the block ends.
+      const int64_t next = NextChainStart(position_ + 1);
+      if (next < end) {
+        Skip(next, BlockDamage::kLeadsIntoDamage);
+        continue;
+      }
+    }
+    if (io_error_) return false;
+    *block = DataFileBlock{};
+    block->position = static_cast<int32_t>(position_);
+    block->length = static_cast<int32_t>(probe.size());
+    block->live = probe.length > 0;
+    block->has_header = block->live && probe.size() >= kRecordHeaderSize;
+    if (block->has_header && !Bytes(position_, &block->header, sizeof block->header)) {
+      return false;
+    }
+    position_ = end;
+    return true;
+  }
+  return false;
+}
+
+bool DataFileReader::ReadRecord(const DataFileBlock& block, std::vector<uint8_t>* bytes) {
+  bytes->resize(static_cast<size_t>(block.length));
+  size_t got = 0;
+  if (kernel::ReadAt(fd_, block.position, bytes->data(), bytes->size(), &got) != kOk ||
+      got != bytes->size()) {
+    io_error_ = true;
+    return false;
+  }
+  return true;
+}
+
+DataFileReader::Probe DataFileReader::Look(int64_t position) {
+  Probe probe;
+  const int64_t left = file_size_ - position;
+  if (left < 4) return probe;  // kLengthCutOff
+  TDbCoreHeader core{};
+  if (!Bytes(position, &core, static_cast<size_t>(std::min<int64_t>(left, sizeof core)))) {
+    return probe;
+  }
+  probe.length = core.RecLen;
+  probe.type = left >= static_cast<int64_t>(sizeof core) ? core.RecTyp : 0;
+  const int64_t size = probe.size();
+  if (probe.length == 0) {
+    probe.damage = BlockDamage::kZeroLength;
+  } else if (probe.length < 0 && size < 4) {
+    probe.damage = BlockDamage::kFreeBlockTooShort;
+  } else if (probe.length > 0 && size < kRecordHeaderSize) {
+    probe.damage = BlockDamage::kRecordTooShort;
+  } else if (position + size > file_size_) {
+    probe.damage = BlockDamage::kPastEndOfFile;
+  } else if (position + size > kernel::kMaxDataFileSize) {
+    probe.damage = BlockDamage::kBeyondLargestFile;
+  } else {
+    probe.ok = true;
+  }
+  return probe;
+}
+
+// Whether the blocks from `position` on read as a chain: kChainProof blocks, or fewer
+// that end exactly at the end of the file. Records must carry a type letter here: a
+// chain found by probing must look like records, not merely like lengths.
+bool DataFileReader::ChainHolds(int64_t position) {
+  for (int i = 0; i < kChainProof && position != file_size_; ++i) {
+    const Probe probe = Look(position);
+    if (!probe.ok || (probe.length > 0 && !IsTableLetter(probe.type))) return false;
+    position += probe.size();
+  }
+  return true;
+}
+
+// The first position at or after `from` where a chain of blocks starts; the end of
+// the file when there is none.
+int64_t DataFileReader::NextChainStart(int64_t from) {
+  if (chain_hint_ >= from) return chain_hint_;
+  for (int64_t candidate = from; candidate + 4 <= file_size_ && !io_error_; ++candidate) {
+    if (ChainHolds(candidate)) {
+      chain_hint_ = candidate;
+      return candidate;
+    }
+  }
+  if (!io_error_) chain_hint_ = file_size_;
+  return file_size_;
+}
+
+void DataFileReader::Skip(int64_t to, BlockDamage damage) {
+  if (io_error_) return;
+  damaged_bytes_ += to - position_;
+  if (reporter_ != nullptr) reporter_->Damaged(position_, to - position_, damage);
+  position_ = to;
+}
+
+bool DataFileReader::Bytes(int64_t position, void* data, size_t size) {
+  const int64_t window_end = window_start_ + static_cast<int64_t>(window_.size());
+  if (position < window_start_ || position + static_cast<int64_t>(size) > window_end) {
+    window_.resize(kWindowSize);
+    size_t got = 0;
+    if (kernel::ReadAt(fd_, position, window_.data(), window_.size(), &got) != kOk) {
+      window_.clear();
+      io_error_ = true;
+      return false;
+    }
+    window_.resize(got);
+    window_start_ = position;
+    if (got < size) {  // the file shrank under the reader
+      io_error_ = true;
+      return false;
+    }
+  }
+  std::memcpy(data, window_.data() + (position - window_start_), size);
+  return true;
+}
+
+}  // namespace korvan::storage
