@@ -1,6 +1,7 @@
 #include "storage/data_file_reader.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 #include "storage/data_file_banner.h"
@@ -11,12 +12,19 @@ namespace korvan::storage {
 namespace {
 
 // A new start after damage must carry this many blocks (or reach the end of the file)
-// before the reader believes it: a stray number inside a record rarely does.
+// before the reader believes it, unless its first block proves itself (below): a stray
+// number inside a record rarely does.
 constexpr int kChainProof = 8;
+// Dates a record header can carry: after 30 December 1899, up to 31 December 9999.
+constexpr double kLastDate = 2958465.0;
 constexpr size_t kWindowSize = 64 * 1024;
 
 bool IsTableLetter(char letter) {
   return letter >= 'A' && letter <= 'Z';
+}
+
+bool IsDate(double value) {
+  return std::isfinite(value) && value > 0 && value <= kLastDate;
 }
 
 }  // namespace
@@ -120,6 +128,14 @@ DataFileReader::Probe DataFileReader::Look(int64_t position) {
 // Whether the blocks from `position` on read as a chain: kChainProof blocks, or fewer
 // that end exactly at the end of the file. Records must carry a type letter here: a
 // chain found by probing must look like records, not merely like lengths.
+int64_t DataFileReader::ProvingStartWithin(int64_t chain_start) {
+  const int64_t end = chain_start + Look(chain_start).size();
+  for (int64_t position = chain_start + 1; position < end && !io_error_; ++position) {
+    if (ProvesItself(position)) return position;
+  }
+  return chain_start;
+}
+
 bool DataFileReader::ChainHolds(int64_t position) {
   for (int i = 0; i < kChainProof && position != file_size_; ++i) {
     const Probe probe = Look(position);
@@ -129,12 +145,31 @@ bool DataFileReader::ChainHolds(int64_t position) {
   return true;
 }
 
+// A block whose 48-byte header carries a type letter (records) and two dates, as every
+// record and every freed record does: random bytes hardly ever look like that, so such
+// a block is believed on its own, even when the block behind it is damaged too.
+bool DataFileReader::ProvesItself(int64_t position) {
+  const Probe probe = Look(position);
+  if (!probe.ok || probe.size() < kRecordHeaderSize) return false;
+  if (probe.length > 0 && !IsTableLetter(probe.type)) return false;
+  TDbRecordHeader header{};
+  if (!Bytes(position, &header, sizeof header)) return false;
+  return IsDate(header.LastModified) && IsDate(header.CreationDate);
+}
+
 // The first position at or after `from` where a chain of blocks starts; the end of
 // the file when there is none.
 int64_t DataFileReader::NextChainStart(int64_t from) {
   if (chain_hint_ >= from) return chain_hint_;
   for (int64_t candidate = from; candidate + 4 <= file_size_ && !io_error_; ++candidate) {
+    if (ProvesItself(candidate)) {
+      chain_hint_ = candidate;
+      return candidate;
+    }
     if (ChainHolds(candidate)) {
+      // Free space keeps the lengths of the blocks it once held, and they still read
+      // as a chain; a record put there later proves itself and wins.
+      candidate = ProvingStartWithin(candidate);
       chain_hint_ = candidate;
       return candidate;
     }

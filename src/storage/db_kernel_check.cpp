@@ -1,5 +1,6 @@
 // Data file headers: format check, legacy banners, version and time stamp.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -23,6 +24,7 @@ T LoadAt(const uint8_t* bytes, size_t offset) {
 }
 
 int OpenError(int error) {
+  if (kernel::IsNoRegularFile(error)) return kDkNotADatabaseFile;
   return error == ENOENT || error == ENOTDIR ? kDkDataFileMissing : kDkIoError;
 }
 
@@ -42,12 +44,28 @@ int ReadFileStart(const std::string& path, size_t size, std::vector<uint8_t>* by
 
 namespace kernel {
 
+// Without O_NONBLOCK a named pipe in place of a database file would block the open (or
+// the first read) until some other process opened its other end.
 int OpenFile(const std::string& path, int flags, int create_mode) {
   int fd = -1;
   do {
-    fd = open(path.c_str(), flags | O_CLOEXEC, create_mode);
+    fd = open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, create_mode);
   } while (fd < 0 && errno == EINTR);
+  if (fd < 0) return fd;
+  struct stat info {};
+  if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+    const int error = S_ISDIR(info.st_mode) ? EISDIR : ENODEV;
+    Diagnostic("\"" + path + "\" is no regular file");
+    close(fd);
+    errno = error;
+    return -1;
+  }
+  fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
   return fd;
+}
+
+bool IsNoRegularFile(int error) {
+  return error == EISDIR || error == ENODEV;
 }
 
 int ReadDataFileInfo(int fd, DataFileInfo* info) {

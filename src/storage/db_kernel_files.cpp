@@ -30,6 +30,7 @@ void CloseQuietly(int fd) {
 }
 
 int DataFileOpenError(int error) {
+  if (kernel::IsNoRegularFile(error)) return kDkNotADatabaseFile;
   switch (error) {
     case ENOENT:
     case ENOTDIR:
@@ -46,6 +47,7 @@ int DataFileOpenError(int error) {
 }
 
 int KeyFileOpenError(int error) {
+  if (kernel::IsNoRegularFile(error)) return kDkNotADatabaseFile;
   switch (error) {
     case ENOENT:
     case ENOTDIR:
@@ -137,6 +139,11 @@ int OpenKeyFile(int handle, const std::string& base_path, uint16_t mode, int* ke
                               kernel::ConfiguredCacheSize());
   int result = kernel::CallKeyLayer([&] { return KeyFileVersion(handle, version); });
   if (result == kOk && *version != 2 && *version != 3) result = kKeyFileUnknownVersion;
+  int64_t file_size = 0;
+  if (result == kOk) result = kernel::FileSize(*key_fd, &file_size);
+  if (result == kOk) {
+    result = kernel::CallKeyLayer([&] { return KeyFileCheckHeader(handle, file_size); });
+  }
   if (result != kOk) {
     BlockCache::Instance().Close(handle);
     close(*key_fd);

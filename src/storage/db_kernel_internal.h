@@ -62,8 +62,11 @@ struct DataFileInfo {
 // to have a header, 4320 when it cannot be read.
 int ReadDataFileInfo(int fd, DataFileInfo* info);
 
-// Opens with O_CLOEXEC, repeating on EINTR; -1 with errno set on failure.
+// Opens with O_CLOEXEC, repeating on EINTR; -1 with errno set on failure. Only regular
+// files open: a directory gives EISDIR, a named pipe or device ENODEV, without waiting.
 int OpenFile(const std::string& path, int flags, int create_mode = 0);
+// Whether an errno of OpenFile says that the path is no regular file.
+bool IsNoRegularFile(int error);
 
 // Cache buffers per key file from the kernel settings.
 int ConfiguredCacheSize();

@@ -72,6 +72,28 @@ int KeyFileVersion(int registration, int* version) {
   return *version == KeyFileV3::kVersion || *version == KeyFileV2::kVersion ? kOk : kKeyFileCorrupt;
 }
 
+int KeyFileCheckHeader(int registration, int64_t file_size) {
+  BlockPins pins(CacheOf(registration), KeyFileV3::kFatalCaption, KeyFileV3::kStepPrefix);
+  int slot = 0;
+  if (const int rc = pins.Read(0, &slot); rc != kOk) return rc;
+  uint8_t* block = pins.data(slot);
+  TreeShape shape;
+  int rc = kKeyFileUnknownVersion;
+  if (block[0] == KeyFileV3::kVersion) {
+    const KeyFileHeader<KeyFileV3> header(block);
+    rc = header.Validate(&shape);
+    const int64_t blocks_in_file = file_size / kBlockSize;
+    if (rc == kOk && (int64_t{header.highest_node()} >= blocks_in_file ||
+                      header.free_head() > header.highest_node())) {
+      rc = kKeyFileCorrupt;
+    }
+  } else if (block[0] == KeyFileV2::kVersion) {
+    rc = KeyFileHeader<KeyFileV2>(block).Validate(&shape);
+  }
+  if (const int released = pins.ReleaseAll(); released != kOk) return released;
+  return rc;
+}
+
 int KeyFileKeyLength(int registration, int* key_length) {
   return Dispatch(registration, [&](auto& tree, WalkHint&) { return tree.KeyLength(key_length); });
 }

@@ -39,6 +39,12 @@ struct KeyEntry {
 int KeyFileInit(int version, int registration, int key_length);
 // The version byte (2 or 3) in *version; anything else gives 4231.
 int KeyFileVersion(int registration, int* version);
+// Whether the header of a key file that is `file_size` bytes long can be trusted before
+// the first change: a consistent shape, and (version 3) a highest node, free-list head
+// and root the file holds. A header that claims more nodes than the file has would let
+// the next allocation write far beyond its end. 0, 4224 for an unusable shape, 4231
+// for node numbers beyond the file.
+int KeyFileCheckHeader(int registration, int64_t file_size);
 // The key length from the header.
 int KeyFileKeyLength(int registration, int* key_length);
 

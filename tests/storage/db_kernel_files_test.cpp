@@ -58,6 +58,54 @@ TEST_F(DbKernelFiles, MissingFilesAndBadKeyLengths) {
   EXPECT_EQ(iDK_DbCreate('T', Base("no/such/dir/x"), 40, &handle), 4307);
 }
 
+TEST_F(DbKernelFiles, KeyFileHeaderWithNodesBeyondTheFileIsRefusedAtOpen) {
+  ASSERT_EQ(iDK_DbClose(Create("db")), 0);
+  const auto good = FileBytes(KeyFile("db"));
+  // Highest node at offset 2, head of the free list at 6 (version 3 header).
+  for (const auto& [offset, value] :
+       std::vector<std::pair<size_t, uint32_t>>{{2, 0x7FFFFFF0u}, {2, 1u}, {6, 5u}}) {
+    auto bytes = good;
+    std::memcpy(bytes.data() + offset, &value, sizeof value);
+    WriteFileBytes(KeyFile("db"), bytes);
+    int handle = 0;
+    EXPECT_EQ(iDK_DbOpen('T', Base("db"), true, false, &handle), 4231) << offset << " " << value;
+    EXPECT_EQ(std::filesystem::file_size(KeyFile("db")), good.size());
+  }
+  WriteFileBytes(KeyFile("db"), good);
+  int handle = 0;
+  EXPECT_EQ(iDK_DbOpen('T', Base("db"), true, false, &handle), 0);
+}
+
+TEST_F(DbKernelFiles, DirectoriesAndPipesInPlaceOfDatabaseFilesAreNoDatabaseFiles) {
+  ASSERT_EQ(iDK_DbClose(Create("db")), 0);
+  auto open_in_child = [this] {
+    // A hang would stop the whole suite: the child gives up after a few seconds.
+    return ResultInChild([this] {
+      alarm(5);
+      int handle = 0;
+      return iDK_DbOpen('T', Base("db"), true, false, &handle);
+    });
+  };
+  std::filesystem::remove(KeyFile("db"));
+  std::filesystem::create_directory(KeyFile("db"));
+  EXPECT_EQ(open_in_child(), 4309);
+  std::filesystem::remove(KeyFile("db"));
+  ASSERT_EQ(mkfifo(KeyFile("db").c_str(), 0600), 0);
+  EXPECT_EQ(open_in_child(), 4309);
+
+  std::filesystem::remove(DataFile("db"));
+  ASSERT_EQ(mkfifo(DataFile("db").c_str(), 0600), 0);
+  EXPECT_EQ(open_in_child(), 4309);
+  EXPECT_EQ(ResultInChild([this] {
+              alarm(5);
+              return iDK_DbCheckFile('T', DataFile("db"));
+            }),
+            4309);
+  std::filesystem::remove(DataFile("db"));
+  std::filesystem::create_directory(DataFile("db"));
+  EXPECT_EQ(open_in_child(), 4309);
+}
+
 TEST_F(DbKernelFiles, FortyHandlesThenFourThreeOhFive) {
   std::vector<int> handles;
   for (int i = 0; i < 40; ++i) handles.push_back(Create("db" + std::to_string(i)));

@@ -19,6 +19,7 @@
 #include "data/common/stamped_path.h"
 #include "data/integrity/duplicate_guids.h"
 #include "data/tables/table_key.h"
+#include "storage/data_file_reader.h"
 #include "storage/db_error_translate.h"
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_codes.h"
@@ -115,63 +116,49 @@ std::string KernelText(int code) {
   return std::to_string(code) + " (" + storage::TDBErrorTranslate().GetErrorString(code) + ")";
 }
 
-// What one block at `position` is, given the bytes left in the file.
-std::string BlockProblem(int32_t length, int64_t position, int64_t file_size) {
-  if (length == 0) return "Blocklänge 0";
-  const int64_t size = length > 0 ? length : -static_cast<int64_t>(length);
-  if (length > 0 && size < storage::kRecordHeaderSize) {
-    return Printf("Datensatz mit Länge %d kürzer als sein Kopf", length);
+// Collects what the reader skipped.
+class SkippedRanges : public storage::DataFileReader::Reporter {
+ public:
+  explicit SkippedRanges(DataFileScan& scan) : scan_(scan) {}
+  void Damaged(int64_t position, int64_t length, storage::BlockDamage damage) override {
+    scan_.skipped.push_back({position, length, storage::BlockDamageText(damage)});
   }
-  if (length < 0 && size < 4) return Printf("freier Block mit Länge %d", length);
-  if (position + size > file_size) {
-    return Printf("Block der Länge %lld reicht über das Dateiende hinaus",
-                  static_cast<long long>(size));
-  }
-  return "";
-}
+
+ private:
+  DataFileScan& scan_;
+};
 
 }  // namespace
 
 DataFileScan ScanDataFile(const std::string& data_file,
                           const std::function<void(const ScannedRecord&)>& on_record) {
-  UniqueFd fd(::open(data_file.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!fd.valid()) throw std::runtime_error(SystemError("Datendatei nicht lesbar", data_file));
+  // Without O_NONBLOCK a named pipe in the file's place would block the walk.
+  UniqueFd fd(::open(data_file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat info {};
-  if (::fstat(fd.get(), &info) != 0) {
+  if (!fd.valid() || ::fstat(fd.get(), &info) != 0) {
     throw std::runtime_error(SystemError("Datendatei nicht lesbar", data_file));
   }
+  if (!S_ISREG(info.st_mode)) {
+    throw std::runtime_error("Datendatei \"" + data_file + "\" ist keine gewöhnliche Datei");
+  }
   DataFileScan scan;
-  scan.file_size = info.st_size;
-  scan.end_of_blocks = std::min<int64_t>(kDataStart, scan.file_size);
+  SkippedRanges skipped(scan);
+  storage::DataFileReader reader(fd.get(), &skipped);
+  scan.file_size = reader.file_size();
   ScannedRecord record;
-  int64_t position = kDataStart;
-  while (position < scan.file_size) {
-    int32_t length = 0;
-    if (scan.file_size - position < 4) {
-      scan.stop_reason = "unvollständige Blocklänge am Dateiende";
-      break;
-    }
-    if (!ReadFully(fd.get(), position, &length, sizeof length)) {
-      throw std::runtime_error(SystemError("Datendatei nicht lesbar", data_file));
-    }
-    if (std::string problem = BlockProblem(length, position, scan.file_size); !problem.empty()) {
-      scan.stop_reason = std::move(problem);
-      break;
-    }
-    if (length > 0) {
-      record.position = static_cast<int32_t>(position);
-      record.bytes.resize(static_cast<size_t>(length));
-      if (!ReadFully(fd.get(), position, record.bytes.data(), record.bytes.size())) {
-        throw std::runtime_error(SystemError("Datendatei nicht lesbar", data_file));
-      }
-      ++scan.live_records;
-      on_record(record);
-      position += length;
-    } else {
+  storage::DataFileBlock block;
+  while (reader.ReadBlock(&block)) {
+    if (!block.live) {
       ++scan.free_blocks;
-      position -= static_cast<int64_t>(length);
+      continue;
     }
-    scan.end_of_blocks = position;
+    record.position = block.position;
+    if (!reader.ReadRecord(block, &record.bytes)) break;
+    ++scan.live_records;
+    on_record(record);
+  }
+  if (reader.io_error()) {
+    throw std::runtime_error(SystemError("Datendatei nicht lesbar", data_file));
   }
   return scan;
 }
@@ -355,19 +342,12 @@ class DatabaseCopier {
     const DataFileScan scan =
         ScanDataFile(storage::DataFileName(base_),
                      [&](const ScannedRecord& record) { Take(record, fd.get(), end); });
-    for (const auto& [letter, table] : unknown_tables_) {
+    for (const DataFileScan::Skipped& skipped : scan.skipped) {
+      report_.bytes_lost += skipped.length;
       report_.lines.push_back(
-          Printf("Tabelle \"%c\" unbekannt: %d Datensätze ohne Schlüssel "
-                 "übernommen (der erste an Position %d)",
-                 letter, table.count, table.first_position));
-    }
-    if (!scan.Complete()) {
-      report_.bytes_lost = scan.file_size - scan.end_of_blocks;
-      report_.lines.push_back(
-          Printf("Datendatei ab Position %lld abgeschnitten (%s): %lld Bytes "
-                 "verloren",
-                 static_cast<long long>(scan.end_of_blocks), scan.stop_reason.c_str(),
-                 static_cast<long long>(report_.bytes_lost)));
+          Printf("Datendatei \"%s\": ab Position %lld %lld Bytes übersprungen (%s)",
+                 (base_ + "0").c_str(), static_cast<long long>(skipped.position),
+                 static_cast<long long>(skipped.length), skipped.reason.c_str()));
     }
     if (::fsync(fd.get()) != 0 || fd.Close() != 0) {
       return Fail(SystemError("Schreiben fehlgeschlagen", temp_data));

@@ -38,21 +38,24 @@ struct ScannedRecord {
 
 // What a walk over a data file's blocks found.
 struct DataFileScan {
+  // A stretch of the file that could not be read as blocks.
+  struct Skipped {
+    int64_t position = 0;
+    int64_t length = 0;
+    std::string reason;
+  };
   int64_t file_size = 0;
-  int64_t end_of_blocks = 0;  // where the last whole block ends
   int live_records = 0;
   int free_blocks = 0;
-  std::string stop_reason;  // why the walk ended before the end of the file; "" when it did not
-  bool Complete() const { return end_of_blocks == file_size; }
+  std::vector<Skipped> skipped;  // in file order
+  bool Complete() const { return skipped.empty(); }
 };
 
 // Walks the blocks of a data file from offset 80 and hands every live record to
-// `on_record`. The walk ends at the end of the file, or at the first block that
-// cannot be a block (length 0, a live block shorter than a record header, a free
-// block shorter than its length field) or that runs past the end of the file (a
-// record torn by a crash during an append): from there on nothing is handed out.
-// Throws std::runtime_error naming the file when it cannot be read or has no header
-// of the current format.
+// `on_record`. Damage (a block that cannot be one, or a record torn by a crash) does
+// not end the walk: the reader goes on where the blocks read as a chain again, and the
+// stretches it skipped are listed. Throws std::runtime_error naming the file when it
+// cannot be read.
 DataFileScan ScanDataFile(const std::string& data_file,
                           const std::function<void(const ScannedRecord&)>& on_record);
 
@@ -65,7 +68,7 @@ struct DatabaseRebuild {
   int records_not_valid = 0;       // not taken over (kept in the backup)
   int keys_not_entered = 0;        // duplicates in unique indexes
   int records_set_aside = 0;       // second holders of a unique key, kept in a file beside
-  int64_t bytes_lost = 0;          // of the data file past the last whole block
+  int64_t bytes_lost = 0;          // of the data file skipped as damage
   bool replaced = false;           // the new files are in place
   bool backup_kept = false;        // "<file>.bak" still holds the old files
   std::string error;               // why nothing was replaced; "" on success

@@ -54,9 +54,10 @@ std::string DescribeTableDamage(const TStdTB& table, int records_walked) {
     return head + error.what();
   }
   if (!scan.Complete()) {
+    const DataFileScan::Skipped& first = scan.skipped.front();
     return head + Printf("die Datendatei \"%s\" ist ab Position %lld beschädigt: %s",
-                         data_file.c_str(), static_cast<long long>(scan.end_of_blocks),
-                         scan.stop_reason.c_str());
+                         data_file.c_str(), static_cast<long long>(first.position),
+                         first.reason.c_str());
   }
   if (stored != records_walked) {
     return head + Printf(

@@ -15,15 +15,21 @@
 namespace korvan::app {
 namespace {
 
-constexpr int64_t kFreeBlockMinimum = 4;      // a free block must hold its length
-constexpr int64_t kMaxPosition = 2147483647;  // positions are signed 32-bit
-
 // Closes the descriptor on every way out of the walk.
 class ReadOnlyFile {
  public:
+  // Without O_NONBLOCK a named pipe in the file's place would block the walk.
   explicit ReadOnlyFile(const std::string& path)
-      : path_(path), fd_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+      : path_(path), fd_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
     if (fd_ < 0) Fail("nicht zu öffnen");
+    struct stat status {};
+    if (fstat(fd_, &status) != 0) Fail("nicht lesbar");
+    if (!S_ISREG(status.st_mode)) {
+      close(fd_);
+      throw CommandError(path_ + ": " +
+                         (S_ISDIR(status.st_mode) ? "ist ein Verzeichnis, keine Datendatei"
+                                                  : "ist keine gewöhnliche Datei"));
+    }
   }
   ~ReadOnlyFile() { close(fd_); }
   ReadOnlyFile(const ReadOnlyFile&) = delete;
@@ -35,32 +41,26 @@ class ReadOnlyFile {
     return status.st_size;
   }
 
-  // Reads up to `size` bytes at `position`; returns how many were there.
-  size_t ReadAt(int64_t position, void* data, size_t size) const {
-    size_t done = 0;
-    while (done < size) {
-      const ssize_t got = pread(fd_, static_cast<char*>(data) + done, size - done,
-                                static_cast<off_t>(position + static_cast<int64_t>(done)));
-      if (got < 0 && errno == EINTR) continue;
-      if (got < 0) Fail("nicht lesbar");
-      if (got == 0) break;
-      done += static_cast<size_t>(got);
-    }
-    return done;
-  }
+  int fd() const { return fd_; }
 
- private:
   [[noreturn]] void Fail(const std::string& what) const {
     throw CommandError(path_ + ": " + what + ": " + std::strerror(errno));
   }
 
+ private:
   std::string path_;
   int fd_;
 };
 
-std::string At(int64_t position) {
-  return "Block an Position " + std::to_string(position) + ": ";
-}
+// The stretches the reader skipped, one after the other.
+struct DamageText : storage::DataFileReader::Reporter {
+  void Damaged(int64_t position, int64_t length, storage::BlockDamage damage) override {
+    if (!text.empty()) text += "; ";
+    text += "Block bei " + std::to_string(position) + ": " + storage::BlockDamageText(damage) +
+            ", " + std::to_string(length) + " Bytes übersprungen";
+  }
+  std::string text;
+};
 
 }  // namespace
 
@@ -72,28 +72,12 @@ std::string WalkDataFile(const std::string& data_file_path,
     return "Datei von " + std::to_string(file_size) + " Bytes ist kürzer als ihr Kopf von " +
            std::to_string(storage::kDataFileHeaderSize) + " Bytes";
   }
-  for (int64_t position = storage::kFirstBlockPosition; position < file_size;) {
-    DataBlock block;
-    storage::TDbRecordHeader& header = block.header;
-    const size_t got = file.ReadAt(position, &header, sizeof header);
-    if (got < sizeof header.RecLen) return At(position) + "Länge vom Dateiende abgeschnitten";
-    const int64_t stored = header.RecLen;
-    const int64_t size = stored < 0 ? -stored : stored;
-    if (size < kFreeBlockMinimum || position + size > file_size) {
-      return At(position) + "Länge " + std::to_string(stored) + " passt nicht in die Datei von " +
-             std::to_string(file_size) + " Bytes";
-    }
-    if (position + size > kMaxPosition) {
-      return At(position) + "endet jenseits der 2 GB, die eine Datendatei fassen kann";
-    }
-    block.position = static_cast<int32_t>(position);
-    block.length = static_cast<int32_t>(size);
-    block.live = stored > 0;
-    block.has_header = block.live && size >= storage::kRecordHeaderSize && got == sizeof header;
-    visit(block);
-    position += size;
-  }
-  return "";
+  DamageText damage;
+  storage::DataFileReader reader(file.fd(), &damage);
+  storage::DataFileBlock block;
+  while (reader.ReadBlock(&block)) visit(block);
+  if (reader.io_error()) file.Fail("nicht lesbar");
+  return damage.text;
 }
 
 std::string TypeLetterText(char type) {
