@@ -173,7 +173,7 @@ std::map<int32_t, std::vector<uint8_t>> LiveBlocks(const std::string& data_file,
   int handle = 0;
   if (iDK_DbOpen('T', base, true, false, &handle) != 0) _exit(2);
   for (int32_t index = 0;; ++index) {
-    std::vector<uint8_t> record = RecordNumber(index);
+    std::vector<uint8_t> record = NumberedRecord(index);
     int32_t position = 0;
     if (iDK_RecordInsert(handle, record.data(), static_cast<int32_t>(record.size()), true,
                          &position) != 0) {
@@ -229,7 +229,7 @@ TEST(DbKernelCrash, InsertsIntoFreeSpaceKilledAtRandomLeaveAFileThatReadsThrough
     const auto survivors =
         SurvivorsAfterKill(child, channel[0], std::uniform_int_distribution<>(5, 250)(random));
     close(channel[0]);
-    for (const auto& [index, position] : survivors) expected[position] = RecordNumber(index);
+    for (const auto& [index, position] : survivors) expected[position] = NumberedRecord(index);
 
     DamageList damage;
     int64_t file_size = 0;
