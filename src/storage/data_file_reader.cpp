@@ -1,6 +1,9 @@
 #include "storage/data_file_reader.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <cstring>
 
@@ -18,6 +21,7 @@ constexpr int kChainProof = 8;
 // Dates a record header can carry: after 30 December 1899, up to 31 December 9999.
 constexpr double kLastDate = 2958465.0;
 constexpr size_t kWindowSize = 64 * 1024;
+constexpr size_t kZeroProbeSize = 1024 * 1024;
 
 bool IsTableLetter(char letter) {
   return letter >= 'A' && letter <= 'Z';
@@ -66,7 +70,8 @@ bool DataFileReader::ReadBlock(DataFileBlock* block) {
     if (end < file_size_ && !Look(end).ok) {
       // Either the block behind is damaged, or this block's own length is: then a
       // chain starts before that length says the block ends.
-      const int64_t next = NextChainStart(position_ + 1);
+      int64_t next = NextChainStart(position_ + 1);
+      while (next < end && !Continues(next) && !io_error_) next = NextChainStart(next + 1);
       if (next < end) {
         Skip(next, BlockDamage::kLeadsIntoDamage);
         continue;
@@ -125,17 +130,26 @@ DataFileReader::Probe DataFileReader::Look(int64_t position) {
   return probe;
 }
 
-// Whether the blocks from `position` on read as a chain: kChainProof blocks, or fewer
-// that end exactly at the end of the file. Records must carry a type letter here: a
-// chain found by probing must look like records, not merely like lengths.
+// A chain found by lengths alone may be old lengths left in free space, and it may step
+// over the start of a record written there later. Up to the first block of the chain
+// that proves itself, a record that proves itself and is followed by a block starts
+// the chain instead.
 int64_t DataFileReader::ProvingStartWithin(int64_t chain_start) {
-  const int64_t end = chain_start + Look(chain_start).size();
-  for (int64_t position = chain_start + 1; position < end && !io_error_; ++position) {
-    if (ProvesItself(position)) return position;
+  int64_t block = chain_start;
+  for (int i = 0; i < kChainProof && block < file_size_ && !io_error_; ++i) {
+    if (i > 0 && ProvesItself(block)) break;
+    const int64_t end = block + Look(block).size();
+    for (int64_t position = block + 1; position < end && !io_error_; ++position) {
+      if (ProvesItself(position) && Continues(position)) return position;
+    }
+    block = end;
   }
   return chain_start;
 }
 
+// Whether the blocks from `position` on read as a chain: kChainProof blocks, or fewer
+// that end exactly at the end of the file. Records must carry a type letter here: a
+// chain found by probing must look like records, not merely like lengths.
 bool DataFileReader::ChainHolds(int64_t position) {
   for (int i = 0; i < kChainProof && position != file_size_; ++i) {
     const Probe probe = Look(position);
@@ -162,6 +176,14 @@ bool DataFileReader::ProvesItself(int64_t position) {
 int64_t DataFileReader::NextChainStart(int64_t from) {
   if (chain_hint_ >= from) return chain_hint_;
   for (int64_t candidate = from; candidate + 4 <= file_size_ && !io_error_; ++candidate) {
+    // Four zero bytes are no length, so runs of zeros are passed in one step.
+    if (Look(candidate).length == 0) {
+      const int64_t nonzero = FirstNonZeroFrom(candidate);
+      if (nonzero - 3 > candidate) {
+        candidate = nonzero - 4;
+        continue;
+      }
+    }
     if (ProvesItself(candidate)) {
       chain_hint_ = candidate;
       return candidate;
@@ -176,6 +198,42 @@ int64_t DataFileReader::NextChainStart(int64_t from) {
   }
   if (!io_error_) chain_hint_ = file_size_;
   return file_size_;
+}
+
+// Holes of a sparse file are skipped without reading them.
+int64_t DataFileReader::FirstNonZeroFrom(int64_t from) {
+  std::vector<uint8_t> chunk(kZeroProbeSize);
+  for (int64_t position = from; position < file_size_ && !io_error_;) {
+    const off_t data = ::lseek(fd_, static_cast<off_t>(position), SEEK_DATA);
+    if (data < 0 && errno == ENXIO) return file_size_;  // only a hole up to the end
+    if (data > position) {
+      position = data;
+      continue;
+    }
+    size_t got = 0;
+    const size_t want =
+        static_cast<size_t>(std::min<int64_t>(kZeroProbeSize, file_size_ - position));
+    if (kernel::ReadAt(fd_, position, chunk.data(), want, &got) != kOk || got == 0) {
+      io_error_ = true;
+      return file_size_;
+    }
+    const auto nonzero =
+        std::find_if(chunk.begin(), chunk.begin() + static_cast<std::ptrdiff_t>(got),
+                     [](uint8_t byte) { return byte != 0; });
+    if (nonzero != chunk.begin() + static_cast<std::ptrdiff_t>(got)) {
+      return position + (nonzero - chunk.begin());
+    }
+    position += static_cast<int64_t>(got);
+  }
+  return file_size_;
+}
+
+// Whether the block at `position` is followed by another or by the end of the file. A
+// block found inside another one must show this before it wins over the outer block's
+// length: two dates can be found inside a record's own bytes too.
+bool DataFileReader::Continues(int64_t position) {
+  const int64_t end = position + Look(position).size();
+  return end == file_size_ || Look(end).ok;
 }
 
 void DataFileReader::Skip(int64_t to, BlockDamage damage) {

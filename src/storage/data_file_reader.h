@@ -82,6 +82,8 @@ class DataFileReader {
   bool ChainHolds(int64_t position);
   int64_t ProvingStartWithin(int64_t chain_start);
   int64_t NextChainStart(int64_t from);
+  bool Continues(int64_t position);
+  int64_t FirstNonZeroFrom(int64_t from);
   void Skip(int64_t to, BlockDamage damage);
   bool Bytes(int64_t position, void* data, size_t size);
 

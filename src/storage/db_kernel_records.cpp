@@ -256,13 +256,29 @@ int iDK_RecordDelete(int handle, void* record, int32_t position) {
   return merged != kOk ? merged : written;
 }
 
+namespace {
+
+// Remembers the first stretch the reader could not read.
+class FirstDamage : public DataFileReader::Reporter {
+ public:
+  void Damaged(int64_t, int64_t, BlockDamage damage) override {
+    if (!seen) kind = damage;
+    seen = true;
+  }
+  bool seen = false;
+  BlockDamage kind = BlockDamage::kZeroLength;
+};
+
+}  // namespace
+
 int iDK_RecordCount(int handle, char record_type, int32_t* count) {
   const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
   if (slot == nullptr) return kDkInvalidHandle;
-  DataFileReader reader(slot->data_file, nullptr);
+  FirstDamage damage;
+  DataFileReader reader(slot->data_file, &damage);
   int32_t counted = 0;
   DataFileBlock block;
-  while (reader.ReadBlock(&block)) {
+  while (reader.ReadBlock(&block) && !damage.seen) {
     if (!block.live) continue;
     if (record_type == 0 && !IsTableLetter(block.header.RecTyp)) {
       *count = -3;
@@ -270,8 +286,10 @@ int iDK_RecordCount(int handle, char record_type, int32_t* count) {
     }
     if (record_type == 0 || block.header.RecTyp == record_type) ++counted;
   }
-  // A count that skipped damage would look right and be wrong.
-  *count = reader.io_error() || reader.damaged_bytes() > 0 ? -2 : counted;
+  // A length of 0 ends the count where it stands; any other damage would make a count
+  // that looks right and is wrong.
+  const bool ended_by_zero = damage.seen && damage.kind == BlockDamage::kZeroLength;
+  *count = reader.io_error() || (damage.seen && !ended_by_zero) ? -2 : counted;
   return kOk;
 }
 

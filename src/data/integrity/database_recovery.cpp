@@ -342,6 +342,12 @@ class DatabaseCopier {
     const DataFileScan scan =
         ScanDataFile(storage::DataFileName(base_),
                      [&](const ScannedRecord& record) { Take(record, fd.get(), end); });
+    for (const auto& [letter, table] : unknown_tables_) {
+      report_.lines.push_back(
+          Printf("Tabelle \"%c\" unbekannt: %d Datensätze ohne Schlüssel "
+                 "übernommen (der erste an Position %d)",
+                 letter, table.count, table.first_position));
+    }
     for (const DataFileScan::Skipped& skipped : scan.skipped) {
       report_.bytes_lost += skipped.length;
       report_.lines.push_back(

@@ -56,8 +56,9 @@ class ReadOnlyFile {
 struct DamageText : storage::DataFileReader::Reporter {
   void Damaged(int64_t position, int64_t length, storage::BlockDamage damage) override {
     if (!text.empty()) text += "; ";
-    text += "Block bei " + std::to_string(position) + ": " + storage::BlockDamageText(damage) +
-            ", " + std::to_string(length) + " Bytes übersprungen";
+    text += "Block an Position " + std::to_string(position) + ": " +
+            storage::BlockDamageText(damage) + ", " + std::to_string(length) +
+            " Bytes übersprungen";
   }
   std::string text;
 };

@@ -10,8 +10,9 @@
 
 #include "app/cli/command_error.h"
 #include "app/commands/db/db_database.h"
-#include "app/program/program_tables.h"
 #include "app/program/command_sign_in.h"
+#include "app/program/database_open_failure.h"
+#include "app/program/program_tables.h"
 #include "data/db/directory_sign_in.h"
 #include "storage/db_kernel.h"
 #include "storage/file/file_names.h"

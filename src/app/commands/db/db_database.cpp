@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/cli/command_error.h"
+#include "app/program/database_open_failure.h"
 #include "data/common/result_code_text.h"
 #include "storage/db_error_translate.h"
 #include "storage/db_kernel.h"
@@ -19,18 +20,10 @@ namespace {
 // the library type "G" makes the kernel treat the files as an ordinary database.
 constexpr char kAnyDatabaseType = 'T';
 
-bool IsKeyFileCode(int code) {
-  return code == storage::kDkKeyFileMissing || code < storage::kDkInvalidHandle;
-}
-
 }  // namespace
 
 std::string ResultCodeText(int code) {
   return data::ResultCodeText(code);
-}
-
-std::string FileOfOpenFailure(const std::string& base_path, int code) {
-  return IsKeyFileCode(code) ? storage::KeyFileName(base_path) : storage::DataFileName(base_path);
 }
 
 OpenDatabase::OpenDatabase(const std::string& base_path, Access access) : base_path_(base_path) {
@@ -39,7 +32,7 @@ OpenDatabase::OpenDatabase(const std::string& base_path, Access access) : base_p
   const int result = storage::iDK_DbOpen(kAnyDatabaseType, base_path, write, !write, &handle_);
   if (result != storage::kOk) {
     handle_ = 0;  // with 4290 the handle is another user's in this process: not ours to close
-    throw CommandError(FileOfOpenFailure(base_path, result) + ": " + ResultCodeText(result));
+    throw CommandError(DatabaseOpenFailureText(base_path, result));
   }
 }
 

@@ -9,10 +9,6 @@ namespace korvan::app {
 // kernel's message table does not know, get a short description of their own.
 std::string ResultCodeText(int code);
 
-// The file a failed open or create is about: the key file for key-file and cache codes
-// and for 4308, the data file otherwise.
-std::string FileOfOpenFailure(const std::string& base_path, int code);
-
 // A database opened through the kernel for the maintenance commands, closed when the
 // object goes away. Failures to open throw CommandError naming the file and the code.
 class OpenDatabase {

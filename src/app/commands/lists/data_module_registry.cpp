@@ -1,6 +1,7 @@
 #include "app/commands/lists/data_module_registry.h"
 
 #include "app/cli/command_error.h"
+#include "app/program/database_open_failure.h"
 
 namespace korvan::app {
 
@@ -14,9 +15,8 @@ std::unique_ptr<data::TTableListModule> MakeDataModule(const data::TTableRegistr
     if (damage.empty()) {
       throw CommandError("die Liste kann nicht gelesen werden: " + module->CData1.LastError());
     }
-    throw CommandError("die Liste kann nicht gelesen werden: " + damage +
-                       "\n\"korvan check\" zeigt, was beschädigt ist; \"korvan rebuild\" baut "
-                       "die Datenbank aus ihrer Datendatei neu auf.");
+    throw CommandError("die Liste kann nicht gelesen werden: " + damage + "\n" +
+                       std::string(kDamageAdvice));
   }
   return module;
 }

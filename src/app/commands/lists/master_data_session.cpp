@@ -6,6 +6,7 @@
 #include "app/commands/db/db_database.h"
 #include "app/commands/lists/journal_wait.h"
 #include "app/program/command_sign_in.h"
+#include "app/program/database_open_failure.h"
 #include "app/program/installation.h"
 #include "data/db/path_types.h"
 #include "storage/result_codes.h"
@@ -60,7 +61,7 @@ MasterDataSession::MasterDataSession(const data::TTableRegistry& tables,
 void MasterDataSession::OpenDbOnce() {
   if (db_->IsOpen()) return;
   if (const int opened = db_->DbOpen(true); opened != storage::kOk) {
-    throw CommandError(db_->BasePath() + "0: " + ResultCodeText(opened));
+    throw CommandError(DatabaseOpenFailureText(db_->BasePath(), opened));
   }
   // A step a killed process left unfinished is settled before anything is read, so that
   // nobody sees a change the journal then takes back. Should that fail, the commands
