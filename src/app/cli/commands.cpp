@@ -6,6 +6,7 @@
 #include "app/commands/db/db_commands.h"
 #include "app/commands/lists/list_commands.h"
 #include "app/commands/lv/lv_commands.h"
+#include "app/commands/oz/oz_commands.h"
 #include "app/commands/text/text_commands.h"
 #include "app/program/program_commands.h"
 
@@ -18,6 +19,7 @@ CommandList AllCommands() {
   AddProgramCommands(commands);
   AddListCommands(commands);
   AddLvCommands(commands);
+  AddOzCommands(commands);
   AddTextCommands(commands);
   AddCurrencyCommands(commands);
   return commands;

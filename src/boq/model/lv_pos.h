@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "boq/lv/lv_entry_records.h"
+#include "boq/lv/struktur_record.h"
+
+// One entry of an LV in memory. A plain value: the records of the entry (its structure
+// row and its group or item data) are held whole, so that numbering, sums and searches
+// run without reading tables; accessors give the fields the numbering and the editors use.
+namespace korvan::boq {
+
+struct TLvPos {
+  t_Struktur Struktur{};
+  data::TDbRecordHeader DatenHeader{};       // header of the group or item record
+  t_LvBgBeschr_3000 LvBgBeschr{};            // the part groups and items share
+  t_LvBg2_DB_VERSION_201401 LvBg{};          // group part (kind "B")
+  t_LvBeschr2_DB_VERSION_201401 LvBeschr{};  // item part (every other kind)
+  std::string ShortText;                     // UTF-8
+  std::string LongText;                      // the long text as stored (rich text), may be empty
+
+  char Kind() const { return Struktur.KzBgBeschr; }
+  void SetKind(char kind) { Struktur.KzBgBeschr = kind; }
+  bool IsGroup() const { return Kind() == 'B'; }
+  // The quantity-bearing kinds (Mengenpositionen).
+  bool IsQuantityItem() const { return Kind() == 'P' || Kind() == 'L' || Kind() == 'U'; }
+
+  std::string_view Oz() const { return LvBgBeschr.OZ.Raw(); }
+  // Copied first: `oz` may be a view of the stored number itself.
+  void SetOz(std::string_view oz) { LvBgBeschr.OZ.SetRaw(std::string(oz)); }
+  bool IsSupplement() const { return LvBgBeschr.KzNachtrag != 0; }
+};
+
+}  // namespace korvan::boq

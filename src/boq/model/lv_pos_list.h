@@ -1,0 +1,55 @@
+#pragma once
+
+#include <vector>
+
+#include "boq/lv/lv_record.h"
+#include "boq/model/lv_pos.h"
+#include "boq/oz/lv_oz_mask.h"
+
+// An LV in memory: its header and its entries in document order. A plain value type
+// (copyable, no reference counting): whoever loads it owns it.
+namespace korvan::boq {
+
+class TLVPosList {
+ public:
+  TLVPosList() = default;
+  explicit TLVPosList(const t_Lv_DB_VERSION_3100& lv) { RefreshLvProperties(lv); }
+
+  // Takes the LV header: the mask is rebuilt and the automatic-numbering switch recomputed.
+  void RefreshLvProperties(const t_Lv_DB_VERSION_3100& lv);
+
+  const t_Lv_DB_VERSION_3100& FLv() const { return lv_; }
+  const TLvOzMask& FOzMask() const { return oz_mask_; }
+  bool FAutoNum() const { return auto_num_; }
+  bool FReadOnly() const { return read_only_; }
+  void SetReadOnly(bool read_only) { read_only_ = read_only; }
+
+  int Count() const { return static_cast<int>(entries_.size()); }
+  // The entry at `index`, or nullptr outside the list.
+  TLvPos* GetLvPosItems(int index);
+  const TLvPos* GetLvPosItems(int index) const;
+  TLvPos& operator[](int index) { return entries_[static_cast<std::size_t>(index)]; }
+  const TLvPos& operator[](int index) const { return entries_[static_cast<std::size_t>(index)]; }
+
+  void Add(TLvPos entry) { entries_.push_back(std::move(entry)); }
+  void Insert(int index, TLvPos entry);
+  void Delete(int index);
+  void Clear() { entries_.clear(); }
+
+  std::vector<TLvPos>& Entries() { return entries_; }
+  const std::vector<TLvPos>& Entries() const { return entries_; }
+
+  // The step width of a level: its own, else the LV's default, at least 1.
+  int StepWidth(int level) const;
+  bool AutoCounter(int level) const;
+  bool ContinuousCounter(int level) const;
+
+ private:
+  t_Lv_DB_VERSION_3100 lv_{};
+  TLvOzMask oz_mask_;
+  bool read_only_ = false;
+  bool auto_num_ = false;
+  std::vector<TLvPos> entries_;
+};
+
+}  // namespace korvan::boq
