@@ -51,6 +51,21 @@ class DataFileReader {
     virtual void Damaged(int64_t position, int64_t length, BlockDamage damage) = 0;
   };
 
+  // Remembers the first stretch skipped, for walks that stop at damage instead of
+  // going on (the record count, the key-file rebuild on open).
+  class FirstDamage : public Reporter {
+   public:
+    void Damaged(int64_t position, int64_t /*length*/, BlockDamage damage) override {
+      if (seen) return;
+      seen = true;
+      this->position = position;
+      kind = damage;
+    }
+    bool seen = false;
+    int64_t position = 0;
+    BlockDamage kind = BlockDamage::kZeroLength;
+  };
+
   // Reads the data file open on `fd` (not owned) up to the size it has now. The
   // reporter may be null when the caller only wants the intact blocks.
   DataFileReader(int fd, Reporter* reporter);

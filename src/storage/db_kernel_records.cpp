@@ -256,25 +256,10 @@ int iDK_RecordDelete(int handle, void* record, int32_t position) {
   return merged != kOk ? merged : written;
 }
 
-namespace {
-
-// Remembers the first stretch the reader could not read.
-class FirstDamage : public DataFileReader::Reporter {
- public:
-  void Damaged(int64_t, int64_t, BlockDamage damage) override {
-    if (!seen) kind = damage;
-    seen = true;
-  }
-  bool seen = false;
-  BlockDamage kind = BlockDamage::kZeroLength;
-};
-
-}  // namespace
-
 int iDK_RecordCount(int handle, char record_type, int32_t* count) {
   const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
   if (slot == nullptr) return kDkInvalidHandle;
-  FirstDamage damage;
+  DataFileReader::FirstDamage damage;
   DataFileReader reader(slot->data_file, &damage);
   int32_t counted = 0;
   DataFileBlock block;

@@ -7,6 +7,7 @@
 
 #include "storage/block_cache.h"
 #include "storage/data_file_banner.h"
+#include "storage/data_file_reader.h"
 #include "storage/db_kernel_codes.h"
 #include "storage/db_kernel_internal.h"
 #include "storage/key_file_layout.h"
@@ -114,26 +115,23 @@ int ReadRecord(const DbHandleSlot& slot, int32_t position, int32_t length,
 }
 
 // Walks the data file's blocks as the kernel wrote them, handing each to `on_block`
-// (position, length: negative for free space); a block that cannot be one ends the walk
-// (what follows it cannot be found without guessing), and `stopped` says where.
+// (position, length: negative for free space). Damage ends the walk: keys made from
+// blocks the reader found behind it by guessing would go into the file unseen, so the
+// user is sent to the rebuild instead, which reports what it skipped; `stopped` says
+// where.
 template <typename OnBlock>
 int WalkBlocks(const DbHandleSlot& slot, std::string* stopped, OnBlock on_block) {
-  int64_t file_size = 0;
-  if (FileSize(slot.data_file, &file_size) != kOk) return kDkIoError;
-  for (int64_t position = kFirstBlockPosition; position < file_size;) {
-    int32_t length = 0;
-    size_t got = 0;
-    if (ReadAt(slot.data_file, position, &length, sizeof length, &got) != kOk) return kDkIoError;
-    const int64_t size = length < 0 ? -int64_t{length} : int64_t{length};
-    const bool fits = got == sizeof length && position + size <= file_size;
-    if (!fits || size < kFreeBlockMinimum || (length > 0 && length < kRecordHeaderSize)) {
-      *stopped = "Block an Position " + std::to_string(position) + " unlesbar";
-      return kOk;
-    }
-    if (int result = on_block(static_cast<int32_t>(position), length); result != kOk) {
-      return result;
-    }
-    position += size;
+  DataFileReader::FirstDamage damage;
+  DataFileReader reader(slot.data_file, &damage);
+  DataFileBlock block;
+  while (reader.ReadBlock(&block) && !damage.seen) {
+    const int32_t length = block.live ? block.length : -block.length;
+    if (int result = on_block(block.position, length); result != kOk) return result;
+  }
+  if (reader.io_error()) return kDkIoError;
+  if (damage.seen) {
+    *stopped = "Block an Position " + std::to_string(damage.position) + ": " +
+               BlockDamageText(damage.kind);
   }
   return kOk;
 }
@@ -200,7 +198,6 @@ std::string Report(const DbHandleSlot& slot, const RebuildCount& count) {
                      "aufgebaut: " +
                      std::to_string(count.records) + " Datensätze, " +
                      std::to_string(count.free_blocks) + " freie Blöcke";
-  if (!count.stopped.empty()) line += "; " + count.stopped + ", Rest nicht erfasst";
   return line + ".";
 }
 
@@ -218,6 +215,14 @@ int RebuildKeyFile(int handle, DbHandleSlot& slot) {
     int result = KeyLengthOf(slot, &key_length);
     if (result == kOk) result = CountRecordsWithoutKeys(slot, *source, key_length, &count);
     if (result != kOk) return result;
+    if (!count.stopped.empty()) {
+      // Keys for only the blocks in front of the damage would hide the records behind it.
+      source->Tell("Schlüsseldatei \"" + KeyFileName(slot.file_name) +
+                   "\" war nicht sauber geschlossen, und die Datendatei ist beschädigt (" +
+                   count.stopped + "). Die Datenbank muss mit \"korvan rebuild\" neu "
+                   "aufgebaut werden.");
+      return kDkFatalRegenerateOk;
+    }
     if (count.records_without_keys > 0) {
       source->Tell("Schlüsseldatei \"" + KeyFileName(slot.file_name) +
                    "\" war nicht sauber geschlossen; " +

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <map>
 
 #include "numbered_records.h"
@@ -119,6 +120,38 @@ TEST_F(KeyFileKilledWriter, AcknowledgedKeysAreFoundAfterTheWriterIsKilled) {
   EXPECT_TRUE(ClosedCleanly(KeyFile("killed")));
   ASSERT_EQ(iDK_DbOpen('T', base, true, false, &handle), 0);
   EXPECT_EQ(source.told.size(), 1u) << "a clean key file is rebuilt again";
+}
+
+TEST_F(KeyFileKilledWriter, ADamagedDataFileBehindAnUncleanKeyFileIsLeftToTheRebuild) {
+  const std::string base = Base("damaged");
+  ASSERT_EQ(iDK_DbClose(Create("damaged", 'T', 24)), 0);
+  KillAfter([&] {
+    int handle = 0;
+    if (iDK_DbOpen('T', base, true, false, &handle) != 0) return 1;
+    for (int32_t index = 0; index < 20; ++index) {
+      int32_t position = 0;
+      if (InsertNumbered(handle, index, &position) != 0) return 2;
+    }
+    return 0;
+  });
+  // The fifth record's length is gone: keys for the four in front would hide the rest.
+  int64_t fifth = kFirstBlockPosition;
+  for (int32_t index = 0; index < 4; ++index) {
+    fifth += static_cast<int64_t>(NumberedRecord(index).size());
+  }
+  std::vector<uint8_t> bytes = FileBytes(DataFile("damaged"));
+  std::fill_n(bytes.begin() + fifth, 4, uint8_t{0});
+  WriteFileBytes(DataFile("damaged"), bytes);
+  const std::vector<uint8_t> keys = FileBytes(KeyFile("damaged"));
+
+  NumberedKeySource source;
+  int handle = 0;
+  EXPECT_EQ(iDK_DbOpen('T', base, true, false, &handle), kDkFatalRegenerateOk);
+  ASSERT_EQ(source.told.size(), 1u);
+  EXPECT_NE(source.told[0].find("Block an Position " + std::to_string(fifth)), std::string::npos)
+      << source.told[0];
+  EXPECT_NE(source.told[0].find("korvan rebuild"), std::string::npos) << source.told[0];
+  EXPECT_EQ(FileBytes(KeyFile("damaged")), keys) << "the key file was touched";
 }
 
 TEST_F(KeyFileKilledWriter, MergedFreeSpaceOfAKilledWriterIsNotHandedOutInPieces) {
