@@ -19,6 +19,8 @@ struct TLvPos {
   t_LvBeschr2_DB_VERSION_201401 LvBeschr{};  // item part (every other kind)
   std::string ShortText;                     // UTF-8
   std::string LongText;                      // the long text as stored (rich text), may be empty
+  bool LongTextLoaded = false;               // LongText was read (only on request: texts are large)
+  bool LongTextChanged = false;              // LongText is to be written back
 
   char Kind() const { return Struktur.KzBgBeschr; }
   void SetKind(char kind) { Struktur.KzBgBeschr = kind; }
@@ -31,5 +33,9 @@ struct TLvPos {
   void SetOz(std::string_view oz) { LvBgBeschr.OZ.SetRaw(std::string(oz)); }
   bool IsSupplement() const { return LvBgBeschr.KzNachtrag != 0; }
 };
+
+// A new entry of `kind` with the defaults a new record gets: ids unset (it gets them when
+// saved), amounts in the LV's currency, directly below the LV root.
+TLvPos NewLvPos(char kind);
 
 }  // namespace korvan::boq

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "data/records/null_values.h"
+
 namespace korvan::boq {
 namespace {
 
@@ -40,6 +42,83 @@ void TLVPosList::Insert(int index, TLvPos entry) {
 void TLVPosList::Delete(int index) {
   if (index < 0 || index >= Count()) return;
   entries_.erase(entries_.begin() + index);
+}
+
+int TLVPosList::IndexOfOz(std::string_view oz, char kind) const {
+  const std::string_view wanted = oz.substr(0, kMaxOzLength);
+  const bool any_kind = kind == ' ' || kind == '\0';
+  for (int i = Count() - 1; i >= 0; --i) {
+    const TLvPos& entry = (*this)[i];
+    if (entry.Oz().substr(0, kMaxOzLength) == wanted && (any_kind || entry.Kind() == kind))
+      return i;
+  }
+  return -1;
+}
+
+int TLVPosList::SearchItemIndexByOz(int start, std::string_view oz, bool loose) const {
+  for (int i = std::max(start, 0); i < Count(); ++i) {
+    std::string own((*this)[i].Oz());
+    if (loose)
+      std::replace_if(
+          own.begin(), own.end(), [](char c) { return c == '_' || c == ' '; }, '0');
+    if (own == oz) return i;
+  }
+  return -1;
+}
+
+int TLVPosList::SearchItemIndexByIdBeschr(int32_t id_beschr) const {
+  for (int i = 0; i < Count(); ++i) {
+    if ((*this)[i].LvBgBeschr.IDBeschr == id_beschr) return i;
+  }
+  return -1;
+}
+
+int TLVPosList::SearchItemIndexByIdLvBgBeschr(int32_t id) const {
+  for (int i = 0; i < Count(); ++i) {
+    if ((*this)[i].Struktur.IdBgBeschr == id) return i;
+  }
+  return -1;
+}
+
+int TLVPosList::SearchItemIndexByStrukturRec(const t_Struktur& row) const {
+  return SearchItemIndexByIdLvBgBeschr(row.IdBgBeschr);
+}
+
+int TLVPosList::GetItemsForSameParent(const t_Struktur& row, std::vector<int>* result) const {
+  if (result == nullptr) return -1;
+  int own = -1;
+  for (int i = 0; i < Count(); ++i) {
+    const TLvPos& entry = (*this)[i];
+    if (entry.Struktur.ZuBg != row.ZuBg) continue;
+    if (entry.Struktur.IdBgBeschr == row.IdBgBeschr) own = static_cast<int>(result->size());
+    result->push_back(i);
+  }
+  return own;
+}
+
+int TLVPosList::GetNextMengePosIndex(int index) const {
+  for (int i = std::max(index, 0); i < Count(); ++i) {
+    if ((*this)[i].IsQuantityItem()) return i;
+  }
+  return -1;
+}
+
+void TLVPosList::RefreshGroupKinds() {
+  for (TLvPos& entry : entries_) {
+    if (!entry.IsGroup()) continue;
+    entry.LvBgBeschr.Titelart = entry.LvBgBeschr.ZZWahl > 0 ? 'A' : entry.LvBgBeschr.Bedarf;
+  }
+}
+
+bool TLVPosList::HasEntriesWithoutParentGroup() const {
+  for (const TLvPos& entry : entries_) {
+    if (entry.Struktur.ZuBg != data::kRootParentId) continue;
+    const std::string_view oz = entry.Oz();
+    const int level = oz_mask_.GetOzLevel(oz);
+    const bool indexed_level_two = level == 2 && oz_mask_.IsIndexedOz(oz);
+    if (level > 1 && !indexed_level_two && oz.find('_') == std::string_view::npos) return true;
+  }
+  return false;
 }
 
 int TLVPosList::StepWidth(int level) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "boq/lv/lv_record.h"
@@ -38,6 +39,31 @@ class TLVPosList {
 
   std::vector<TLvPos>& Entries() { return entries_; }
   const std::vector<TLvPos>& Entries() const { return entries_; }
+
+  // --- Searches: the index of the entry, -1 when there is none ---------------------
+  // The last entry whose OZ (up to 30 characters) is `oz` and whose kind is `kind`; a
+  // blank or empty kind matches every kind.
+  int IndexOfOz(std::string_view oz, char kind = ' ') const;
+  // The first entry from `start` on whose OZ is `oz`. With `loose`, "_" and blanks in
+  // the entries' OZs count as "0": 01.__.0010 is found for 01.00.0010.
+  int SearchItemIndexByOz(int start, std::string_view oz, bool loose) const;
+  int SearchItemIndexByOz(std::string_view oz, bool loose) const {
+    return SearchItemIndexByOz(0, oz, loose);
+  }
+  int SearchItemIndexByIdBeschr(int32_t id_beschr) const;
+  int SearchItemIndexByIdLvBgBeschr(int32_t id) const;
+  int SearchItemIndexByStrukturRec(const t_Struktur& row) const;
+  // Appends to `result` the indexes of the entries with the row's parent group, in list
+  // order; returns the place in `result` of the row's own entry, -1 when missing.
+  int GetItemsForSameParent(const t_Struktur& row, std::vector<int>* result) const;
+  // The first quantity-bearing entry (P, L, U) at or after `index`.
+  int GetNextMengePosIndex(int index) const;
+
+  // Sets every group's kind (Titelart) from its Bedarf code, 'A' for an alternative.
+  void RefreshGroupKinds();
+  // Whether some top-level entry stands deeper than level 1 under the mask without being
+  // an indexed number of level 2 or holding a "_": its group is missing.
+  bool HasEntriesWithoutParentGroup() const;
 
   // The step width of a level: its own, else the LV's default, at least 1.
   int StepWidth(int level) const;

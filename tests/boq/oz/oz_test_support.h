@@ -24,8 +24,7 @@ inline t_Lv_DB_VERSION_3100 NumberedLvHeader(std::string_view mask,
 }
 
 inline TLvPos Entry(char kind, std::string_view oz = {}) {
-  TLvPos entry;
-  entry.SetKind(kind);
+  TLvPos entry = NewLvPos(kind);
   entry.SetOz(oz);
   return entry;
 }

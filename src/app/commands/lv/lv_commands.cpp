@@ -8,6 +8,7 @@
 #include "app/commands/lv/lv_delete_command.h"
 #include "app/commands/lv/lv_list_command.h"
 #include "app/commands/lv/lv_new_command.h"
+#include "app/commands/lv/lv_show_command.h"
 #include "app/program/data_dir.h"
 
 namespace korvan::app {
@@ -21,10 +22,11 @@ class LvCommand : public Command {
     operations_.push_back(std::make_unique<LvNewCommand>());
     operations_.push_back(std::make_unique<LvListCommand>());
     operations_.push_back(std::make_unique<LvDeleteCommand>());
+    operations_.push_back(std::make_unique<LvShowCommand>());
   }
   std::string Name() const override { return "lv"; }
   std::string Summary() const override {
-    return "Leistungsverzeichnisse eines Projekts: anlegen, auflisten, löschen";
+    return "Leistungsverzeichnisse eines Projekts: anlegen, auflisten, zeigen, bearbeiten, löschen";
   }
 
   void Define(CLI::App& app) override {

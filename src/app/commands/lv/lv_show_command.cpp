@@ -1,0 +1,114 @@
+// `korvan lv show`: an LV's entries as people and scripts read them.
+#include "app/commands/lv/lv_show_command.h"
+
+#include <cstdio>
+#include <optional>
+#include <ostream>
+
+#include <CLI/CLI.hpp>
+
+#include "app/cli/json_text.h"
+#include "app/commands/lv/lv_project.h"
+#include "boq/model/lv_entry_totals.h"
+#include "boq/model/lv_pos_list_io.h"
+#include "boq/text/rich_text.h"
+#include "boq/text/rtf_reader.h"
+#include "data/records/null_values.h"
+
+namespace korvan::app {
+namespace {
+
+std::string OptionalNumber(const std::optional<double>& value) {
+  return value ? JsonNumber(*value) : "null";
+}
+
+std::string PlainLongText(const std::string& rich_text) {
+  return rich_text.empty() ? std::string() : boq::PlainView(boq::ReadRtf(rich_text).text);
+}
+
+std::string StatusText(char status) {
+  return status == '\0' ? "" : std::string(1, status);
+}
+
+void PrintJson(std::ostream& out, const boq::TLVPosList& list,
+               const std::vector<boq::TLvEntryFigures>& figures, double total, bool long_texts) {
+  const boq::t_Lv_DB_VERSION_3100& lv = list.FLv();
+  out << "{\"lv\": {\"id\": " << lv.FId << ", \"name\": " << JsonString(lv.Name.Get())
+      << ", \"status\": " << JsonString(StatusText(lv.Status))
+      << ", \"mask\": " << JsonString(list.FOzMask().FMask()) << ", \"currency\": "
+      << (lv.IdWae == data::kOwnerCurrencyId ? std::string("null") : std::to_string(lv.IdWae))
+      << ", \"total\": " << JsonNumber(total) << "}, \"entries\": [";
+  for (int i = 0; i < list.Count(); ++i) {
+    const boq::TLvPos& entry = list[i];
+    const boq::TLvEntryFigures& figure = figures[static_cast<std::size_t>(i)];
+    out << (i == 0 ? "" : ", ") << "{\"oz\": " << JsonString(entry.LvBgBeschr.OZ.Get())
+        << ", \"kind\": " << JsonString(std::string(1, entry.Kind()))
+        << ", \"level\": " << figure.depth << ", \"short_text\": " << JsonString(entry.ShortText);
+    if (long_texts) out << ", \"long_text\": " << JsonString(PlainLongText(entry.LongText));
+    out << ", \"qty\": " << OptionalNumber(figure.quantity) << ", \"unit\": null"
+        << ", \"unit_price\": " << OptionalNumber(figure.unit_price)
+        << ", \"total\": " << OptionalNumber(figure.total) << "}";
+  }
+  out << "]}\n";
+}
+
+std::string Figure(const std::optional<double>& value, const char* format) {
+  if (!value) return {};
+  char text[64];
+  std::snprintf(text, sizeof text, format, *value);
+  std::string result = text;
+  for (char& c : result) c = c == '.' ? ',' : c;  // German decimal comma
+  return result;
+}
+
+void PrintTree(std::ostream& out, const boq::TLVPosList& list,
+               const std::vector<boq::TLvEntryFigures>& figures, double total, bool long_texts) {
+  const boq::t_Lv_DB_VERSION_3100& lv = list.FLv();
+  out << "LV " << lv.FId << " \"" << lv.Name.Get() << "\", Maske " << list.FOzMask().FMask()
+      << ", Status " << StatusText(lv.Status) << ", " << list.Count()
+      << (list.Count() == 1 ? " Eintrag" : " Einträge") << '\n';
+  for (int i = 0; i < list.Count(); ++i) {
+    const boq::TLvPos& entry = list[i];
+    const boq::TLvEntryFigures& figure = figures[static_cast<std::size_t>(i)];
+    const std::string indent(static_cast<std::size_t>(2 * (figure.depth - 1)), ' ');
+    out << indent << entry.LvBgBeschr.OZ.Get() << "  " << entry.Kind() << "  " << entry.ShortText;
+    if (figure.quantity) out << "  Menge " << Figure(figure.quantity, "%.3f");
+    if (figure.unit_price) out << "  EP " << Figure(figure.unit_price, "%.2f");
+    if (figure.total) out << "  GP " << Figure(figure.total, "%.2f");
+    out << '\n';
+    if (long_texts && !entry.LongText.empty()) {
+      std::string plain = PlainLongText(entry.LongText);
+      std::size_t start = 0;
+      while (start <= plain.size()) {
+        const std::size_t end = std::min(plain.find('\n', start), plain.size());
+        out << indent << "    " << plain.substr(start, end - start) << '\n';
+        start = end + 1;
+      }
+    }
+  }
+  out << "Summe " << Figure(total, "%.2f") << '\n';
+}
+
+}  // namespace
+
+void LvShowCommand::Define(CLI::App& app) {
+  app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+  app.add_flag("--long", long_texts_, "mit den Langtexten (als reiner Text)");
+}
+
+int LvShowCommand::Run(Streams& streams) {
+  LvProject target(data_dir, project);
+  data::TStdDb& db = target.Db(false);
+  const int32_t id = target.ResolveLv(lv_);
+  const boq::TLVPosList list = boq::LoadLvPosList(db, target.TextDb(), id, long_texts_);
+  double total = 0.0;
+  const std::vector<boq::TLvEntryFigures> figures = boq::EstimatedFigures(list, &total);
+  if (json) {
+    PrintJson(streams.out, list, figures, total, long_texts_);
+  } else {
+    PrintTree(streams.out, list, figures, total, long_texts_);
+  }
+  return kExitOk;
+}
+
+}  // namespace korvan::app
