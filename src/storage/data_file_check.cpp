@@ -12,7 +12,7 @@ namespace korvan::storage {
 namespace {
 
 std::string At(int64_t position) {
-  return "block at " + std::to_string(position) + ": ";
+  return "Block an Position " + std::to_string(position) + ": ";
 }
 
 // Every stretch the reader skipped is one problem.
@@ -31,11 +31,11 @@ class ProblemReporter : public DataFileReader::Reporter {
 void WalkBlocks(const DbHandleSlot& slot, DataFileReport* report) {
   int64_t file_size = 0;
   if (kernel::FileSize(slot.data_file, &file_size) != kOk) {
-    report->problems.push_back("data file size cannot be read");
+    report->problems.push_back("Größe der Datendatei nicht lesbar");
     return;
   }
   if (file_size < kFirstBlockPosition) {
-    report->problems.push_back("data file shorter than its header");
+    report->problems.push_back("Datendatei kürzer als ihr Kopf");
     return;
   }
   ProblemReporter reporter(report);
@@ -43,11 +43,11 @@ void WalkBlocks(const DbHandleSlot& slot, DataFileReport* report) {
   DataFileBlock block;
   while (reader.ReadBlock(&block)) {
     if (block.live && (block.header.RecTyp < 'A' || block.header.RecTyp > 'Z')) {
-      report->problems.push_back(At(block.position) + "record without a type letter");
+      report->problems.push_back(At(block.position) + "Datensatz ohne Tabellenbuchstaben");
     }
     report->blocks.push_back(block);
   }
-  if (reader.io_error()) report->problems.push_back("data file cannot be read");
+  if (reader.io_error()) report->problems.push_back("Datendatei nicht lesbar");
 }
 
 int64_t KeyLength(const KeyEntry& entry) {
@@ -79,24 +79,24 @@ void CheckFreeSpaceKeys(int handle, DataFileReport* report) {
     const int64_t length = KeyLength(entry);
     const auto block = free_blocks.find(block_position);
     if (block == free_blocks.end()) {
-      report->problems.push_back("free-space key at " + std::to_string(block_position) +
-                                 " names no free block");
+      report->problems.push_back("Freiraum-Schlüssel bei " + std::to_string(block_position) +
+                                 " nennt keinen freien Block");
     } else if (length != block->second) {
-      report->problems.push_back("free-space key at " + std::to_string(block_position) + " says " +
-                                 std::to_string(length) + " bytes, the block has " +
+      report->problems.push_back("Freiraum-Schlüssel bei " + std::to_string(block_position) +
+                                 " nennt " + std::to_string(length) + " Bytes, der Block hat " +
                                  std::to_string(block->second));
     }
     ++keys_per_block[block_position];
     result = iDK_KeyNext(handle, entry, &position);
   }
   if (result != kOk && result != kDkKeyNotFound) {
-    report->problems.push_back("free-space index unreadable: code " + std::to_string(result));
+    report->problems.push_back("Freiraum-Index nicht lesbar: Code " + std::to_string(result));
   }
   for (const auto& [block_position, length] : free_blocks) {
     const int keys = keys_per_block.count(block_position) ? keys_per_block[block_position] : 0;
     if (keys != 1) {
-      report->problems.push_back(At(block_position) + "free block of " + std::to_string(length) +
-                                 " bytes has " + std::to_string(keys) + " free-space keys");
+      report->problems.push_back(At(block_position) + "freier Block von " + std::to_string(length) +
+                                 " Bytes hat " + std::to_string(keys) + " Freiraum-Schlüssel");
     }
   }
 }
@@ -107,7 +107,7 @@ DataFileReport CheckDataFile(int handle) {
   DataFileReport report;
   const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
   if (slot == nullptr) {
-    report.problems.push_back("invalid database handle " + std::to_string(handle));
+    report.problems.push_back("ungültiges Datenbank-Handle " + std::to_string(handle));
     return report;
   }
   WalkBlocks(*slot, &report);

@@ -27,11 +27,11 @@ class TreeChecker {
   void Run() {
     int slot = 0;
     if (const int rc = pins_.Read(0, &slot); rc != kOk) {
-      Report("the header cannot be read (" + std::to_string(rc) + ")");
+      Report("der Kopf ist nicht lesbar (" + std::to_string(rc) + ")");
       return;
     }
     if (const int rc = header().Validate(&shape_); rc != kOk) {
-      Report("the header is unusable (" + std::to_string(rc) + ")");
+      Report("der Kopf ist unbrauchbar (" + std::to_string(rc) + ")");
       return;
     }
     if (const uint32_t root = header().root(); root != 0) {
@@ -47,32 +47,32 @@ class TreeChecker {
   void Report(std::string problem) {
     if (!Full()) problems_.push_back(std::move(problem));
   }
-  static std::string NodeName(uint32_t node) { return "node " + std::to_string(node); }
+  static std::string NodeName(uint32_t node) { return "Knoten " + std::to_string(node); }
 
   // In-order walk: node counts, leaf depth and the order of all pairs.
   void CheckSubtree(uint32_t node, int depth) {
     if (Full()) return;
     if (depth >= kMaxTreeHeight) {
-      Report("the tree is deeper than " + std::to_string(kMaxTreeHeight) + " levels");
+      Report("der Baum ist tiefer als " + std::to_string(kMaxTreeHeight) + " Ebenen");
       return;
     }
     if (!header().IsNodeNumber(node)) {
-      Report(NodeName(node) + " is linked into the tree but not allocated");
+      Report(NodeName(node) + " ist im Baum verknüpft, aber nicht belegt");
       return;
     }
     if (!tree_nodes_.insert(node).second) {
-      Report(NodeName(node) + " is linked into the tree more than once");
+      Report(NodeName(node) + " ist mehrfach im Baum verknüpft");
       return;
     }
     int slot = 0;
     if (const int rc = pins_.Read(node, &slot); rc != kOk) {
-      Report(NodeName(node) + " cannot be read (" + std::to_string(rc) + ")");
+      Report(NodeName(node) + " ist nicht lesbar (" + std::to_string(rc) + ")");
       return;
     }
     const Node n(pins_.data(slot), shape_);
     const int count = n.count();
     if (count > shape_.max_entries || count < 1) {
-      Report(NodeName(node) + " holds " + std::to_string(count) + " entries (allowed 1.." +
+      Report(NodeName(node) + " enthält " + std::to_string(count) + " Einträge (erlaubt 1.." +
              std::to_string(shape_.max_entries) + ")");
       pins_.ReleaseLast();
       return;
@@ -81,14 +81,14 @@ class TreeChecker {
     if (leaf) {
       if (leaf_depth_ < 0) leaf_depth_ = depth;
       if (leaf_depth_ != depth) {
-        Report(NodeName(node) + " is a leaf at depth " + std::to_string(depth) +
-               ", other leaves are at depth " + std::to_string(leaf_depth_));
+        Report(NodeName(node) + " ist ein Blatt in Tiefe " + std::to_string(depth) +
+               ", andere Blätter liegen in Tiefe " + std::to_string(leaf_depth_));
       }
     }
     for (int i = 0; i <= count && !Full(); ++i) {
       const uint32_t child = n.child(i);
       if ((child == 0) != leaf) {
-        Report(NodeName(node) + " mixes empty and non-empty child links");
+        Report(NodeName(node) + " mischt leere und belegte Verweise auf Kinder");
       } else if (child != 0) {
         CheckSubtree(child, depth + 1);
       }
@@ -100,7 +100,8 @@ class TreeChecker {
   void CheckOrder(const Node& n, int i, uint32_t node) {
     if (have_previous_ && ComparePairs(previous_.key(), previous_.position(), n.key(i),
                                        n.position(i), shape_.key_length) >= 0) {
-      Report(NodeName(node) + " entry " + std::to_string(i) + " is out of key order");
+      Report(NodeName(node) + ", Eintrag " + std::to_string(i) +
+             " steht außerhalb der Schlüsselfolge");
     }
     previous_ = n.LoadEntry(i);
     have_previous_ = true;
@@ -119,22 +120,22 @@ class TreeChecker {
     std::unordered_set<uint32_t> free_nodes;
     for (uint32_t node = header().free_head(); node != 0 && !Full();) {
       if (node > highest) {
-        Report("the free list leads to " + NodeName(node) + " beyond the highest node " +
+        Report("die Freiliste führt zu " + NodeName(node) + " jenseits des höchsten Knotens " +
                std::to_string(highest));
         break;
       }
       if (!free_nodes.insert(node).second) {
-        Report("the free list runs in a circle at " + NodeName(node));
+        Report("die Freiliste läuft im Kreis bei " + NodeName(node));
         break;
       }
-      if (tree_nodes_.count(node) != 0) Report(NodeName(node) + " is free but in the tree");
+      if (tree_nodes_.count(node) != 0) Report(NodeName(node) + " ist frei, aber im Baum");
       int slot = 0;
       if (const int rc = pins_.Read(node, &slot); rc != kOk) {
-        Report("free " + NodeName(node) + " cannot be read (" + std::to_string(rc) + ")");
+        Report("freier " + NodeName(node) + " ist nicht lesbar (" + std::to_string(rc) + ")");
         break;
       }
       const uint8_t* data = pins_.data(slot);
-      if (LoadLe<uint16_t>(data) != 0) Report("free " + NodeName(node) + " has entries");
+      if (LoadLe<uint16_t>(data) != 0) Report("freier " + NodeName(node) + " enthält Einträge");
       node = LoadLe<uint32_t>(data + offsetof(KeyNodeHeadV3, leftmost_child));
       pins_.ReleaseLast();
     }
@@ -143,8 +144,8 @@ class TreeChecker {
     // counter cannot make this loop run for billions of steps.
     const uint64_t accounted = tree_nodes_.size() + free_nodes.size();
     if (accounted < highest) {
-      Report(std::to_string(highest - accounted) + " of " + std::to_string(highest) +
-             " nodes are neither in the tree nor free");
+      Report(std::to_string(highest - accounted) + " von " + std::to_string(highest) +
+             " Knoten sind weder im Baum noch frei");
     }
   }
 
@@ -152,7 +153,8 @@ class TreeChecker {
     for (uint32_t node = 1; node <= Format::kMaxNode && !Full(); ++node) {
       const bool in_use = header().NodeInUse(node);
       const bool in_tree = tree_nodes_.count(node) != 0;
-      if (in_use && !in_tree) Report(NodeName(node) + " is marked in use but not in the tree");
+      if (in_use && !in_tree)
+        Report(NodeName(node) + " ist als belegt markiert, aber nicht im Baum");
     }
     // Tree nodes whose bit is clear were reported during the walk.
   }
@@ -177,7 +179,7 @@ std::vector<std::string> CheckKeyFile(int registration) {
     BlockPins pins(*cache, KeyFileV3::kFatalCaption, KeyFileV3::kStepPrefix);
     int slot = 0;
     if (const int rc = pins.Read(0, &slot); rc != kOk) {
-      problems.push_back("the header cannot be read (" + std::to_string(rc) + ")");
+      problems.push_back("der Kopf ist nicht lesbar (" + std::to_string(rc) + ")");
       return problems;
     }
     version = pins.data(slot)[0];
@@ -187,7 +189,7 @@ std::vector<std::string> CheckKeyFile(int registration) {
   } else if (version == KeyFileV2::kVersion) {
     TreeChecker<KeyFileV2>(*cache, problems).Run();
   } else {
-    problems.push_back("unknown key file version " + std::to_string(version));
+    problems.push_back("unbekannte Version der Schlüsseldatei " + std::to_string(version));
   }
   return problems;
 }

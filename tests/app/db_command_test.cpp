@@ -60,8 +60,8 @@ TEST(DbCommand, ShellMadeDatabaseIsDescribedByInfoDumpKeysAndCheck) {
   ASSERT_EQ(shell.out, "ok\nok\nok\n") << shell.err;
   ExpectKorvan(
       {"db", "check", base}, 1,
-      {base + "0: block at 138: free block of 51 bytes has 0 free-space keys\n",
-       base + "0: free-space key at 189 names no free block\n",
+      {base + "0: Block an Position 138: freier Block von 51 Bytes hat 0 Freiraum-Schlüssel\n",
+       base + "0: Freiraum-Schlüssel bei 189 nennt keinen freien Block\n",
        base + "1: Schlüssel Xlost" + Pads(15) + " zeigt auf 138, wo kein Datensatz beginnt\n"});
 }
 
