@@ -1,18 +1,38 @@
 // The kernel against SQLite on a table-like workload: records of 200 bytes with two keys
 // each (a unique id and a name), inserted, looked up by id and read, walked in name
-// order, updated and deleted. Durability is equal on both sides: every insert, update
-// and delete is on disk when it returns (the kernel's data file is written with O_DSYNC;
-// SQLite runs in WAL mode with synchronous=FULL and one transaction per statement).
-// Reads run on warm caches of equal size.
+// order, updated and deleted.
 //
-// KORVAN_BENCH_RECORDS (default 100000) sets the table size, KORVAN_BENCH_CHANGES
-// (default 10000) the number of durable updates and deletes, KORVAN_BENCH_CACHE_BLOCKS
-// (default 1000) the cache of both engines in 2 KB units, KORVAN_BENCH_DIR the
-// directory the files go to (default /tmp). After the Google Benchmark table the
-// program prints microseconds per operation of both engines and their ratio.
-#include <benchmark/benchmark.h>
+// Like is compared with like:
+//   durability  Every insert, update and delete is on disk when it returns. The kernel
+//               writes its data file with O_DSYNC; its key file is written back unsynced
+//               after every change and, when a process is killed before the key file is
+//               closed, rebuilt from the data file at the next open, so the keys of every
+//               acknowledged record come back. The variant "kernel+keys" also syncs the
+//               key file after each change that touched keys (iDK_DbFlush), as SQLite
+//               syncs row and index together. SQLite runs with synchronous=FULL in the
+//               journal mode KORVAN_BENCH_JOURNAL (default WAL: one sync per commit, the
+//               mode SQLite recommends when readers and a writer share a file), one
+//               transaction per statement.
+//   locking     Both engines lock per operation. The kernel's database is of a shared
+//               type, registered in its lock file, and every key or record change holds
+//               the key file's tree lock (fcntl, change stamp read, fcntl); SQLite runs in
+//               its normal locking mode (fcntl locks per transaction).
+//   caches      Equal memory: KORVAN_BENCH_CACHE_BLOCKS 2 KB blocks for the kernel's key
+//               file, the same for SQLite's page cache. Reads run on warm caches.
+//   drift       The disk's sync latency drifts, so every phase runs in rounds of
+//               alternating batches (kernel, kernel+keys, SQLite, kernel, …) and the table
+//               gives medians and the spread (lowest–highest) over the rounds.
+//
+// Environment: KORVAN_BENCH_RECORDS (default 50000), KORVAN_BENCH_CHANGES (default 10000
+// durable updates and as many deletes), KORVAN_BENCH_ROUNDS (default 7),
+// KORVAN_BENCH_CACHE_BLOCKS (default 1000), KORVAN_BENCH_DIR (default /tmp),
+// KORVAN_BENCH_JOURNAL (default WAL), KORVAN_BENCH_KEY_SYNC=0 leaves out "kernel+keys",
+// KORVAN_BENCH_ENGINES (e.g. "sqlite": only the engines named) and KORVAN_BENCH_LAST_PHASE
+// (insert, lookup, walk, update or delete: the phases after it are skipped) for counting
+// system calls per phase with strace.
 #include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -21,6 +41,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <numeric>
@@ -30,6 +51,7 @@
 #include <vector>
 
 #include "storage/db_kernel.h"
+#include "storage/db_kernel_locks.h"
 #include "storage/kernel_settings.h"
 
 namespace {
@@ -42,14 +64,23 @@ constexpr int kKeyLength = 40;
 constexpr int kNameLength = 16;
 // What follows id and name in the kernel's record; SQLite stores the same bytes as a blob.
 constexpr int kPayloadSize = kRecordSize - kRecordHeaderSize - 4 - kNameLength;
-constexpr int kSyncWriteSamples = 2000;
+constexpr int kSyncWritesPerRound = 200;
+constexpr char kTableType = 'T';
+constexpr uint32_t kBenchUser = 4711;
 
 int EnvCount(const char* name, int fallback) {
   const char* value = std::getenv(name);
   return value != nullptr && std::atoi(value) > 0 ? std::atoi(value) : fallback;
 }
+std::string EnvText(const char* name, const char* fallback) {
+  const char* value = std::getenv(name);
+  return value != nullptr && *value != '\0' ? value : fallback;
+}
 int Records() {
-  return EnvCount("KORVAN_BENCH_RECORDS", 100000);
+  return EnvCount("KORVAN_BENCH_RECORDS", 50000);
+}
+int Rounds() {
+  return EnvCount("KORVAN_BENCH_ROUNDS", 7);
 }
 // Key-file cache blocks of 2048 bytes; SQLite gets the same memory. The default, 1000
 // blocks, matches SQLite's default cache of 2 MB.
@@ -62,12 +93,24 @@ int Changes() {
 
 const std::string& BenchDirectory() {
   static const std::string directory = [] {
-    const char* root = std::getenv("KORVAN_BENCH_DIR");
-    std::string pattern = std::string(root ? root : "/tmp") + "/korvan-table-bench-XXXXXX";
+    std::string pattern = EnvText("KORVAN_BENCH_DIR", "/tmp") + "/korvan-table-bench-XXXXXX";
     if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no bench directory");
     return pattern;
   }();
   return directory;
+}
+
+std::string FileSystemOf(const std::string& path) {
+  struct statfs info {};
+  if (statfs(path.c_str(), &info) != 0) return "unknown";
+  switch (static_cast<unsigned long>(info.f_type)) {
+    case 0xEF53: return "ext4";
+    case 0x01021994: return "tmpfs";
+    case 0x58465342: return "xfs";
+    case 0x9123683E: return "btrfs";
+    case 0x794C7630: return "overlayfs";
+    default: return "other";
+  }
 }
 
 // The name of record `id`: letters spread by a multiplicative hash, so that name order
@@ -81,39 +124,59 @@ std::string NameOf(int id) {
 }
 
 std::vector<uint8_t> Payload(int id, uint8_t generation) {
-  std::vector<uint8_t> payload(kPayloadSize, static_cast<uint8_t>(id + generation));
-  return payload;
+  return std::vector<uint8_t>(kPayloadSize, static_cast<uint8_t>(id + generation));
 }
 
-// Ids in a fixed random order, the same for both engines.
-std::vector<int> ShuffledIds() {
-  std::vector<int> ids(static_cast<size_t>(Records()));
-  std::iota(ids.begin(), ids.end(), 0);
-  std::shuffle(ids.begin(), ids.end(), std::mt19937(20240501));
+// Ids in a fixed random order, the same for every engine.
+const std::vector<int>& ShuffledIds() {
+  static const std::vector<int> ids = [] {
+    std::vector<int> shuffled(static_cast<size_t>(Records()));
+    std::iota(shuffled.begin(), shuffled.end(), 0);
+    std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(20240501));
+    return shuffled;
+  }();
   return ids;
 }
 
-// The table on the kernel: one database, keys "P<id>" and "S<name>".
-class KernelTable {
+class Table {
  public:
-  KernelTable() {
+  virtual ~Table() = default;
+  virtual void Insert(int id) = 0;
+  // Looks the record up by its id and reads it; returns its last byte.
+  virtual uint8_t Lookup(int id, std::vector<uint8_t>* record) = 0;
+  // Every record in name order; returns how many.
+  virtual int Walk() = 0;
+  virtual void Update(int id) = 0;
+  virtual void Delete(int id) = 0;
+};
+
+// The table on the kernel: one shared database, keys "P<id>" and "S<name>".
+class KernelTable : public Table {
+ public:
+  KernelTable(const std::string& name, bool sync_keys) : sync_keys_(sync_keys) {
     KernelSettings settings = CurrentKernelSettings();
     settings.db_cache_size = CacheBlocks();
     ApplyKernelSettings(settings);
-    Check(iDK_DbCreate('T', BenchDirectory() + "/kernel", kKeyLength, &handle_), "create");
+    iDK_SetTypeShareable(kTableType, true);
+    Check(iDK_DbCreate(kTableType, BenchDirectory() + "/" + name, kKeyLength, &handle_), "create");
+    int task = 0;
+    Check(iDK_DbLock(handle_, kBenchUser, false, &task), "register in the lock file");
   }
-  ~KernelTable() { iDK_DbClose(handle_); }
+  ~KernelTable() override {
+    iDK_DbUnlock(handle_);
+    iDK_DbClose(handle_);
+  }
 
-  void Insert(int id) {
+  void Insert(int id) override {
     std::vector<uint8_t> record = Record(id, 0);
     int32_t position = 0;
     Check(iDK_RecordInsert(handle_, record.data(), kRecordSize, true, &position), "insert");
     Check(iDK_KeyInsert(handle_, IdKey(id, position)), "id key");
     Check(iDK_KeyInsert(handle_, NameKey(NameOf(id), position)), "name key");
+    SyncKeys();
   }
 
-  // Looks the record up by its id and reads it; returns its first payload byte.
-  uint8_t Lookup(int id, std::vector<uint8_t>* record) {
+  uint8_t Lookup(int id, std::vector<uint8_t>* record) override {
     const int32_t position = Find(id);
     record->resize(kRecordSize);
     int32_t length = kRecordSize;
@@ -121,8 +184,7 @@ class KernelTable {
     return (*record)[kRecordSize - 1];
   }
 
-  // Every record in name order; returns how many.
-  int Walk() {
+  int Walk() override {
     KeyEntry entry = Pattern("S");
     uint32_t position = 0;
     std::vector<uint8_t> record(kRecordSize);
@@ -136,7 +198,8 @@ class KernelTable {
     return count;
   }
 
-  void Update(int id) {
+  // Keys do not change, so there is nothing for "kernel+keys" to sync.
+  void Update(int id) override {
     const int32_t position = Find(id);
     std::vector<uint8_t> record(kRecordSize);
     int32_t length = kRecordSize;
@@ -146,18 +209,22 @@ class KernelTable {
     Check(iDK_RecordUpdate(handle_, record.data(), kRecordSize, position, kRecordSize), "update");
   }
 
-  void Delete(int id) {
+  void Delete(int id) override {
     const int32_t position = Find(id);
     TDbRecordHeader header{};
     Check(iDK_RecordDelete(handle_, &header, position), "delete");
     Check(iDK_KeyDelete(handle_, IdKey(id, position)), "delete id key");
     Check(iDK_KeyDelete(handle_, NameKey(NameOf(id), position)), "delete name key");
+    SyncKeys();
   }
 
  private:
   static void Check(int result, const char* what) {
     if (result != 0)
       throw std::runtime_error(std::string("kernel ") + what + ": " + std::to_string(result));
+  }
+  void SyncKeys() {
+    if (sync_keys_) Check(iDK_DbFlush(handle_), "flush");
   }
   static KeyEntry Pattern(const std::string& text) {
     KeyEntry entry;
@@ -199,17 +266,19 @@ class KernelTable {
     return static_cast<int32_t>(position);
   }
 
+  bool sync_keys_;
   int handle_ = 0;
 };
 
 // The same table in SQLite: the id as rowid, an index on the name.
-class SqliteTable {
+class SqliteTable : public Table {
  public:
   SqliteTable() {
     const std::string path = BenchDirectory() + "/sqlite.db";
     if (sqlite3_open(path.c_str(), &db_) != SQLITE_OK) Fail("open");
-    Exec("PRAGMA journal_mode=WAL");
+    Exec("PRAGMA journal_mode=" + EnvText("KORVAN_BENCH_JOURNAL", "WAL"));
     Exec("PRAGMA synchronous=FULL");
+    Exec("PRAGMA locking_mode=NORMAL");
     Exec("PRAGMA cache_size=-" + std::to_string(CacheBlocks() * 2));
     Exec("CREATE TABLE t(id INTEGER PRIMARY KEY, name TEXT NOT NULL, payload BLOB NOT NULL)");
     Exec("CREATE INDEX t_name ON t(name)");
@@ -219,14 +288,14 @@ class SqliteTable {
     update_ = Prepare("UPDATE t SET payload = ? WHERE id = ?");
     delete_ = Prepare("DELETE FROM t WHERE id = ?");
   }
-  ~SqliteTable() {
+  ~SqliteTable() override {
     for (sqlite3_stmt* statement : {insert_, lookup_, walk_, update_, delete_}) {
       sqlite3_finalize(statement);
     }
     sqlite3_close(db_);
   }
 
-  void Insert(int id) {
+  void Insert(int id) override {
     const std::string name = NameOf(id);
     const std::vector<uint8_t> payload = Payload(id, 0);
     sqlite3_bind_int(insert_, 1, id);
@@ -235,7 +304,7 @@ class SqliteTable {
     Done(insert_, "insert");
   }
 
-  uint8_t Lookup(int id, std::vector<uint8_t>* record) {
+  uint8_t Lookup(int id, std::vector<uint8_t>* record) override {
     sqlite3_bind_int(lookup_, 1, id);
     if (sqlite3_step(lookup_) != SQLITE_ROW) Fail("lookup");
     CopyRow(lookup_, 0, record);
@@ -243,7 +312,7 @@ class SqliteTable {
     return record->back();
   }
 
-  int Walk() {
+  int Walk() override {
     std::vector<uint8_t> record;
     int count = 0;
     while (sqlite3_step(walk_) == SQLITE_ROW) {
@@ -254,14 +323,14 @@ class SqliteTable {
     return count;
   }
 
-  void Update(int id) {
+  void Update(int id) override {
     const std::vector<uint8_t> payload = Payload(id, 1);
     sqlite3_bind_blob(update_, 1, payload.data(), kPayloadSize, SQLITE_STATIC);
     sqlite3_bind_int(update_, 2, id);
     Done(update_, "update");
   }
 
-  void Delete(int id) {
+  void Delete(int id) override {
     sqlite3_bind_int(delete_, 1, id);
     Done(delete_, "delete");
   }
@@ -298,146 +367,195 @@ class SqliteTable {
   sqlite3_stmt* delete_ = nullptr;
 };
 
-// Both tables live from their first phase to the end of the program.
-template <class Table>
-Table& TheTable() {
-  static Table table;
-  return table;
-}
+struct Engine {
+  std::string name;
+  std::unique_ptr<Table> table;
+};
 
-// Microseconds per operation of every phase, by "<phase>/<engine>".
-std::map<std::string, double>& Figures() {
-  static std::map<std::string, double> figures;
-  return figures;
-}
-
-template <class Work>
-void TimePhase(benchmark::State& state, const std::string& name, int operations, Work work) {
-  for (auto _ : state) {
-    const auto start = Clock::now();
-    work();
-    const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    state.SetIterationTime(seconds);
-    state.counters["us_per_op"] = seconds * 1e6 / operations;
-    Figures()[name] = seconds * 1e6 / operations;
+bool Wanted(const std::string& engine) {
+  const std::string wanted = EnvText("KORVAN_BENCH_ENGINES", "kernel,kernel+keys,sqlite");
+  size_t start = 0;
+  while (start <= wanted.size()) {
+    const size_t end = std::min(wanted.find(',', start), wanted.size());
+    if (wanted.compare(start, end - start, engine) == 0) return true;
+    start = end + 1;
   }
-  state.SetItemsProcessed(operations);
+  return false;
 }
 
-template <class Table>
-void BM_Insert(benchmark::State& state, const char* engine) {
-  const int records = Records();
-  TimePhase(state, std::string("durable insert/") + engine, records, [&] {
-    for (int id = 0; id < records; ++id) TheTable<Table>().Insert(id);
-  });
+std::vector<Engine> MakeEngines() {
+  std::vector<Engine> engines;
+  if (Wanted("kernel")) engines.push_back({"kernel", std::make_unique<KernelTable>("kernel", false)});
+  if (Wanted("kernel+keys") && EnvText("KORVAN_BENCH_KEY_SYNC", "1") != "0") {
+    engines.push_back({"kernel+keys", std::make_unique<KernelTable>("keys", true)});
+  }
+  if (Wanted("sqlite")) engines.push_back({"sqlite", std::make_unique<SqliteTable>()});
+  return engines;
 }
 
-template <class Table>
-void BM_Lookup(benchmark::State& state, const char* engine) {
-  const std::vector<int> ids = ShuffledIds();
-  std::vector<uint8_t> record;
-  for (int id : ids) TheTable<Table>().Lookup(id, &record);  // warms the caches
-  TimePhase(state, std::string("lookup by key + read/") + engine, static_cast<int>(ids.size()),
-            [&] {
-              for (int id : ids) benchmark::DoNotOptimize(TheTable<Table>().Lookup(id, &record));
-            });
-}
+// Microseconds per operation, by phase, engine and round.
+using Samples = std::map<std::string, std::map<std::string, std::vector<double>>>;
 
-template <class Table>
-void BM_Walk(benchmark::State& state, const char* engine) {
-  TimePhase(state, std::string("in-order walk (per record)/") + engine, Records(), [&] {
-    if (TheTable<Table>().Walk() != Records()) state.SkipWithError("walk missed records");
-  });
-}
+// One batch of a phase on one table; returns how many operations it made.
+using Batch = std::function<int(Table&, int round)>;
 
-template <class Table>
-void BM_Update(benchmark::State& state, const char* engine) {
-  const std::vector<int> ids = ShuffledIds();
-  TimePhase(state, std::string("durable update/") + engine, Changes(), [&] {
-    for (int i = 0; i < Changes(); ++i) TheTable<Table>().Update(ids[static_cast<size_t>(i)]);
-  });
-}
-
-template <class Table>
-void BM_Delete(benchmark::State& state, const char* engine) {
-  const std::vector<int> ids = ShuffledIds();
-  TimePhase(state, std::string("durable delete/") + engine, Changes(), [&] {
-    for (int i = 0; i < Changes(); ++i) {
-      TheTable<Table>().Delete(ids[ids.size() - 1 - static_cast<size_t>(i)]);
+void RunPhase(const std::string& phase, std::vector<Engine>& engines, const Batch& batch,
+              Samples* samples) {
+  for (int round = 0; round < Rounds(); ++round) {
+    for (Engine& engine : engines) {
+      const auto start = Clock::now();
+      const int operations = batch(*engine.table, round);
+      const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+      (*samples)[phase][engine.name].push_back(seconds * 1e6 / std::max(operations, 1));
     }
-  });
+  }
 }
 
-// What one write that returns only when its bytes are on disk costs on this machine.
-void BM_SyncWrite(benchmark::State& state, bool append) {
-  const std::string path = BenchDirectory() + (append ? "/append" : "/overwrite");
+// The ids of round `round` when `count` ids are spread over the rounds.
+std::pair<int, int> RoundSlice(int count, int round) {
+  return {count * round / Rounds(), count * (round + 1) / Rounds()};
+}
+
+// What one write that returns only when its bytes are on disk costs here, in rounds.
+void MeasureSyncWrite(Samples* samples) {
+  const std::string path = BenchDirectory() + "/sync-write";
   const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_DSYNC, 0644);
   std::vector<char> bytes(kRecordSize, 'x');
-  if (!append) {
-    for (int i = 0; i < kSyncWriteSamples; ++i) {
+  for (int round = 0; round < Rounds(); ++round) {
+    const auto start = Clock::now();
+    for (int i = 0; i < kSyncWritesPerRound; ++i) {
       if (pwrite(fd, bytes.data(), bytes.size(), off_t{i} * kRecordSize) < 0) break;
     }
+    const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    (*samples)["O_DSYNC write of 200 bytes"]["-"].push_back(seconds * 1e6 / kSyncWritesPerRound);
   }
-  TimePhase(state, append ? "O_DSYNC write, append/" : "O_DSYNC write, in place/",
-            kSyncWriteSamples, [&] {
-              for (int i = 0; i < kSyncWriteSamples; ++i) {
-                if (pwrite(fd, bytes.data(), bytes.size(), off_t{i} * kRecordSize) < 0) {
-                  state.SkipWithError("write failed");
-                  return;
-                }
-              }
-            });
   close(fd);
 }
 
-void RegisterPhases() {
-  const auto once = [](benchmark::internal::Benchmark* b) {
-    b->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+// Runs the phases in order up to KORVAN_BENCH_LAST_PHASE.
+void RunPhases(std::vector<Engine>& engines, Samples* samples) {
+  const std::string last = EnvText("KORVAN_BENCH_LAST_PHASE", "delete");
+  const std::vector<int>& ids = ShuffledIds();
+  std::vector<uint8_t> record;
+  const auto run = [&](const std::string& phase, const Batch& batch) {
+    RunPhase(phase, engines, batch, samples);
+    return phase.substr(0, phase.find(' ')) != last;
   };
-  once(benchmark::RegisterBenchmark("SyncWrite/append", BM_SyncWrite, true));
-  once(benchmark::RegisterBenchmark("SyncWrite/in_place", BM_SyncWrite, false));
-  once(benchmark::RegisterBenchmark("Insert/kernel", BM_Insert<KernelTable>, "kernel"));
-  once(benchmark::RegisterBenchmark("Insert/sqlite", BM_Insert<SqliteTable>, "sqlite"));
-  once(benchmark::RegisterBenchmark("Lookup/kernel", BM_Lookup<KernelTable>, "kernel"));
-  once(benchmark::RegisterBenchmark("Lookup/sqlite", BM_Lookup<SqliteTable>, "sqlite"));
-  once(benchmark::RegisterBenchmark("Walk/kernel", BM_Walk<KernelTable>, "kernel"));
-  once(benchmark::RegisterBenchmark("Walk/sqlite", BM_Walk<SqliteTable>, "sqlite"));
-  once(benchmark::RegisterBenchmark("Update/kernel", BM_Update<KernelTable>, "kernel"));
-  once(benchmark::RegisterBenchmark("Update/sqlite", BM_Update<SqliteTable>, "sqlite"));
-  once(benchmark::RegisterBenchmark("Delete/kernel", BM_Delete<KernelTable>, "kernel"));
-  once(benchmark::RegisterBenchmark("Delete/sqlite", BM_Delete<SqliteTable>, "sqlite"));
+  if (!run("insert", [&](Table& table, int round) {
+        const auto [from, to] = RoundSlice(Records(), round);
+        for (int id = from; id < to; ++id) table.Insert(id);
+        return to - from;
+      })) {
+    return;
+  }
+  for (Engine& engine : engines) {
+    for (int id : ids) engine.table->Lookup(id, &record);  // warms the caches
+  }
+  volatile uint8_t sink = 0;
+  if (!run("lookup + read", [&](Table& table, int) {
+        for (int id : ids) sink = sink + table.Lookup(id, &record);
+        return static_cast<int>(ids.size());
+      })) {
+    return;
+  }
+  if (!run("walk in order", [&](Table& table, int) {
+        const int walked = table.Walk();
+        if (walked != Records()) throw std::runtime_error("walk missed records");
+        return walked;
+      })) {
+    return;
+  }
+  if (!run("update", [&](Table& table, int round) {
+        const auto [from, to] = RoundSlice(Changes(), round);
+        for (int i = from; i < to; ++i) table.Update(ids[static_cast<size_t>(i)]);
+        return to - from;
+      })) {
+    return;
+  }
+  run("delete", [&](Table& table, int round) {
+    const auto [from, to] = RoundSlice(Changes(), round);
+    for (int i = from; i < to; ++i) table.Delete(ids[ids.size() - 1 - static_cast<size_t>(i)]);
+    return to - from;
+  });
 }
 
-void PrintComparison() {
-  std::printf("\n%-30s %12s %12s %16s\n", "phase (us per operation)", "kernel", "sqlite",
-              "sqlite / kernel");
-  for (const char* phase : {"durable insert", "lookup by key + read", "in-order walk (per record)",
-                            "durable update", "durable delete"}) {
-    const auto kernel = Figures().find(std::string(phase) + "/kernel");
-    const auto sqlite = Figures().find(std::string(phase) + "/sqlite");
-    if (kernel == Figures().end() || sqlite == Figures().end()) continue;
-    std::printf("%-30s %12.2f %12.2f %16.2f\n", phase, kernel->second, sqlite->second,
-                sqlite->second / kernel->second);
+double Median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  const size_t middle = values.size() / 2;
+  return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+std::string Spread(const std::vector<double>& values) {
+  const auto [low, high] = std::minmax_element(values.begin(), values.end());
+  char text[64];
+  std::snprintf(text, sizeof text, "%.3g–%.3g", *low, *high);
+  return text;
+}
+
+// Per phase: median and spread of every engine, and SQLite's time over each kernel
+// variant's (above 1: the kernel is faster), as the median of the rounds' ratios with
+// their spread.
+void PrintTable(const Samples& samples, const std::vector<Engine>& engines) {
+  std::printf("\n%-28s", "phase (us per operation)");
+  for (const Engine& engine : engines) std::printf(" %24s", engine.name.c_str());
+  for (const Engine& engine : engines) {
+    if (engine.name != "sqlite") std::printf(" %22s", ("sqlite/" + engine.name).c_str());
   }
-  for (const char* write : {"O_DSYNC write, append/", "O_DSYNC write, in place/"}) {
-    if (const auto figure = Figures().find(write); figure != Figures().end()) {
-      std::printf("%-30s %12.2f\n", std::string(write).substr(0, std::strlen(write) - 1).c_str(),
-                  figure->second);
+  std::printf("\n");
+  for (const auto& [phase, by_engine] : samples) {
+    if (!by_engine.contains("-")) continue;
+    std::printf("%-28s %12.1f (%s)\n", phase.c_str(), Median(by_engine.at("-")),
+                Spread(by_engine.at("-")).c_str());
+  }
+  for (const char* phase : {"insert", "lookup + read", "walk in order", "update", "delete"}) {
+    const auto found = samples.find(phase);
+    if (found == samples.end()) continue;
+    const auto& by_engine = found->second;
+    std::printf("%-28s", phase);
+    for (const Engine& engine : engines) {
+      const std::vector<double>& values = by_engine.at(engine.name);
+      char cell[64];
+      std::snprintf(cell, sizeof cell, "%.2f (%s)", Median(values), Spread(values).c_str());
+      std::printf(" %24s", cell);
     }
+    for (const Engine& engine : engines) {
+      if (engine.name == "sqlite" || !by_engine.contains("sqlite")) continue;
+      std::vector<double> ratios;
+      for (size_t round = 0; round < by_engine.at("sqlite").size(); ++round) {
+        ratios.push_back(by_engine.at("sqlite")[round] / by_engine.at(engine.name)[round]);
+      }
+      char cell[64];
+      std::snprintf(cell, sizeof cell, "%.2f (%s)", Median(ratios), Spread(ratios).c_str());
+      std::printf(" %22s", cell);
+    }
+    std::printf("\n");
   }
-  std::printf("records %d, durable updates and deletes %d each, cache %d KB per engine\n",
-              Records(), Changes(), CacheBlocks() * 2);
+  double load[3] = {};
+  getloadavg(load, 3);
+  std::printf(
+      "records %d, updates and deletes %d each, %d rounds, cache %d KB per engine, files on %s "
+      "(%s), SQLite journal mode %s, load %.2f %.2f %.2f\n",
+      Records(), Changes(), Rounds(), CacheBlocks() * 2, BenchDirectory().c_str(),
+      FileSystemOf(BenchDirectory()).c_str(), EnvText("KORVAN_BENCH_JOURNAL", "WAL").c_str(),
+      load[0], load[1], load[2]);
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  RegisterPhases();
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  PrintComparison();
+int main() {
+  Samples samples;
+  std::vector<Engine> engines;
+  try {
+    MeasureSyncWrite(&samples);
+    engines = MakeEngines();
+    RunPhases(engines, &samples);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "db_table_bench: %s\n", error.what());
+    std::filesystem::remove_all(BenchDirectory());
+    return 1;
+  }
+  PrintTable(samples, engines);
+  engines.clear();
   std::filesystem::remove_all(BenchDirectory());
   return 0;
 }
