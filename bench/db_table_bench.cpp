@@ -13,10 +13,18 @@
 //               journal mode KORVAN_BENCH_JOURNAL (default WAL: one sync per commit, the
 //               mode SQLite recommends when readers and a writer share a file), one
 //               transaction per statement.
-//   locking     Both engines lock per operation. The kernel's database is of a shared
-//               type, registered in its lock file, and every key or record change holds
-//               the key file's tree lock (fcntl, change stamp read, fcntl); SQLite runs in
-//               its normal locking mode (fcntl locks per transaction).
+//   locking     The kernel's database is of a shared type, registered in its lock file;
+//               its tree lock costs an fcntl, a read of the change stamp and an fcntl.
+//               KORVAN_BENCH_LOCKING=operation (default): both engines lock once per
+//               table operation. The kernel holds the tree lock (iDK_TreeLock) over a
+//               record and its keys, over a lookup, over a walk; SQLite runs in its
+//               normal locking mode, one statement being one transaction with its locks.
+//               KORVAN_BENCH_LOCKING=call: as before, but every kernel call takes the
+//               tree lock on its own (an insert with two keys three times, a walk once
+//               per step), as a caller that holds nothing gets it.
+//               KORVAN_BENCH_LOCKING=batch: both hold one lock over each batch. The
+//               kernel holds the tree lock over the batch, SQLite runs in exclusive
+//               locking mode; every operation stays durable on its own.
 //   caches      Equal memory: KORVAN_BENCH_CACHE_BLOCKS 2 KB blocks for the kernel's key
 //               file, the same for SQLite's page cache. Reads run on warm caches.
 //   drift       The disk's sync latency drifts, so every phase runs in rounds of
@@ -104,12 +112,18 @@ std::string FileSystemOf(const std::string& path) {
   struct statfs info {};
   if (statfs(path.c_str(), &info) != 0) return "unknown";
   switch (static_cast<unsigned long>(info.f_type)) {
-    case 0xEF53: return "ext4";
-    case 0x01021994: return "tmpfs";
-    case 0x58465342: return "xfs";
-    case 0x9123683E: return "btrfs";
-    case 0x794C7630: return "overlayfs";
-    default: return "other";
+    case 0xEF53:
+      return "ext4";
+    case 0x01021994:
+      return "tmpfs";
+    case 0x58465342:
+      return "xfs";
+    case 0x9123683E:
+      return "btrfs";
+    case 0x794C7630:
+      return "overlayfs";
+    default:
+      return "other";
   }
 }
 
@@ -148,6 +162,34 @@ class Table {
   virtual int Walk() = 0;
   virtual void Update(int id) = 0;
   virtual void Delete(int id) = 0;
+  // One lock over the operations up to EndBatch, where the engine offers one.
+  virtual void BeginBatch(bool change) = 0;
+  virtual void EndBatch() = 0;
+};
+
+std::string Locking() {
+  return EnvText("KORVAN_BENCH_LOCKING", "operation");
+}
+bool BatchLocking() {
+  return Locking() == "batch";
+}
+
+// The tree lock over one table operation, when the benchmark locks per operation.
+class OperationHold {
+ public:
+  OperationHold(int handle, bool change) : handle_(Locking() == "operation" ? handle : 0) {
+    if (handle_ != 0 && iDK_TreeLock(handle_, change) != 0) {
+      throw std::runtime_error("kernel tree lock");
+    }
+  }
+  ~OperationHold() {
+    if (handle_ != 0) iDK_TreeUnlock(handle_);
+  }
+  OperationHold(const OperationHold&) = delete;
+  OperationHold& operator=(const OperationHold&) = delete;
+
+ private:
+  int handle_;
 };
 
 // The table on the kernel: one shared database, keys "P<id>" and "S<name>".
@@ -169,14 +211,18 @@ class KernelTable : public Table {
 
   void Insert(int id) override {
     std::vector<uint8_t> record = Record(id, 0);
-    int32_t position = 0;
-    Check(iDK_RecordInsert(handle_, record.data(), kRecordSize, true, &position), "insert");
-    Check(iDK_KeyInsert(handle_, IdKey(id, position)), "id key");
-    Check(iDK_KeyInsert(handle_, NameKey(NameOf(id), position)), "name key");
+    {
+      OperationHold hold(handle_, true);
+      int32_t position = 0;
+      Check(iDK_RecordInsert(handle_, record.data(), kRecordSize, true, &position), "insert");
+      Check(iDK_KeyInsert(handle_, IdKey(id, position)), "id key");
+      Check(iDK_KeyInsert(handle_, NameKey(NameOf(id), position)), "name key");
+    }
     SyncKeys();
   }
 
   uint8_t Lookup(int id, std::vector<uint8_t>* record) override {
+    OperationHold hold(handle_, false);
     const int32_t position = Find(id);
     record->resize(kRecordSize);
     int32_t length = kRecordSize;
@@ -185,6 +231,7 @@ class KernelTable : public Table {
   }
 
   int Walk() override {
+    OperationHold hold(handle_, false);
     KeyEntry entry = Pattern("S");
     uint32_t position = 0;
     std::vector<uint8_t> record(kRecordSize);
@@ -200,6 +247,7 @@ class KernelTable : public Table {
 
   // Keys do not change, so there is nothing for "kernel+keys" to sync.
   void Update(int id) override {
+    OperationHold hold(handle_, true);
     const int32_t position = Find(id);
     std::vector<uint8_t> record(kRecordSize);
     int32_t length = kRecordSize;
@@ -210,12 +258,22 @@ class KernelTable : public Table {
   }
 
   void Delete(int id) override {
-    const int32_t position = Find(id);
-    TDbRecordHeader header{};
-    Check(iDK_RecordDelete(handle_, &header, position), "delete");
-    Check(iDK_KeyDelete(handle_, IdKey(id, position)), "delete id key");
-    Check(iDK_KeyDelete(handle_, NameKey(NameOf(id), position)), "delete name key");
+    {
+      OperationHold hold(handle_, true);
+      const int32_t position = Find(id);
+      TDbRecordHeader header{};
+      Check(iDK_RecordDelete(handle_, &header, position), "delete");
+      Check(iDK_KeyDelete(handle_, IdKey(id, position)), "delete id key");
+      Check(iDK_KeyDelete(handle_, NameKey(NameOf(id), position)), "delete name key");
+    }
     SyncKeys();
+  }
+
+  void BeginBatch(bool change) override {
+    if (BatchLocking()) Check(iDK_TreeLock(handle_, change), "tree lock");
+  }
+  void EndBatch() override {
+    if (BatchLocking()) Check(iDK_TreeUnlock(handle_), "tree unlock");
   }
 
  private:
@@ -278,7 +336,7 @@ class SqliteTable : public Table {
     if (sqlite3_open(path.c_str(), &db_) != SQLITE_OK) Fail("open");
     Exec("PRAGMA journal_mode=" + EnvText("KORVAN_BENCH_JOURNAL", "WAL"));
     Exec("PRAGMA synchronous=FULL");
-    Exec("PRAGMA locking_mode=NORMAL");
+    Exec(std::string("PRAGMA locking_mode=") + (BatchLocking() ? "EXCLUSIVE" : "NORMAL"));
     Exec("PRAGMA cache_size=-" + std::to_string(CacheBlocks() * 2));
     Exec("CREATE TABLE t(id INTEGER PRIMARY KEY, name TEXT NOT NULL, payload BLOB NOT NULL)");
     Exec("CREATE INDEX t_name ON t(name)");
@@ -335,6 +393,10 @@ class SqliteTable : public Table {
     Done(delete_, "delete");
   }
 
+  // In exclusive locking mode SQLite keeps its lock from the first statement on.
+  void BeginBatch(bool) override {}
+  void EndBatch() override {}
+
  private:
   // Name and payload into one buffer, as a caller of either engine gets its record.
   static void CopyRow(sqlite3_stmt* statement, int first_column, std::vector<uint8_t>* record) {
@@ -385,7 +447,8 @@ bool Wanted(const std::string& engine) {
 
 std::vector<Engine> MakeEngines() {
   std::vector<Engine> engines;
-  if (Wanted("kernel")) engines.push_back({"kernel", std::make_unique<KernelTable>("kernel", false)});
+  if (Wanted("kernel"))
+    engines.push_back({"kernel", std::make_unique<KernelTable>("kernel", false)});
   if (Wanted("kernel+keys") && EnvText("KORVAN_BENCH_KEY_SYNC", "1") != "0") {
     engines.push_back({"kernel+keys", std::make_unique<KernelTable>("keys", true)});
   }
@@ -401,10 +464,13 @@ using Batch = std::function<int(Table&, int round)>;
 
 void RunPhase(const std::string& phase, std::vector<Engine>& engines, const Batch& batch,
               Samples* samples) {
+  const bool change = phase != "lookup + read" && phase != "walk in order";
   for (int round = 0; round < Rounds(); ++round) {
     for (Engine& engine : engines) {
       const auto start = Clock::now();
+      engine.table->BeginBatch(change);
       const int operations = batch(*engine.table, round);
+      engine.table->EndBatch();
       const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
       (*samples)[phase][engine.name].push_back(seconds * 1e6 / std::max(operations, 1));
     }
@@ -534,10 +600,10 @@ void PrintTable(const Samples& samples, const std::vector<Engine>& engines) {
   getloadavg(load, 3);
   std::printf(
       "records %d, updates and deletes %d each, %d rounds, cache %d KB per engine, files on %s "
-      "(%s), SQLite journal mode %s, load %.2f %.2f %.2f\n",
+      "(%s), SQLite journal mode %s, locking per %s, load %.2f %.2f %.2f\n",
       Records(), Changes(), Rounds(), CacheBlocks() * 2, BenchDirectory().c_str(),
       FileSystemOf(BenchDirectory()).c_str(), EnvText("KORVAN_BENCH_JOURNAL", "WAL").c_str(),
-      load[0], load[1], load[2]);
+      Locking().c_str(), load[0], load[1], load[2]);
 }
 
 }  // namespace

@@ -54,6 +54,19 @@ int iDK_DbSetVersion(uint32_t version);
 int iDK_IsWritable(int handle, bool* writable);
 int iDK_DbType(int handle, char* db_type);
 
+// --- One lock over several operations -------------------------------------------
+
+// Holds the key file's tree lock over the operations that follow, until iDK_TreeUnlock:
+// shared (change false) for reads, exclusive for changes. The operations inside take no
+// lock of their own, so other processes wait until the unlock; key blocks changed inside
+// are written back when the outermost hold ends (a process killed meanwhile leaves a key
+// file that the next open rebuilds). Holds nest; a change inside a shared hold, or an
+// exclusive hold on a handle not open for writing, is refused with 4320.
+int iDK_TreeLock(int handle, bool change);
+// Ends the innermost hold: 0, or the result of writing back the changed key blocks;
+// 4320 when the handle holds nothing.
+int iDK_TreeUnlock(int handle);
+
 // --- Records ---------------------------------------------------------------------
 
 // Reads the record at a position into buffer. *length: in the buffer size, out the

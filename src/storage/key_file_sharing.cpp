@@ -160,6 +160,24 @@ int CheckAndRebuild(int handle, DbHandleSlot& slot) {
   return lock.Release();
 }
 
+// Leaves one level of a handle's tree lock; the outermost writes back what changed and
+// lets go.
+int LeaveTreeLevel(int handle, DbHandleSlot& slot) {
+  if (--slot.tree_lock_depth > 0) return kOk;
+  int result = kOk;
+  const FileCache* cache = BlockCache::Instance().Find(handle);
+  if (slot.tree_lock_exclusive && cache != nullptr && cache->DirtyBlocks() > 0) {
+    result = RaiseStamp(handle, slot);
+    if (result == kOk) result = WriteBack(handle);
+    // What could not be written back must not be read by this process as if it were
+    // the file's: the next lock reads the blocks anew.
+    if (result != kOk) slot.cached_change_stamp = kNoStamp;
+  }
+  slot.tree_lock_exclusive = false;
+  UnlockByte(slot.key_file, kTreeLockByte);
+  return result;
+}
+
 }  // namespace
 
 TreeLock::TreeLock(int handle, DbHandleSlot& slot, TreeAccess access)
@@ -201,19 +219,23 @@ TreeLock::~TreeLock() {
 int TreeLock::Release() {
   if (!held_) return kOk;
   held_ = false;
-  if (--slot_.tree_lock_depth > 0) return kOk;
-  int result = kOk;
-  const FileCache* cache = BlockCache::Instance().Find(handle_);
-  if (slot_.tree_lock_exclusive && cache != nullptr && cache->DirtyBlocks() > 0) {
-    result = RaiseStamp(handle_, slot_);
-    if (result == kOk) result = WriteBack(handle_);
-    // What could not be written back must not be read by this process as if it were
-    // the file's: the next lock reads the blocks anew.
-    if (result != kOk) slot_.cached_change_stamp = kNoStamp;
-  }
-  slot_.tree_lock_exclusive = false;
-  UnlockByte(slot_.key_file, kTreeLockByte);
-  return result;
+  return LeaveTreeLevel(handle_, slot_);
+}
+
+int HoldTreeLock(int handle, DbHandleSlot& slot, TreeAccess access) {
+  TreeLock lock(handle, slot, access);
+  if (lock.result() != kOk) return lock.result();
+  lock.Keep();
+  ++slot.tree_holds;
+  return kOk;
+}
+
+int EndTreeHold(int handle, DbHandleSlot& slot) {
+  if (slot.tree_holds == 0) return kDkIoError;
+  --slot.tree_holds;
+  // A version 2 key file is shared unguarded: its holds hold no lock.
+  if (!IsVersion3(slot)) return kOk;
+  return LeaveTreeLevel(handle, slot);
 }
 
 int BeginChange(int handle, DbHandleSlot& slot, TreeLock& lock) {

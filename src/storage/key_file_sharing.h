@@ -50,6 +50,9 @@ class TreeLock {
   int result() const { return result_; }
   // Writes the changed blocks back and lets go now; the result of the write-back.
   int Release();
+  // Leaves the lock held beyond this object, as one level of the handle's nesting;
+  // EndTreeHold lets go of it.
+  void Keep() { held_ = false; }
 
  private:
   int handle_;
@@ -57,6 +60,14 @@ class TreeLock {
   bool held_ = false;
   int result_ = 0;
 };
+
+// Holds the tree lock of a handle over several kernel operations (iDK_TreeLock): the
+// operations inside nest in the hold and take no lock of their own. 0, or 4320.
+int HoldTreeLock(int handle, DbHandleSlot& slot, TreeAccess access);
+// Ends the innermost hold; when it was the outermost level, the changed blocks are
+// written back and the lock is let go. 0, the write-back's result, or 4320 when the
+// handle holds nothing.
+int EndTreeHold(int handle, DbHandleSlot& slot);
 
 // Takes the tree lock (exclusive) and, before the first change of a handle open for
 // writing, records its writer bit durably. 0, or 4320.

@@ -239,5 +239,107 @@ TEST_F(KeyFileTwoWriters, InsertingAtOnceBothAreFoundByAllKeys) {
   ExpectAllFound(handle, found);
 }
 
+class KeyFileHeldTreeLock : public DbKernelTest {};
+
+TEST_F(KeyFileHeldTreeLock, AnotherProcessWaitsForTheUnlockAndThenSeesEveryChange) {
+  const std::string base = Base("held");
+  const int handle = Create("held", 'S', 24);
+  ASSERT_EQ(iDK_TreeLock(handle, true), 0);
+  Positions stored;
+  for (int32_t index = 0; index < 50; ++index) {
+    ASSERT_EQ(InsertNumbered(handle, index, &stored[index]), 0);
+  }
+  int channel[2];
+  ASSERT_EQ(pipe(channel), 0);
+  const pid_t reader = fork();
+  ASSERT_GE(reader, 0);
+  if (reader == 0) {
+    ForgetInheritedDatabases();
+    int own = 0;
+    if (iDK_DbOpen('S', base, false, true, &own) != 0) _exit(1);
+    int32_t found = 0;
+    for (int32_t index = 0; index < 50; ++index) found += FindNumbered(own, index) >= 0 ? 1 : 0;
+    _exit(write(channel[1], &found, sizeof found) == ssize_t{sizeof found} ? 0 : 2);
+  }
+  close(channel[1]);
+  // While the hold lasts the reader's first search waits.
+  usleep(200 * 1000);
+  EXPECT_EQ(waitpid(reader, nullptr, WNOHANG), 0) << "the reader did not wait for the unlock";
+  ASSERT_EQ(iDK_TreeUnlock(handle), 0);
+  int32_t found = -1;
+  EXPECT_EQ(read(channel[0], &found, sizeof found), ssize_t{sizeof found});
+  close(channel[0]);
+  int status = 0;
+  waitpid(reader, &status, 0);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "reader status " << status;
+  EXPECT_EQ(found, 50) << "keys written inside the hold are not all seen after it";
+  ExpectAllFound(handle, stored);
+}
+
+TEST_F(KeyFileHeldTreeLock, HoldsNestAndRefuseWhatTheyCannotCover) {
+  const int handle = Create("nest", 'S', 24);
+  EXPECT_EQ(iDK_TreeUnlock(handle), kDkIoError) << "nothing is held";
+  ASSERT_EQ(iDK_TreeLock(handle, false), 0);
+  int32_t position = 0;
+  EXPECT_EQ(InsertNumbered(handle, 1, &position), kDkIoError) << "a change inside a read";
+  EXPECT_EQ(iDK_TreeLock(handle, true), kDkIoError);
+  ASSERT_EQ(iDK_TreeUnlock(handle), 0);
+
+  ASSERT_EQ(iDK_TreeLock(handle, true), 0);
+  ASSERT_EQ(iDK_TreeLock(handle, false), 0);
+  ASSERT_EQ(InsertNumbered(handle, 1, &position), 0);
+  ASSERT_EQ(iDK_TreeUnlock(handle), 0);
+  EXPECT_EQ(FindNumbered(handle, 1), position);
+  ASSERT_EQ(iDK_TreeUnlock(handle), 0);
+  EXPECT_EQ(iDK_TreeUnlock(handle), kDkIoError);
+
+  ASSERT_EQ(iDK_DbClose(handle), 0);
+  int reader = 0;
+  ASSERT_EQ(iDK_DbOpen('S', Base("nest"), false, true, &reader), 0);
+  EXPECT_EQ(iDK_TreeLock(reader, true), kDkIoError) << "a change hold on a read-only handle";
+}
+
+TEST_F(KeyFileHeldTreeLock, ACloseEndsTheHoldAndKeepsItsChanges) {
+  const std::string base = Base("closed");
+  const int handle = Create("closed", 'S', 24);
+  ASSERT_EQ(iDK_TreeLock(handle, true), 0);
+  Positions stored;
+  for (int32_t index = 0; index < 30; ++index) {
+    ASSERT_EQ(InsertNumbered(handle, index, &stored[index]), 0);
+  }
+  ASSERT_EQ(iDK_DbClose(handle), 0);
+  EXPECT_TRUE(ClosedCleanly(KeyFile("closed")));
+  int reopened = 0;
+  ASSERT_EQ(iDK_DbOpen('S', base, false, true, &reopened), 0);
+  ExpectAllFound(reopened, stored);
+}
+
+TEST_F(KeyFileHeldTreeLock, AWriterKilledInsideAHoldLosesNoAcknowledgedKey) {
+  const std::string base = Base("killed");
+  ASSERT_EQ(iDK_DbClose(Create("killed", 'T', 24)), 0);
+  KillAfter([&] {
+    int handle = 0;
+    if (iDK_DbOpen('T', base, true, false, &handle) != 0) return 1;
+    if (iDK_TreeLock(handle, true) != 0) return 2;
+    for (int32_t index = 0; index < 200; ++index) {
+      int32_t position = 0;
+      if (InsertNumbered(handle, index, &position) != 0) return 3;
+    }
+    return 0;
+  });
+  Positions acknowledged;
+  int64_t position = kFirstBlockPosition;
+  for (int32_t index = 0; index < 200; ++index) {
+    acknowledged[index] = static_cast<int32_t>(position);
+    position += static_cast<int64_t>(NumberedRecord(index).size());
+  }
+  EXPECT_FALSE(ClosedCleanly(KeyFile("killed")));
+  NumberedKeySource source;
+  int handle = 0;
+  ASSERT_EQ(iDK_DbOpen('T', base, false, true, &handle), 0);
+  EXPECT_EQ(source.told.size(), 1u) << "the key file of the killed writer is rebuilt";
+  ExpectAllFound(handle, acknowledged);
+}
+
 }  // namespace
 }  // namespace korvan::storage::testing
