@@ -31,7 +31,7 @@
 //               alternating batches (kernel, kernel+keys, SQLite, kernel, …) and the table
 //               gives medians and the spread (lowest–highest) over the rounds.
 //
-// Environment: KORVAN_BENCH_RECORDS (default 50000), KORVAN_BENCH_CHANGES (default 10000
+// Environment: KORVAN_BENCH_RECORDS (default 20000), KORVAN_BENCH_CHANGES (default 4000
 // durable updates and as many deletes), KORVAN_BENCH_ROUNDS (default 7),
 // KORVAN_BENCH_CACHE_BLOCKS (default 1000), KORVAN_BENCH_DIR (default /tmp),
 // KORVAN_BENCH_JOURNAL (default WAL), KORVAN_BENCH_KEY_SYNC=0 leaves out "kernel+keys",
@@ -85,7 +85,7 @@ std::string EnvText(const char* name, const char* fallback) {
   return value != nullptr && *value != '\0' ? value : fallback;
 }
 int Records() {
-  return EnvCount("KORVAN_BENCH_RECORDS", 50000);
+  return EnvCount("KORVAN_BENCH_RECORDS", 20000);
 }
 int Rounds() {
   return EnvCount("KORVAN_BENCH_ROUNDS", 7);
@@ -96,7 +96,7 @@ int CacheBlocks() {
   return EnvCount("KORVAN_BENCH_CACHE_BLOCKS", 1000);
 }
 int Changes() {
-  return std::min(Records(), EnvCount("KORVAN_BENCH_CHANGES", 10000));
+  return std::min(Records(), EnvCount("KORVAN_BENCH_CHANGES", 4000));
 }
 
 const std::string& BenchDirectory() {
