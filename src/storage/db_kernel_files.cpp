@@ -287,7 +287,7 @@ int iDK_DbClose(int handle) {
   auto& table = DbHandleTable::Instance();
   DbHandleSlot* slot = table.Find(handle);
   if (slot == nullptr) return kDkInvalidHandle;
-  // Holds the caller did not end end here; what they changed is written back below.
+  // Holds the caller left open end here; what changed inside is written back below.
   while (slot->tree_holds > 0) kernel::EndTreeHold(handle, *slot);
   if (iDK_DbFlush(handle) != kOk) return kDkStaysOpen;
   if (kernel::LeaveKeyFile(handle, *slot) != kOk) return kDkStaysOpen;
