@@ -2,6 +2,7 @@
 
 #include "boq/boq_tables.h"
 #include "data/tables/data_tables.h"
+#include "exchange/exchange_tables.h"
 
 namespace korvan::app {
 namespace {
@@ -12,6 +13,7 @@ data::TTableRegistry ComposeProgramTables() {
   data::TTableRegistry registry;
   data::RegisterDataTables(registry);
   boq::RegisterBoqTables(registry);
+  exchange::RegisterExchangeTables(registry);
   return registry;
 }
 

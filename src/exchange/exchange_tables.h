@@ -1,0 +1,11 @@
+#pragma once
+
+#include "data/tables/table_registry.h"
+
+namespace korvan::exchange {
+
+// Enters the tables of data exchange: the GAEB header record of each LV in the LV
+// database.
+void RegisterExchangeTables(data::TTableRegistry& registry);
+
+}  // namespace korvan::exchange
