@@ -4,6 +4,7 @@
 #include "app/commands/admin/admin_commands.h"
 #include "app/commands/currency/currency_commands.h"
 #include "app/commands/db/db_commands.h"
+#include "app/commands/gaeb/gaeb_commands.h"
 #include "app/commands/lists/list_commands.h"
 #include "app/commands/lv/lv_commands.h"
 #include "app/commands/oz/oz_commands.h"
@@ -22,6 +23,7 @@ CommandList AllCommands() {
   AddOzCommands(commands);
   AddTextCommands(commands);
   AddCurrencyCommands(commands);
+  AddGaebCommands(commands);
   return commands;
 }
 

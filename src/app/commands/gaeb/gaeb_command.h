@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+#include "app/cli/command.h"
+
+namespace CLI {
+class App;
+}
+
+namespace korvan::app {
+
+// `korvan gaeb check FILE [--schemas DIR] [--json]` reads any GAEB DA XML file and lists
+// what it finds, each with its line: what the reader could not read, the structure rules,
+// the arithmetic of the prices and, with --schemas, the official schema of the file's
+// phase. Exit code 1 when there is an error.
+class GaebCommand : public Command {
+ public:
+  std::string Name() const override { return "gaeb"; }
+  std::string Summary() const override { return "prüft GAEB-DA-XML-Dateien"; }
+  void Define(CLI::App& app) override;
+  int Run(Streams& streams) override;
+
+ private:
+  CLI::App* check_ = nullptr;
+  std::string file_;
+  std::string schemas_;
+  bool json_ = false;
+};
+
+}  // namespace korvan::app
