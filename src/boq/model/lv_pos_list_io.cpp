@@ -112,10 +112,21 @@ class ListWriter {
     const int32_t lv_id = list_.FLv().FId;
     std::map<int32_t, t_Struktur> stored = StoredRows(lv_id);
     std::map<int32_t, int32_t> children_of;
+    std::map<int32_t, int32_t> new_ids;
     for (int i = 0; i < list_.Count(); ++i) {
       TLvPos& entry = list_[i];
-      if (entry.Struktur.IdBgBeschr == 0 || entry.Struktur.IdBgBeschr == kNullId) {
-        entry.Struktur.IdBgBeschr = NextId(kEntryCounterName);
+      // New entries carry no id or a temporary one below zero, which entries placed
+      // below them name as their parent until they get their real one here.
+      if (const auto renamed = new_ids.find(entry.Struktur.ZuBg); renamed != new_ids.end()) {
+        entry.Struktur.ZuBg = renamed->second;
+      }
+      if (const auto renamed = new_ids.find(entry.Struktur.ZuPos); renamed != new_ids.end()) {
+        entry.Struktur.ZuPos = renamed->second;
+      }
+      if (entry.Struktur.IdBgBeschr <= 0 || entry.Struktur.IdBgBeschr == kNullId) {
+        const int32_t id = NextId(kEntryCounterName);
+        if (entry.Struktur.IdBgBeschr < 0) new_ids[entry.Struktur.IdBgBeschr] = id;
+        entry.Struktur.IdBgBeschr = id;
       }
       entry.LvBgBeschr.ID = entry.Struktur.IdBgBeschr;
       entry.Struktur.IdLv = lv_id;

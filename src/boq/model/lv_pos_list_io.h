@@ -19,10 +19,10 @@ TLVPosList LoadLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, int32_t lv_
                          bool long_texts = false);
 
 // Writes the list back as the LV's entries: document order and the order within each
-// group follow the list; new entries (id 0) get ids, entries with texts get a
-// description; rows of the LV no longer in the list are deleted with their records and
-// texts. Only records that differ from the stored ones are written, so a step's journal
-// holds just the change. The list's ids are filled in.
+// group follow the list; new entries (id 0, null, or a temporary one below zero) get ids, entries
+// with texts get a description; rows of the LV no longer in the list are deleted with their records
+// and texts. Only records that differ from the stored ones are written, so a step's journal holds
+// just the change. The list's ids are filled in.
 void SaveLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, TLVPosList& list);
 
 // Writes the LV header of the list (mask, numbering settings) back.

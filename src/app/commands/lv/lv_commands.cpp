@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "app/commands/lv/lv_delete_command.h"
+#include "app/commands/lv/lv_edit_commands.h"
 #include "app/commands/lv/lv_list_command.h"
 #include "app/commands/lv/lv_new_command.h"
 #include "app/commands/lv/lv_show_command.h"
@@ -23,6 +24,7 @@ class LvCommand : public Command {
     operations_.push_back(std::make_unique<LvListCommand>());
     operations_.push_back(std::make_unique<LvDeleteCommand>());
     operations_.push_back(std::make_unique<LvShowCommand>());
+    AddLvEditOperations(operations_);
   }
   std::string Name() const override { return "lv"; }
   std::string Summary() const override {

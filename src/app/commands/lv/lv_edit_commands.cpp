@@ -1,0 +1,391 @@
+#include "app/commands/lv/lv_edit_commands.h"
+
+#include <fstream>
+#include <functional>
+#include <optional>
+#include <ostream>
+#include <sstream>
+
+#include <CLI/CLI.hpp>
+
+#include "app/cli/command_error.h"
+#include "app/cli/json_text.h"
+#include "app/commands/lv/lv_project.h"
+#include "boq/lv/lv_codes.h"
+#include "boq/lv/project_lvs.h"
+#include "boq/lv/tb_lv_hierarchie.h"
+#include "boq/model/lv_editing.h"
+#include "boq/model/lv_pos_list_io.h"
+#include "boq/oz/oz_format.h"
+#include "boq/oz/oz_hierarchy.h"
+#include "boq/text/rtf_writer.h"
+#include "boq/text/text_conversions.h"
+#include "storage/result_codes.h"
+
+namespace korvan::app {
+namespace {
+
+// What an edit tells the user: the text for people and the JSON object for scripts.
+struct EditOutcome {
+  std::string text;
+  std::string json;
+};
+
+// Loads the LV, runs `edit` on it in memory (which refuses by throwing before anything is
+// written), then saves it in one journal step; a failed save takes back what it wrote.
+class LvEditOperation : public LvOperation {
+ protected:
+  using Edit = std::function<EditOutcome(boq::TLVPosList&, LvProject&)>;
+
+  int RunEdit(Streams& streams, const std::string& caption, bool long_texts, const Edit& edit) {
+    LvProject target(data_dir, project);
+    data::TStdDb& db = target.Db(true);
+    const int32_t id = target.ResolveLv(lv_);
+    data::TStdDb* text_db = target.TextDb();
+    boq::TLVPosList list = boq::LoadLvPosList(db, text_db, id, long_texts);
+    if (list.FReadOnly()) throw CommandError("Das LV ist schreibgeschützt.");
+    const EditOutcome outcome = edit(list, target);
+    data::TUndoRedo& journal = target.Journal();
+    const int steps_before = journal.UndoStack().TransactionCount();
+    std::string failure;
+    {
+      JournalStep step(journal, data::TOperationKind::okEdit,
+                       caption + " in LV \"" + list.FLv().Name.Get() + "\"");
+      try {
+        boq::SaveLvHeader(db, list);
+        SaveLevels(db, list);
+        boq::SaveLvPosList(db, text_db, list);
+      } catch (const boq::EStoredLvError& error) {
+        failure = error.what();
+      }
+    }
+    if (!failure.empty()) {
+      std::string undone_text = "es wurde nichts geändert";
+      if (journal.UndoStack().TransactionCount() > steps_before) {
+        const data::TUndoOutcome undone = journal.PopUndo();
+        if (!undone.ok())
+          undone_text = "die Änderung konnte nicht zurückgenommen werden: " + undone.error;
+      }
+      throw CommandError(failure + "; " + undone_text);
+    }
+    if (!journal.LastError().empty()) {
+      streams.err << "Warnung: die Änderung kann nicht rückgängig gemacht werden: "
+                  << journal.LastError() << '\n';
+    }
+    streams.out << (json ? outcome.json : outcome.text) << '\n';
+    return kExitOk;
+  }
+
+  // The hierarchy rows follow the mask whenever it changed.
+  void SaveLevels(data::TStdDb& db, const boq::TLVPosList& list) {
+    if (!levels_changed_) return;
+    boq::TTbLvHierarchie levels(db);
+    if (int result = levels.DeleteAllOf(list.FLv().FId); result != storage::kOk) {
+      throw boq::EStoredLvError(db.BasePath() + "0: die OZ-Stufen können nicht gelöscht werden");
+    }
+    for (const boq::THierarchyLevel& level : boq::HierarchyFromMask(list.FOzMask().FMask())) {
+      levels.InitRecord();
+      boq::FillHierarchieRecord(level, list.FLv().FId, levels.Rec());
+      if (int result = levels.UpDateRec(); result != storage::kOk) {
+        throw boq::EStoredLvError(db.BasePath() + "0: die OZ-Stufe " + std::to_string(level.SzLv) +
+                                  " kann nicht gespeichert werden");
+      }
+    }
+  }
+
+  static int EntryAt(const boq::TLVPosList& list, const std::string& oz) {
+    const int index = boq::FindEntryByOz(list, oz);
+    if (index < 0) throw CommandError("Im LV gibt es keinen Eintrag mit der OZ \"" + oz + "\".");
+    return index;
+  }
+
+  static std::string EntryJson(const boq::TLvPos& entry, const std::string& action) {
+    return "{\"oz\": " + JsonString(entry.LvBgBeschr.OZ.Get()) +
+           ", \"kind\": " + JsonString(std::string(1, entry.Kind())) + ", \"" + action +
+           "\": true}";
+  }
+
+  std::string lv_;
+  bool levels_changed_ = false;
+};
+
+// The values an entry's fields can be given on the command line.
+struct EntryValues {
+  std::optional<std::string> short_text;
+  std::optional<std::string> long_file;
+  std::optional<double> qty;
+  std::optional<double> unit_price;
+  std::optional<std::string> unit;
+};
+
+std::string ReadLongText(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) throw CommandError("Die Datei \"" + path + "\" kann nicht gelesen werden.");
+  std::ostringstream content;
+  content << in.rdbuf();
+  const std::string text = content.str();
+  // A rich text is stored as it is; a plain text becomes one.
+  return text.rfind("{\\rtf", 0) == 0 ? text : boq::WrapPlainAsRtf(text);
+}
+
+void Apply(const EntryValues& values, boq::TLvPos& entry, LvProject& target) {
+  if (values.unit) {
+    throw UsageError(
+        "Einheiten können noch nicht gespeichert werden (die Beschreibung des "
+        "Eintrags hat noch kein Feld dafür).");
+  }
+  if ((values.qty || values.unit_price) && !entry.IsQuantityItem()) {
+    throw UsageError(std::string("Menge und Preis haben nur Positionen (P, L, U), nicht die Art ") +
+                     entry.Kind() + ".");
+  }
+  if (values.unit_price && entry.Kind() == 'U') {
+    throw UsageError("Eine Unterbeschreibung (U) hat keinen Preis.");
+  }
+  if ((values.short_text || values.long_file) && target.TextDb() == nullptr) {
+    throw CommandError(
+        "Das Projekt hat keine Textdatenbank; Texte können nicht gespeichert werden.");
+  }
+  if (values.short_text) entry.ShortText = *values.short_text;
+  if (values.long_file) {
+    entry.LongText = ReadLongText(*values.long_file);
+    entry.LongTextChanged = true;
+  }
+  if (values.qty) entry.LvBeschr.FMenge = *values.qty;
+  if (values.unit_price) entry.LvBeschr.SchaetzEP.Betrag = *values.unit_price;
+}
+
+class LvAddCommand : public LvEditOperation {
+ public:
+  std::string Name() const override { return "add"; }
+  std::string Summary() const override {
+    return "fügt einen Eintrag an (B Gruppe, P Position, H Hinweis, ...), nummeriert nach der "
+           "Maske";
+  }
+  void Define(CLI::App& app) override {
+    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    app.add_option("kind", kind_, "Art: B, P, L, U, H, A, E, K oder T")->required();
+    auto* under =
+        app.add_option("--under", under_, "unter dieser Gruppe (OZ), als letzter Eintrag");
+    app.add_option("--after", after_, "hinter diesem Eintrag (OZ) und seinen Untereinträgen")
+        ->excludes(under);
+    app.add_option("--oz", oz_, "diese OZ statt der automatischen Nummer");
+    app.add_option("--short", values_.short_text, "Kurztext");
+    app.add_option("--long-file", values_.long_file,
+                   "Datei mit dem Langtext (RTF oder reiner Text)");
+    app.add_option("--qty", values_.qty, "Menge");
+    app.add_option("--unit", values_.unit, "Einheit");
+    app.add_option("--up", values_.unit_price, "Einheitspreis (Schätzung)");
+  }
+  int Run(Streams& streams) override {
+    if (kind_.size() != 1 || boq::kKzBgBeschrCodes.find(kind_[0]) == std::string_view::npos) {
+      throw UsageError("Unbekannte Art \"" + kind_ + "\": " + std::string(boq::kKzBgBeschrText));
+    }
+    return RunEdit(
+        streams, "Eintrag anfügen", false, [this](boq::TLVPosList& list, LvProject& target) {
+          boq::TLvPos entry = boq::NewLvPos(kind_[0]);
+          Apply(values_, entry, target);
+          boq::TLvPlace place;
+          if (!under_.empty()) {
+            place = {boq::TLvPlace::Kind::kUnder, EntryAt(list, under_)};
+            if (!list[place.index].IsGroup())
+              throw UsageError("\"" + under_ + "\" ist keine Gruppe.");
+          } else if (!after_.empty()) {
+            place = {boq::TLvPlace::Kind::kAfter, EntryAt(list, after_)};
+          }
+          const boq::TLvPos& added = list[boq::AddEntry(list, std::move(entry), place, oz_)];
+          return EditOutcome{
+              "Eintrag " + added.LvBgBeschr.OZ.Get() + " (" + added.Kind() + ") angefügt",
+              EntryJson(added, "added")};
+        });
+  }
+
+ private:
+  std::string kind_, under_, after_, oz_;
+  EntryValues values_;
+};
+
+class LvSetCommand : public LvEditOperation {
+ public:
+  std::string Name() const override { return "set"; }
+  std::string Summary() const override {
+    return "ändert Felder eines Eintrags: short=, long-file=, qty=, up=, oz=";
+  }
+  void Define(CLI::App& app) override {
+    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    app.add_option("oz", oz_, "OZ des Eintrags")->required();
+    app.add_option("assignments", assignments_, "Feld=Wert ...")->required();
+  }
+  int Run(Streams& streams) override {
+    EntryValues values;
+    std::optional<std::string> new_oz;
+    for (const std::string& assignment : assignments_) {
+      const std::size_t equals = assignment.find('=');
+      if (equals == std::string::npos)
+        throw UsageError("\"" + assignment + "\" ist kein Feld=Wert.");
+      const std::string field = assignment.substr(0, equals);
+      const std::string value = assignment.substr(equals + 1);
+      if (field == "short") {
+        values.short_text = value;
+      } else if (field == "long-file") {
+        values.long_file = value;
+      } else if (field == "qty") {
+        values.qty = Number(field, value);
+      } else if (field == "up") {
+        values.unit_price = Number(field, value);
+      } else if (field == "unit") {
+        values.unit = value;
+      } else if (field == "oz") {
+        new_oz = value;
+      } else {
+        throw UsageError("Unbekanntes Feld \"" + field +
+                         "\" (short, long-file, qty, up, unit, oz).");
+      }
+    }
+    return RunEdit(streams, "Eintrag ändern", false, [&](boq::TLVPosList& list, LvProject& target) {
+      boq::TLvPos& entry = list[EntryAt(list, oz_)];
+      Apply(values, entry, target);
+      if (new_oz) entry.SetOz(boq::FormLvOZ(*new_oz, list.FOzMask().FMask()));
+      return EditOutcome{"Eintrag " + entry.LvBgBeschr.OZ.Get() + " geändert",
+                         EntryJson(entry, "changed")};
+    });
+  }
+
+ private:
+  static double Number(const std::string& field, const std::string& value) {
+    std::string plain = value;
+    for (char& c : plain) c = c == ',' ? '.' : c;
+    std::size_t used = 0;
+    try {
+      const double number = std::stod(plain, &used);
+      if (used == plain.size()) return number;
+    } catch (const std::exception&) {
+    }
+    throw UsageError("\"" + value + "\" ist keine Zahl (Feld " + field + ").");
+  }
+
+  std::string oz_;
+  std::vector<std::string> assignments_;
+};
+
+class LvMoveCommand : public LvEditOperation {
+ public:
+  std::string Name() const override { return "move"; }
+  std::string Summary() const override {
+    return "verschiebt einen Eintrag mit seinen Untereinträgen";
+  }
+  void Define(CLI::App& app) override {
+    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    app.add_option("oz", oz_, "OZ des Eintrags")->required();
+    app.add_option("--after", after_, "hinter diesen Eintrag (OZ)")->required();
+  }
+  int Run(Streams& streams) override {
+    return RunEdit(
+        streams, "Eintrag verschieben", false, [this](boq::TLVPosList& list, LvProject&) {
+          const int index = EntryAt(list, oz_);
+          const int32_t id = list[index].Struktur.IdBgBeschr;
+          if (std::string problem = boq::MoveEntry(list, index, EntryAt(list, after_));
+              !problem.empty()) {
+            throw UsageError("\"" + oz_ + "\": " + problem + ".");
+          }
+          const boq::TLvPos& moved = list[list.SearchItemIndexByIdLvBgBeschr(id)];
+          return EditOutcome{"Eintrag " + oz_ + " verschoben, jetzt " + moved.LvBgBeschr.OZ.Get(),
+                             EntryJson(moved, "moved")};
+        });
+  }
+
+ private:
+  std::string oz_, after_;
+};
+
+class LvRemoveCommand : public LvEditOperation {
+ public:
+  std::string Name() const override { return "remove"; }
+  std::string Summary() const override {
+    return "entfernt einen Eintrag mit seinen Untereinträgen";
+  }
+  void Define(CLI::App& app) override {
+    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    app.add_option("oz", oz_, "OZ des Eintrags")->required();
+  }
+  int Run(Streams& streams) override {
+    return RunEdit(streams, "Eintrag entfernen", false, [this](boq::TLVPosList& list, LvProject&) {
+      const int index = EntryAt(list, oz_);
+      const boq::TLvPos removed = list[index];
+      const int count = boq::SubtreeEnd(list, index) - index;
+      boq::RemoveEntry(list, index);
+      return EditOutcome{"Eintrag " + removed.LvBgBeschr.OZ.Get() + " entfernt (" +
+                             std::to_string(count) + (count == 1 ? " Eintrag)" : " Einträge)"),
+                         EntryJson(removed, "removed")};
+    });
+  }
+
+ private:
+  std::string oz_;
+};
+
+class LvRenumberCommand : public LvEditOperation {
+ public:
+  std::string Name() const override { return "renumber"; }
+  std::string Summary() const override { return "nummeriert das LV nach seiner Maske neu"; }
+  void Define(CLI::App& app) override {
+    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+  }
+  int Run(Streams& streams) override {
+    return RunEdit(streams, "Positionsnumerierung", false, [](boq::TLVPosList& list, LvProject&) {
+      std::vector<std::string> before;
+      for (const boq::TLvPos& entry : list.Entries()) before.emplace_back(entry.Oz());
+      boq::RenumberLv(list);
+      int changed = 0;
+      for (int i = 0; i < list.Count(); ++i)
+        changed += before[static_cast<std::size_t>(i)] != list[i].Oz();
+      return EditOutcome{std::to_string(changed) + " von " + std::to_string(list.Count()) +
+                             " Einträgen neu nummeriert",
+                         "{\"entries\": " + std::to_string(list.Count()) +
+                             ", \"renumbered\": " + std::to_string(changed) + "}"};
+    });
+  }
+};
+
+class LvStructureCommand : public LvEditOperation {
+ public:
+  std::string Name() const override { return "structure"; }
+  std::string Summary() const override {
+    return "gibt dem LV eine neue OZ-Maske und nummeriert neu";
+  }
+  void Define(CLI::App& app) override {
+    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    app.add_option("--mask", mask_, "die neue OZ-Maske, z. B. 11.22.PPPP")->required();
+  }
+  int Run(Streams& streams) override {
+    if (std::string problem = boq::CheckOzMask(mask_); !problem.empty()) {
+      throw UsageError("Die Maske geht nicht: " + problem + ".");
+    }
+    levels_changed_ = true;
+    return RunEdit(
+        streams, "Positionsnumerierung", false, [this](boq::TLVPosList& list, LvProject&) {
+          if (std::string problem = boq::RestructureLv(list, mask_); !problem.empty()) {
+            throw CommandError("Die Maske geht nicht: " + problem + ".");
+          }
+          return EditOutcome{
+              "Maske " + mask_ + ", " + std::to_string(list.Count()) + " Einträge neu nummeriert",
+              "{\"mask\": " + JsonString(mask_) + ", \"entries\": " + std::to_string(list.Count()) +
+                  "}"};
+        });
+  }
+
+ private:
+  std::string mask_;
+};
+
+}  // namespace
+
+void AddLvEditOperations(std::vector<std::unique_ptr<LvOperation>>& operations) {
+  operations.push_back(std::make_unique<LvAddCommand>());
+  operations.push_back(std::make_unique<LvSetCommand>());
+  operations.push_back(std::make_unique<LvMoveCommand>());
+  operations.push_back(std::make_unique<LvRemoveCommand>());
+  operations.push_back(std::make_unique<LvRenumberCommand>());
+  operations.push_back(std::make_unique<LvStructureCommand>());
+}
+
+}  // namespace korvan::app

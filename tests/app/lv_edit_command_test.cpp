@@ -1,0 +1,103 @@
+// `korvan lv add/set/move/remove/renumber/structure/show` on a sample installation: an LV
+// built from the command line, numbered by its mask, each change one undo step.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "testing/run_korvan.h"
+#include "testing/temp_dir.h"
+
+namespace korvan::app {
+namespace {
+
+using testing::Contains;
+using testing::ProgramResult;
+
+class LvEditCommands : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    Korvan({"demo"});
+    Korvan({"lv", "new", "Rohbau", "--mask", "11.22.PPPP"});
+  }
+  ProgramResult Korvan(std::vector<std::string> args, int exit_code = 0,
+                       const std::vector<std::string>& parts = {}) {
+    args.insert(args.end(), {"-d", base_.string()});
+    return testing::ExpectKorvan(args, exit_code, parts);
+  }
+  std::string Show() { return Korvan({"lv", "show", "Rohbau", "--json"}).out; }
+  static int Count(const std::string& text, const std::string& part) {
+    int count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+      ++count;
+    }
+    return count;
+  }
+
+  korvan::testing::TempDir dir_;
+  std::filesystem::path base_ = dir_.path() / "sample";
+};
+
+TEST_F(LvEditCommands, BuildNumberRemoveRenumberAndUndo) {
+  Korvan({"lv", "add", "Rohbau", "B", "--short", "Rohbau"}, 0, {"Eintrag 01 (B) angefügt"});
+  for (int group = 1; group <= 4; ++group) {
+    Korvan(
+        {"lv", "add", "Rohbau", "B", "--under", "01", "--short", "Titel " + std::to_string(group)});
+    for (int item = 1; item <= 5; ++item) {
+      Korvan({"lv", "add", "Rohbau", "P", "--under", "1." + std::to_string(group), "--short",
+              "Position", "--qty", "2", "--up", "10.5"});
+    }
+  }
+  const std::string built = Show();
+  EXPECT_EQ(Count(built, "\"oz\": "), 25) << built;
+  EXPECT_TRUE(Contains(built,
+                       "{\"oz\": \"01.02.0003\", \"kind\": \"P\", \"level\": 3, "
+                       "\"short_text\": \"Position\", \"qty\": 2, \"unit\": null, "
+                       "\"unit_price\": 10.5, \"total\": 21}"))
+      << built;
+  EXPECT_TRUE(Contains(built, "\"mask\": \"11.22.PPPP\", \"currency\": null, \"total\": 420}"))
+      << built;
+  Korvan({"lv", "show", "Rohbau"}, 0,
+         {"    01.04.0005  P  Position  Menge 2,000  EP 10,50  GP 21,00"});
+
+  Korvan({"lv", "remove", "Rohbau", "01.02.0002"}, 0, {"entfernt"});
+  const std::string removed = Show();
+  EXPECT_EQ(Count(removed, "\"oz\": "), 24);
+  EXPECT_TRUE(Contains(removed, "\"01.02.0004\""));
+  EXPECT_FALSE(Contains(removed, "\"01.02.0005\""));
+  Korvan({"lv", "renumber", "Rohbau", "--json"}, 0, {"\"renumbered\": 0"});
+
+  Korvan({"lv", "set", "Rohbau", "01.02.0004", "oz=1.2.90"}, 0, {"01.02.0090 geändert"});
+  Korvan({"lv", "renumber", "Rohbau"}, 0, {"1 von 24 Einträgen neu nummeriert"});
+  Korvan({"lv", "move", "Rohbau", "01.01", "--after", "01.04"}, 0, {"jetzt 01.04"});
+  Korvan({"lv", "structure", "Rohbau", "--mask", "1.22.PPP"}, 0, {"Maske 1.22.PPP"});
+  EXPECT_TRUE(Contains(Show(), "\"1.04.005\""));
+  Korvan({"check"}, 0, {"0 Problem(e)"});
+
+  // The renumbering that changed nothing left no step.
+  for (const char* step : {"Positionsnumerierung", "Eintrag verschieben", "Positionsnumerierung",
+                           "Eintrag ändern", "Eintrag entfernen"}) {
+    Korvan({"undo"}, 0, {step});
+  }
+  EXPECT_EQ(Show(), built);
+}
+
+TEST_F(LvEditCommands, WrongCallsChangeNothing) {
+  Korvan({"lv", "add", "Rohbau", "B"});
+  const std::string before = Show();
+  Korvan({"lv", "add", "Rohbau", "X"}, 2, {"Unbekannte Art"});
+  Korvan({"lv", "add", "Rohbau", "P", "--under", "07"}, 1, {"keinen Eintrag mit der OZ \"07\""});
+  Korvan({"lv", "add", "Rohbau", "P", "--unit", "m2"}, 2, {"Einheiten können noch nicht"});
+  Korvan({"lv", "add", "Rohbau", "H", "--qty", "3"}, 2, {"nur Positionen"});
+  Korvan({"lv", "set", "Rohbau", "01", "menge=3"}, 2, {"Unbekanntes Feld"});
+  Korvan({"lv", "move", "Rohbau", "01", "--after", "01"}, 2, {"hinter sich selbst"});
+  Korvan({"lv", "structure", "Rohbau", "--mask", "PPPPPPPPPPPPPPP"}, 2, {"mehr als 14 Stellen"});
+  Korvan({"lv", "add", "Rohbau", "B", "--under", "01"});
+  Korvan({"lv", "structure", "Rohbau", "--mask", "PPPP"}, 1, {"0 Gruppenstufe(n)"});
+  Korvan({"undo"});
+  EXPECT_EQ(Show(), before);
+}
+
+}  // namespace
+}  // namespace korvan::app
