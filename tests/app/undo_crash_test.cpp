@@ -151,5 +151,41 @@ TEST_F(UndoCrash, AKilledRedoLeavesItsStepMovedWholeOrNotAtAll) {
   KillAtEveryWrite({"redo"}, {1, 1, "0,85"}, {2, 0, "1,11"});
 }
 
+// The records of the whole installation as `korvan info` counts them.
+std::string Records(const fs::path& base) {
+  const ProgramResult info = ExpectKorvan({"info", "-d", base.string()}, 0);
+  const std::regex count("Summe: \\d+ Datenbanken, (\\d+) Datens");
+  std::smatch match;
+  return std::regex_search(info.out, match, count) ? match[1].str() : "none in: " + info.out;
+}
+
+// An LV's delete changes records of several databases in one step. A step a killed
+// process left is settled by the next command that opens the journal; clearing the
+// journal must settle it the same way, never drop it with what it had half done.
+TEST_F(UndoCrash, ClearingTheJournalAfterAKillSettlesTheUnfinishedStepFirst) {
+  Korvan(base_, {"lv", "new", "Rohbau", "--mask", "11.22.PPPP"});
+  bool completed = false;
+  int settled_back = 0;
+  for (int writes = 0; writes < kMostWrites && !completed; ++writes) {
+    SCOPED_TRACE("killed after " + std::to_string(writes) + " writes");
+    const fs::path cleared = Copy(writes);
+    const ProgramResult run =
+        RunKilledAfter(writes, {"lv", "delete", "Rohbau", "-d", cleared.string()});
+    ASSERT_TRUE(run.exit_code == 0 || run.exit_code == kKilled) << run.out << run.err;
+    completed = run.exit_code == 0;
+    const fs::path listed = dir_.path() / "listed";
+    fs::remove_all(listed);
+    fs::copy(cleared, listed, fs::copy_options::recursive);
+    Korvan(listed, {"undo", "--list"});
+    Korvan(cleared, {"undo", "--clear"});
+    EXPECT_EQ(Records(cleared), Records(listed));
+    if (Records(listed) == Records(base_)) ++settled_back;
+    ExpectKorvan({"check", "--dry-run", "-d", cleared.string()}, 0, {"0 Problem(e)"});
+    fs::remove_all(cleared);
+  }
+  EXPECT_TRUE(completed) << "the delete never completed";
+  EXPECT_GT(settled_back, 0) << "no kill left a step to take back";
+}
+
 }  // namespace
 }  // namespace korvan::app

@@ -118,6 +118,15 @@ int UndoCommand::List(Streams& streams) {
 
 int UndoCommand::Clear(Streams& streams) {
   RequireDataDir(data_dir_);
+  std::error_code missing;
+  if (std::filesystem::exists(data::TUndoRedo::PendingFile(data_dir_), missing)) {
+    // Only the intent of a step a killed process left knows what that step changed:
+    // it is taken back or finished before the journal goes, never dropped with it.
+    MasterDataSession session(ProgramTables(), data_dir_, false);
+    if (!session.Journal().RecoveryNote().empty()) {
+      streams.err << session.Journal().RecoveryNote() << '\n';
+    }
+  }
   const std::vector<std::string> files = data::TUndoRedo::PersistentFiles(data_dir_);
   if (!AnyExists(files)) {
     streams.out << "Das Rückgängig-Journal ist leer; es gibt nichts zu löschen\n";
