@@ -84,6 +84,32 @@ std::map<int32_t, int32_t> SurvivorsAfterKill(pid_t child, int channel, int dela
   return survivors;
 }
 
+// Runs `writer` in a child on the database `base` and kills it after `delay_ms`;
+// returns what SurvivorsAfterKill returns.
+std::map<int32_t, int32_t> SurvivorsOfKilledWriter(void (*writer)(const std::string&, int),
+                                                   const std::string& base, int delay_ms) {
+  int channel[2];
+  if (pipe(channel) != 0) {
+    ADD_FAILURE() << "pipe failed";
+    return {};
+  }
+  const pid_t child = fork();
+  if (child == 0) {
+    close(channel[0]);
+    writer(base, channel[1]);
+    _exit(0);
+  }
+  close(channel[1]);
+  std::map<int32_t, int32_t> survivors;
+  if (child < 0) {
+    ADD_FAILURE() << "fork failed";
+  } else {
+    survivors = SurvivorsAfterKill(child, channel[0], delay_ms);
+  }
+  close(channel[0]);
+  return survivors;
+}
+
 TEST(DbKernelCrash, RecordsReportedWrittenSurviveASigkillAtRandomMoments) {
   const unsigned seed = std::random_device{}();
   SCOPED_TRACE("seed " + std::to_string(seed));
@@ -96,18 +122,8 @@ TEST(DbKernelCrash, RecordsReportedWrittenSurviveASigkillAtRandomMoments) {
     int handle = 0;
     ASSERT_EQ(iDK_DbCreate('T', base, 24, &handle), 0);
     ASSERT_EQ(iDK_DbClose(handle), 0);
-    int channel[2];
-    ASSERT_EQ(pipe(channel), 0);
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-      close(channel[0]);
-      WriteUntilKilled(base, channel[1]);
-    }
-    close(channel[1]);
-    const auto survivors =
-        SurvivorsAfterKill(child, channel[0], std::uniform_int_distribution<>(20, 400)(random));
-    close(channel[0]);
+    const auto survivors = SurvivorsOfKilledWriter(
+        WriteUntilKilled, base, std::uniform_int_distribution<>(20, 400)(random));
 
     ASSERT_EQ(iDK_DbOpen('T', base, false, true, &handle), 0) << "round " << round;
     // Keys are rebuilt from the blocks the data file walk reaches; a block torn by the
@@ -217,18 +233,8 @@ TEST(DbKernelCrash, InsertsIntoFreeSpaceKilledAtRandomLeaveAFileThatReadsThrough
     }
     ASSERT_EQ(iDK_DbClose(handle), 0);
 
-    int channel[2];
-    ASSERT_EQ(pipe(channel), 0);
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-      close(channel[0]);
-      InsertIntoFreeSpaceUntilKilled(base, channel[1]);
-    }
-    close(channel[1]);
-    const auto survivors =
-        SurvivorsAfterKill(child, channel[0], std::uniform_int_distribution<>(5, 250)(random));
-    close(channel[0]);
+    const auto survivors = SurvivorsOfKilledWriter(InsertIntoFreeSpaceUntilKilled, base,
+                                                   std::uniform_int_distribution<>(5, 250)(random));
     for (const auto& [index, position] : survivors) expected[position] = NumberedRecord(index);
 
     DamageList damage;
