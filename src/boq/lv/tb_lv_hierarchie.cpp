@@ -1,6 +1,5 @@
 #include "boq/lv/tb_lv_hierarchie.h"
 
-#include "boq/lv/lv_table_walk.h"
 #include "data/integrity/data_check.h"
 #include "data/records/null_values.h"
 #include "data/tables/table_key.h"
@@ -54,7 +53,7 @@ void TTbLvHierarchie::DoValidateRecord(TDataCheck& check) {
 // tables are there.
 int TTbLvHierarchie::DeleteAllOf(int32_t lv_id) {
   if (lv_id == kNullId) return storage::kOk;  // a null pattern would match every LV
-  return DeleteMatching(*this, KeyNumber(lv_id), '1');
+  return DeleteMatching(KeyNumber(lv_id), '1');
 }
 
 }  // namespace korvan::boq

@@ -1,7 +1,6 @@
 #include "boq/lv/tb_struktur.h"
 
 #include "boq/lv/lv_codes.h"
-#include "boq/lv/lv_table_walk.h"
 #include "boq/lv/tb_lv_beschr.h"
 #include "boq/lv/tb_lv_bg.h"
 #include "data/integrity/data_check.h"
@@ -119,7 +118,7 @@ int TTbStruktur::DeleteRec() {
 
 int TTbStruktur::DeleteAllOf(int32_t lv_id) {
   if (lv_id == kNullId) return storage::kOk;  // a null pattern would match every LV
-  return DeleteMatching(*this, KeyNumber(lv_id), '2');
+  return DeleteMatching(KeyNumber(lv_id), '2');
 }
 
 int TTbStruktur::CountOf(int32_t lv_id, uint32_t* count) {

@@ -72,11 +72,7 @@ int TTbTextErgHeader::DeleteRec() {
 }
 
 int TTbTextErgHeader::DeleteOwner(int32_t id_bezug, char kz_bezug) {
-  const std::string pattern = KeyNumber(id_bezug) + std::string(1, kz_bezug);
-  while (GetFirstKey(pattern, '2')) {
-    if (int result = DeleteRec(); result != 0) return result;
-  }
-  return 0;
+  return DeleteMatching(KeyNumber(id_bezug) + std::string(1, kz_bezug), '2');
 }
 
 void TTbTextErgHeader::DoValidateRecord(TDataCheck& check) {

@@ -97,9 +97,8 @@ TShortTextResult TTbTexte::WriteLines(int32_t id_bezug, char kz_bezug, int16_t i
                         stored.back().size(), kLineCapacity)};
     }
   }
-  const std::string pattern = TextKey(id_bezug, kz_bezug, id_lang);
-  while (GetFirstKey(pattern)) {
-    if (int result = DeleteRec(); result != 0) return {result, {}};
+  if (int result = DeleteMatching(TextKey(id_bezug, kz_bezug, id_lang)); result != 0) {
+    return {result, {}};
   }
   for (size_t i = 0; i < lines.size(); ++i) {
     InitRecord();
@@ -114,11 +113,7 @@ TShortTextResult TTbTexte::WriteLines(int32_t id_bezug, char kz_bezug, int16_t i
 }
 
 int TTbTexte::DeleteOwner(int32_t id_bezug, char kz_bezug) {
-  const std::string pattern = OwnerKey(id_bezug, kz_bezug);
-  while (GetFirstKey(pattern)) {
-    if (int result = DeleteRec(); result != 0) return result;
-  }
-  return 0;
+  return DeleteMatching(OwnerKey(id_bezug, kz_bezug));
 }
 
 }  // namespace korvan::boq

@@ -94,11 +94,7 @@ void TTbTextzeile::DoValidateRecord(TDataCheck& check) {
 }
 
 int TTbTextzeile::DeleteLines(int32_t id_header, char kz_header) {
-  const std::string pattern = LinesKey(id_header, kz_header);
-  while (GetFirstKey(pattern)) {
-    if (int result = DeleteRec(); result != 0) return result;
-  }
-  return 0;
+  return DeleteMatching(LinesKey(id_header, kz_header));
 }
 
 }  // namespace korvan::boq

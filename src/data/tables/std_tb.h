@@ -82,6 +82,9 @@ class TStdTB {
   virtual std::string CurrentRecordToString() const;
   virtual int UpDateRec();
   virtual int DeleteRec();
+  // Deletes, through DeleteRec and its cascade, every record whose key of index `index`
+  // matches `pattern`; 0 or the first failure's kernel code.
+  int DeleteMatching(std::string_view pattern, char index = '1');
   virtual void ClearTbRecord();
 
   // --- Key walks -------------------------------------------------------------------

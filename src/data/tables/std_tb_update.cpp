@@ -2,6 +2,7 @@
 // the user when another user changed the record meanwhile.
 #include <cstddef>
 #include <cstring>
+#include <vector>
 
 #include "data/common/date_time.h"
 #include "data/tables/concurrency_question.h"
@@ -240,6 +241,21 @@ int TStdTB::DeleteRec() {
   if (keys_removed != kOk) return Fail("Delete", keys_removed);
   if (FOnAfterDelete) FOnAfterDelete(*this);
   return kOk;
+}
+
+int TStdTB::DeleteMatching(std::string_view pattern, char index) {
+  // Gathered first, so that the deletes do not disturb the walk.
+  std::vector<std::vector<uint8_t>> records;
+  if (int result = GetBatch(pattern, index, records); result != storage::kOk) return result;
+  const char unique = UniqueIndex();
+  for (const std::vector<uint8_t>& record : records) {
+    std::string key;
+    if (GetKeyString(record, unique, key) < 0) continue;
+    // A record that an earlier cascade took with it is gone already.
+    if (!GetKey(key, unique)) continue;
+    if (int result = DeleteRec(); result != storage::kOk) return result;
+  }
+  return storage::kOk;
 }
 
 }  // namespace korvan::data
