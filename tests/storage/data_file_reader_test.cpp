@@ -150,8 +150,6 @@ TEST_F(DataFileReaderTest, RunsOfZerosAreDamageAndPassedQuickly) {
   WriteFileBytes(DataFile("db"), std::vector<uint8_t>(good.begin(), last));
   std::filesystem::resize_file(DataFile("db"), static_cast<uintmax_t>(positions[3]) + (1u << 30));
   Walk walk = WalkFile(DataFile("db"));
-  for (const auto& d : walk.damage)
-    std::cerr << "DAMAGE " << d.position << " " << d.length << " " << int(d.why) << "\n";
   ASSERT_EQ(walk.damage.size(), 1u);
   EXPECT_EQ(walk.damage[0].position, positions[3]);
   EXPECT_EQ(walk.damage[0].length, 1 << 30);
@@ -164,8 +162,6 @@ TEST_F(DataFileReaderTest, RunsOfZerosAreDamageAndPassedQuickly) {
   bytes.insert(bytes.end(), last, good.end());
   WriteFileBytes(DataFile("db"), bytes);
   walk = WalkFile(DataFile("db"));
-  for (const auto& d : walk.damage)
-    std::cerr << "DAMAGE " << d.position << " " << d.length << " " << int(d.why) << "\n";
   ASSERT_EQ(walk.damage.size(), 1u);
   EXPECT_EQ(walk.damage[0].position, positions[3]);
   EXPECT_EQ(walk.damage[0].length, 4096);

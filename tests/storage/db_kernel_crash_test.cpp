@@ -157,7 +157,7 @@ TEST(DbKernelCrash, RecordsReportedWrittenSurviveASigkillAtRandomMoments) {
 }
 
 // Damage the reader reported, as (position, length).
-class DamageList : public DataFileReader::Reporter {
+class DamageRanges : public DataFileReader::Reporter {
  public:
   void Damaged(int64_t position, int64_t length, BlockDamage) override {
     ranges.emplace_back(position, length);
@@ -166,8 +166,8 @@ class DamageList : public DataFileReader::Reporter {
 };
 
 // Every live block of a data file by position, read the way a rebuild reads it.
-std::map<int32_t, std::vector<uint8_t>> LiveBlocks(const std::string& data_file, DamageList* damage,
-                                                   int64_t* file_size) {
+std::map<int32_t, std::vector<uint8_t>> LiveBlocks(const std::string& data_file,
+                                                   DamageRanges* damage, int64_t* file_size) {
   std::map<int32_t, std::vector<uint8_t>> live;
   const int fd = open(data_file.c_str(), O_RDONLY | O_CLOEXEC);
   EXPECT_GE(fd, 0) << data_file;
@@ -237,7 +237,7 @@ TEST(DbKernelCrash, InsertsIntoFreeSpaceKilledAtRandomLeaveAFileThatReadsThrough
                                                    std::uniform_int_distribution<>(5, 250)(random));
     for (const auto& [index, position] : survivors) expected[position] = NumberedRecord(index);
 
-    DamageList damage;
+    DamageRanges damage;
     int64_t file_size = 0;
     const auto live = LiveBlocks(base + "0", &damage, &file_size);
     for (const auto& [position, length] : damage.ranges) {

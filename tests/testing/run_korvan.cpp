@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <stdexcept>
 
@@ -76,32 +77,31 @@ ProgramResult ExpectKorvan(const std::vector<std::string>& args, int exit_code,
   return result;
 }
 
+ProgramResult ExpectKorvanOn(const std::filesystem::path& base, std::vector<std::string> args,
+                             int exit_code, const std::vector<std::string>& parts) {
+  args.insert(args.end(), {"-d", base.string()});
+  return ExpectKorvan(args, exit_code, parts);
+}
+
+int ListRowOf(const std::string& listing, const std::string& text) {
+  std::istringstream lines(listing);
+  int row = 0;
+  for (std::string line; std::getline(lines, line);) {
+    if (Contains(line, text)) return std::istringstream(line) >> row ? row : 0;
+  }
+  return 0;
+}
+
+std::string WithoutWriteTimes(const std::string& dump) {
+  static const std::regex stamp("LastModified: [^\t\n]*");
+  return std::regex_replace(dump, stamp, "LastModified: -");
+}
+
 std::filesystem::path MakeInstallation(const TempDir& dir, const std::string& command) {
   const std::filesystem::path base = dir.path() / "ava";
   const ProgramResult made = RunKorvanBinary({command, "-d", base.string()});
   EXPECT_EQ(made.exit_code, 0) << command << ": " << made.err;
   return base;
-}
-
-std::string ReadFile(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-std::map<std::string, std::string> FileContents(const std::filesystem::path& root) {
-  std::map<std::string, std::string> contents;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
-    if (entry.is_regular_file()) contents[entry.path().string()] = ReadFile(entry.path());
-  }
-  return contents;
-}
-
-void PatchFile(const std::filesystem::path& path, int64_t offset, const std::string& bytes) {
-  std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
-  file.seekp(offset);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 }  // namespace korvan::testing

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "testing/files.h"
+
 namespace korvan::testing {
 
 // What a run of the korvan binary produced.
@@ -39,19 +41,22 @@ ProgramResult ExpectKorvan(const std::vector<std::string>& args, int exit_code,
                            const std::vector<std::string>& parts = {},
                            const std::string& input = "");
 
+// The same on the installation in `base`: "-d <base>" follows the arguments.
+ProgramResult ExpectKorvanOn(const std::filesystem::path& base, std::vector<std::string> args,
+                             int exit_code = 0, const std::vector<std::string>& parts = {});
+
+// The row number `korvan list` shows in front of the first line that holds `text`; 0 if
+// none.
+int ListRowOf(const std::string& listing, const std::string& text);
+
+// A `korvan db dump` without the time of each record's last change, which every write
+// stamps anew.
+std::string WithoutWriteTimes(const std::string& dump);
+
 // Whether the run ended by a signal, a sanitizer report or an uncaught exception.
 bool Crashed(const ProgramResult& result);
 
 // An installation in `dir`/"ava" made by `korvan <command>` ("init" or "demo").
 std::filesystem::path MakeInstallation(const TempDir& dir, const std::string& command = "demo");
-
-// The whole content of a file; empty when it cannot be read.
-std::string ReadFile(const std::filesystem::path& path);
-
-// Every regular file below `root` with its content.
-std::map<std::string, std::string> FileContents(const std::filesystem::path& root);
-
-// Overwrites bytes of a file in place.
-void PatchFile(const std::filesystem::path& path, int64_t offset, const std::string& bytes);
 
 }  // namespace korvan::testing

@@ -7,24 +7,17 @@
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "testing/files.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::storage {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string Content(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
+using korvan::testing::ReadFile;
 
 std::vector<std::string> Names(const fs::path& directory) {
   std::vector<std::string> names;
@@ -70,11 +63,11 @@ class AtomicFileTest : public ::testing::Test {
   }
   // The target still has its old content and no temporary file was left behind.
   void ExpectOldContentOnly() {
-    EXPECT_EQ(Content(target_), "old content");
+    EXPECT_EQ(ReadFile(target_), "old content");
     EXPECT_EQ(Names(dir_.path()), std::vector<std::string>{"target.txt"});
   }
 
-  testing::TempDir dir_;
+  korvan::testing::TempDir dir_;
   const std::string target_ = dir_.File("target.txt");
 };
 
@@ -82,11 +75,11 @@ TEST_F(AtomicFileTest, WritesNewFilesAndReplacesContentAtEachDurability) {
   for (const Durability durability : {Durability::kAtomic, Durability::kDurable}) {
     fs::remove(target_);
     ASSERT_TRUE(WriteFileAtomically(target_, "first", durability).ok());
-    EXPECT_EQ(Content(target_), "first");
+    EXPECT_EQ(ReadFile(target_), "first");
     ASSERT_TRUE(WriteFileAtomically(target_, std::string("a\0b", 3), durability).ok());
-    EXPECT_EQ(Content(target_), std::string("a\0b", 3));
+    EXPECT_EQ(ReadFile(target_), std::string("a\0b", 3));
     ASSERT_TRUE(WriteFileAtomically(target_, "", durability).ok());
-    EXPECT_EQ(Content(target_), "");
+    EXPECT_EQ(ReadFile(target_), "");
     EXPECT_EQ(Names(dir_.path()), std::vector<std::string>{"target.txt"});
   }
 }
@@ -146,8 +139,8 @@ TEST_F(AtomicFileTest, CopyReplacesTheTargetWithTheSource) {
   ASSERT_TRUE(WriteFileAtomically(source, bytes, Durability::kAtomic).ok());
 
   ASSERT_TRUE(CopyFileAtomically(source, target_, Durability::kDurable).ok());
-  EXPECT_EQ(Content(target_), bytes);
-  EXPECT_EQ(Content(source), bytes);
+  EXPECT_EQ(ReadFile(target_), bytes);
+  EXPECT_EQ(ReadFile(source), bytes);
 }
 
 TEST_F(AtomicFileTest, CopyOfAMissingSourceKeepsTheOldContent) {

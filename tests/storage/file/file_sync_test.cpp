@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 TEST(FileSyncTest, SyncsExistingFilesAndDirectoriesAndNamesWhatIsMissing) {
-  testing::TempDir dir;
+  korvan::testing::TempDir dir;
   std::ofstream(dir.File("file")) << "x";
   EXPECT_EQ(SyncFile(dir.File("file")), 0);
   EXPECT_EQ(SyncDirectory(dir.path().string()), 0);
@@ -29,7 +29,7 @@ TEST(FileSyncTest, DirectoryOfAPath) {
 }
 
 TEST(FileSyncTest, RenameDurablyReplacesTheTarget) {
-  testing::TempDir dir;
+  korvan::testing::TempDir dir;
   std::ofstream(dir.File("new")) << "new";
   std::ofstream(dir.File("old")) << "old";
   EXPECT_EQ(RenameDurably(dir.File("new"), dir.File("old")), 0);
