@@ -46,20 +46,20 @@ TEST_F(LvEditCommands, BuildNumberRemoveRenumberAndUndo) {
         {"lv", "add", "Rohbau", "B", "--under", "01", "--short", "Titel " + std::to_string(group)});
     for (int item = 1; item <= 5; ++item) {
       Korvan({"lv", "add", "Rohbau", "P", "--under", "1." + std::to_string(group), "--short",
-              "Position", "--qty", "2", "--up", "10.5"});
+              "Position", "--qty", "2", "--unit", "m²", "--up", "10.5"});
     }
   }
   const std::string built = Show();
   EXPECT_EQ(Count(built, "\"oz\": "), 25) << built;
   EXPECT_TRUE(Contains(built,
                        "{\"oz\": \"01.02.0003\", \"kind\": \"P\", \"level\": 3, "
-                       "\"short_text\": \"Position\", \"qty\": 2, \"unit\": null, "
+                       "\"short_text\": \"Position\", \"qty\": 2, \"unit\": \"m²\", "
                        "\"unit_price\": 10.5, \"total\": 21}"))
       << built;
   EXPECT_TRUE(Contains(built, "\"mask\": \"11.22.PPPP\", \"currency\": null, \"total\": 420}"))
       << built;
   Korvan({"lv", "show", "Rohbau"}, 0,
-         {"    01.04.0005  P  Position  Menge 2,000  EP 10,50  GP 21,00"});
+         {"    01.04.0005  P  Position  Menge 2,000 m²  EP 10,50  GP 21,00"});
 
   Korvan({"lv", "remove", "Rohbau", "01.02.0002"}, 0, {"entfernt"});
   const std::string removed = Show();
@@ -88,7 +88,8 @@ TEST_F(LvEditCommands, WrongCallsChangeNothing) {
   const std::string before = Show();
   Korvan({"lv", "add", "Rohbau", "X"}, 2, {"Unbekannte Art"});
   Korvan({"lv", "add", "Rohbau", "P", "--under", "07"}, 1, {"keinen Eintrag mit der OZ \"07\""});
-  Korvan({"lv", "add", "Rohbau", "P", "--unit", "m2"}, 2, {"Einheiten können noch nicht"});
+  Korvan({"lv", "add", "Rohbau", "P", "--unit", "Stunden"}, 2, {"zu lang (höchstens 6 Zeichen)"});
+  Korvan({"lv", "add", "Rohbau", "H", "--unit", "m"}, 2, {"Eine Einheit haben nur Positionen"});
   Korvan({"lv", "add", "Rohbau", "H", "--qty", "3"}, 2, {"nur Positionen"});
   Korvan({"lv", "set", "Rohbau", "01", "menge=3"}, 2, {"Unbekanntes Feld"});
   Korvan({"lv", "move", "Rohbau", "01", "--after", "01"}, 2, {"hinter sich selbst"});

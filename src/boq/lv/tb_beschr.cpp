@@ -22,6 +22,7 @@ TTbBeschr::TTbBeschr(TStdDb& db, char table_type)
 void TTbBeschr::InitRecord() {
   TStdTB::InitRecord();
   Rec().Id = kNullId;
+  Rec().IdEinheit = data::kNullId16;
 }
 
 int TTbBeschr::GetKeyString(RecordView record, char index, std::string& key) const {

@@ -2,7 +2,9 @@
 
 #include <span>
 
+#include "boq/lv/beschr_record.h"
 #include "boq/lv/lv_entry_common.h"
+#include "data/common/cp1252.h"
 #include "data/records/money_fields.h"
 #include "data/records/null_values.h"
 
@@ -28,6 +30,18 @@ TLvPos NewLvPos(char kind) {
   entry.Struktur.ZuBg = data::kRootParentId;
   entry.Struktur.KzBgBeschr = kind;
   return entry;
+}
+
+std::string UnitProblem(std::string_view unit) {
+  data::Cp1252Report report;
+  const std::string stored = data::Utf8ToCp1252(unit, &report);
+  if (!report.Exact()) return "Einheit \"" + std::string(unit) + "\": " + report.Describe();
+  constexpr std::size_t kCapacity = sizeof(t_Beschr_DB_VERSION_201601::Einheit) - 1;
+  if (stored.size() > kCapacity) {
+    return "Einheit \"" + std::string(unit) + "\" ist zu lang (höchstens " +
+           std::to_string(kCapacity) + " Zeichen)";
+  }
+  return {};
 }
 
 }  // namespace korvan::boq

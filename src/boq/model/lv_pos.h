@@ -21,6 +21,8 @@ struct TLvPos {
   std::string LongText;                      // the long text as stored (rich text), may be empty
   bool LongTextLoaded = false;               // LongText was read (only on request: texts are large)
   bool LongTextChanged = false;              // LongText is to be written back
+  std::string Unit;                          // UTF-8 unit symbol (kept in the description)
+  bool UnitChanged = false;                  // Unit is to be written back
 
   char Kind() const { return Struktur.KzBgBeschr; }
   void SetKind(char kind) { Struktur.KzBgBeschr = kind; }
@@ -32,7 +34,15 @@ struct TLvPos {
   // Copied first: `oz` may be a view of the stored number itself.
   void SetOz(std::string_view oz) { LvBgBeschr.OZ.SetRaw(std::string(oz)); }
   bool IsSupplement() const { return LvBgBeschr.KzNachtrag != 0; }
+  void SetUnit(std::string unit) {
+    Unit = std::move(unit);
+    UnitChanged = true;
+  }
 };
+
+// Why `unit` cannot be an entry's unit (a stored unit holds at most 6 characters of
+// Windows-1252), or empty when it can.
+std::string UnitProblem(std::string_view unit);
 
 // A new entry of `kind` with the defaults a new record gets: ids unset (it gets them when
 // saved), amounts in the LV's currency, directly below the LV root.

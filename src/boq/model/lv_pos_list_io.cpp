@@ -106,6 +106,7 @@ class ListWriter {
         rows_(lv_db),
         groups_(lv_db),
         items_(lv_db),
+        descriptions_(lv_db),
         counters_(lv_db) {}
 
   void Run() {
@@ -138,8 +139,12 @@ class ListWriter {
           (old->second.KzBgBeschr == 'B') != entry.IsGroup()) {
         DeleteData(old->second);
       }
-      if (text_db_ != nullptr && NeedsDescription(entry))
-        entry.LvBgBeschr.IDBeschr = NewDescription();
+      if (NeedsDescription(entry)) {
+        entry.LvBgBeschr.IDBeschr = NewDescription(entry);
+      } else {
+        WriteUnit(entry);
+      }
+      entry.UnitChanged = false;
       WriteData(entry);
       WriteRow(entry);
       if (text_db_ != nullptr) WriteTexts(entry);
@@ -171,20 +176,37 @@ class ListWriter {
     return id;
   }
 
-  static bool NeedsDescription(const TLvPos& entry) {
-    return entry.LvBgBeschr.IDBeschr == kNullId &&
-           (!entry.ShortText.empty() || (entry.LongTextChanged && !entry.LongText.empty()));
+  bool NeedsDescription(const TLvPos& entry) const {
+    if (entry.LvBgBeschr.IDBeschr != kNullId) return false;
+    const bool has_texts =
+        !entry.ShortText.empty() || (entry.LongTextChanged && !entry.LongText.empty());
+    return (text_db_ != nullptr && has_texts) || (entry.UnitChanged && !entry.Unit.empty());
   }
 
-  int32_t NewDescription() {
-    TTbBeschr descriptions(db_);
-    descriptions.InitRecord();
-    descriptions.Rec().Id = NextId(kDescriptionCounterName);
-    if (int result = descriptions.UpDateRec(); result != storage::kOk) {
+  // A new description carries the entry's unit from the start.
+  int32_t NewDescription(const TLvPos& entry) {
+    descriptions_.InitRecord();
+    descriptions_.Rec().Id = NextId(kDescriptionCounterName);
+    descriptions_.Rec().Einheit.Set(entry.Unit);
+    if (int result = descriptions_.UpDateRec(); result != storage::kOk) {
       Fail(db_, "die Beschreibung eines Eintrags kann nicht gespeichert werden", result,
-           &descriptions);
+           &descriptions_);
     }
-    return descriptions.Rec().Id;
+    return descriptions_.Rec().Id;
+  }
+
+  void WriteUnit(const TLvPos& entry) {
+    const int32_t description = entry.LvBgBeschr.IDBeschr;
+    if (!entry.UnitChanged || description == kNullId) return;
+    if (!descriptions_.GetKey(KeyNumber(description), '1'))
+      Fail(db_, "die Beschreibung " + std::to_string(description) + " fehlt");
+    const t_Beschr_DB_VERSION_201601 before = descriptions_.Rec();
+    descriptions_.Rec().Einheit.Set(entry.Unit);
+    // A new symbol drops the link to the unit list; it is made again where the list is
+    // at hand.
+    if (!(descriptions_.Rec().Einheit == before.Einheit))
+      descriptions_.Rec().IdEinheit = data::kNullId16;
+    WriteIfChanged(db_, descriptions_, true, before, "Beschreibung " + std::to_string(description));
   }
 
   void WriteData(const TLvPos& entry) {
@@ -292,6 +314,7 @@ class ListWriter {
   TTbStruktur rows_;
   TTbLvBg groups_;
   TTbLvBeschr items_;
+  TTbBeschr descriptions_;
   data::TTbCounter counters_;
 };
 
@@ -311,6 +334,7 @@ TLVPosList LoadLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, int32_t lv_
   }
   TTbLvBg groups(lv_db);
   TTbLvBeschr items(lv_db);
+  TTbBeschr descriptions(lv_db);
   std::optional<TTbTexte> short_texts;
   std::optional<TLongTextStore> long_text_store;
   if (text_db != nullptr) {
@@ -326,6 +350,8 @@ TLVPosList LoadLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, int32_t lv_
                       (entry.IsGroup() ? "die Gruppe" : "der Eintrag") + " fehlt");
     }
     const int32_t description = entry.LvBgBeschr.IDBeschr;
+    if (description != kNullId && descriptions.GetKey(KeyNumber(description), '1'))
+      entry.Unit = descriptions.Rec().Einheit.Get();
     if (short_texts && description != kNullId) {
       entry.ShortText =
           JoinLines(short_texts->ReadLines(description, kShortTextKind, kEntryTextLanguage));

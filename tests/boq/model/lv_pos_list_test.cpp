@@ -99,6 +99,29 @@ TEST_F(LvPosListIo, LongTextIsReadOnlyOnRequestAndWrittenWhenChanged) {
   EXPECT_EQ(LoadLvPosList(*db_, texts_.get(), lv_, true)[1].LongText, list[1].LongText);
 }
 
+TEST_F(LvPosListIo, UnitIsKeptInTheDescriptionAlsoWithoutTexts) {
+  TLVPosList list = SampleList();
+  list[1].SetUnit("m³");  // has a description (its short text)
+  TLvPos bare = testing::Entry('P');
+  bare.Struktur.ZuBg = list[0].Struktur.IdBgBeschr;
+  bare.SetUnit("St");
+  list.Add(bare);
+  SaveLvPosList(*db_, nullptr, list);  // no text database: the unit alone needs a description
+  TLVPosList loaded = LoadLvPosList(*db_, texts_.get(), lv_);
+  EXPECT_EQ(loaded[1].Unit, "m³");
+  EXPECT_EQ(loaded[1].ShortText, "Beton C25/30");
+  EXPECT_EQ(loaded[5].Unit, "St");
+  EXPECT_FALSE(loaded[1].UnitChanged);
+
+  loaded[1].SetUnit("");
+  SaveLvPosList(*db_, texts_.get(), loaded);
+  EXPECT_EQ(LoadLvPosList(*db_, texts_.get(), lv_)[1].Unit, "");
+  EXPECT_EQ(Check(true), 0);
+  EXPECT_EQ(UnitProblem("m2"), "");
+  EXPECT_NE(UnitProblem("Stunden"), "");  // 7 characters: one too many
+  EXPECT_NE(UnitProblem("m😀"), "");
+}
+
 TEST_F(LvPosListIo, MissingLvIsNamed) {
   EXPECT_THROW(LoadLvPosList(*db_, texts_.get(), 999), EStoredLvError);
 }

@@ -130,9 +130,11 @@ std::string ReadLongText(const std::string& path) {
 
 void Apply(const EntryValues& values, boq::TLvPos& entry, LvProject& target) {
   if (values.unit) {
-    throw UsageError(
-        "Einheiten können noch nicht gespeichert werden (die Beschreibung des "
-        "Eintrags hat noch kein Feld dafür).");
+    if (const std::string problem = boq::UnitProblem(*values.unit); !problem.empty())
+      throw UsageError(problem + ".");
+    if (!entry.IsQuantityItem())
+      throw UsageError(std::string("Eine Einheit haben nur Positionen (P, L, U), nicht die Art ") +
+                       entry.Kind() + ".");
   }
   if ((values.qty || values.unit_price) && !entry.IsQuantityItem()) {
     throw UsageError(std::string("Menge und Preis haben nur Positionen (P, L, U), nicht die Art ") +
@@ -152,6 +154,7 @@ void Apply(const EntryValues& values, boq::TLvPos& entry, LvProject& target) {
   }
   if (values.qty) entry.LvBeschr.FMenge = *values.qty;
   if (values.unit_price) entry.LvBeschr.SchaetzEP.Betrag = *values.unit_price;
+  if (values.unit) entry.SetUnit(*values.unit);
 }
 
 class LvAddCommand : public LvEditOperation {
@@ -208,7 +211,7 @@ class LvSetCommand : public LvEditOperation {
  public:
   std::string Name() const override { return "set"; }
   std::string Summary() const override {
-    return "ändert Felder eines Eintrags: short=, long-file=, qty=, up=, oz=";
+    return "ändert Felder eines Eintrags: short=, long-file=, qty=, unit=, up=, oz=";
   }
   void Define(CLI::App& app) override {
     app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();

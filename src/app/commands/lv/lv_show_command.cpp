@@ -45,7 +45,8 @@ void PrintJson(std::ostream& out, const boq::TLVPosList& list,
         << ", \"kind\": " << JsonString(std::string(1, entry.Kind()))
         << ", \"level\": " << figure.depth << ", \"short_text\": " << JsonString(entry.ShortText);
     if (long_texts) out << ", \"long_text\": " << JsonString(PlainLongText(entry.LongText));
-    out << ", \"qty\": " << OptionalNumber(figure.quantity) << ", \"unit\": null"
+    out << ", \"qty\": " << OptionalNumber(figure.quantity)
+        << ", \"unit\": " << (entry.Unit.empty() ? "null" : JsonString(entry.Unit))
         << ", \"unit_price\": " << OptionalNumber(figure.unit_price)
         << ", \"total\": " << OptionalNumber(figure.total) << "}";
   }
@@ -73,6 +74,7 @@ void PrintTree(std::ostream& out, const boq::TLVPosList& list,
     const std::string indent(static_cast<std::size_t>(2 * (figure.depth - 1)), ' ');
     out << indent << entry.LvBgBeschr.OZ.Get() << "  " << entry.Kind() << "  " << entry.ShortText;
     if (figure.quantity) out << "  Menge " << Figure(figure.quantity, "%.3f");
+    if (!entry.Unit.empty()) out << ' ' << entry.Unit;
     if (figure.unit_price) out << "  EP " << Figure(figure.unit_price, "%.2f");
     if (figure.total) out << "  GP " << Figure(figure.total, "%.2f");
     out << '\n';
