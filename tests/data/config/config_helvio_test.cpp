@@ -2,6 +2,7 @@
 
 #include "data/config/config_test_support.h"
 #include "data/config/helvio_ini.h"
+#include "testing/files.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::data {
@@ -13,11 +14,11 @@ TEST(HelvioIni, ReadsKernelSettingsAndFallsBackOnBadValues) {
   EXPECT_EQ(missing.KernelSettings(), storage::KernelSettings{});
   EXPECT_TRUE(missing.RegenCheck());
 
-  testing::WriteBytes(dir.File("HELVIO.INI"),
-                      "[dbkernel]\r\nLOCK_TIMEOUT=7000\r\nflush_timeout=1200\r\n"
-                      "CLASSIC_CACHE_ENABLED=1\r\nDB_CACHESIZE=40\r\n"
-                      "CACHE_MONITORINGFILE=C:\\Temp\\Cache.txt\r\nCCD_ENABLED=1\r\n"
-                      "[DEFAULTINFO]\r\nREGEN_CHECK=0\r\n");
+  korvan::testing::WriteFile(dir.File("HELVIO.INI"),
+                             "[dbkernel]\r\nLOCK_TIMEOUT=7000\r\nflush_timeout=1200\r\n"
+                             "CLASSIC_CACHE_ENABLED=1\r\nDB_CACHESIZE=40\r\n"
+                             "CACHE_MONITORINGFILE=C:\\Temp\\Cache.txt\r\nCCD_ENABLED=1\r\n"
+                             "[DEFAULTINFO]\r\nREGEN_CHECK=0\r\n");
   EXPECT_EQ(THelvioIni::FindIn(dir.path()), dir.path() / "HELVIO.INI");
   const THelvioIni helvio = THelvioIni::Load(THelvioIni::FindIn(dir.path()));
   storage::KernelSettings expected;
@@ -33,10 +34,11 @@ TEST(HelvioIni, ReadsKernelSettingsAndFallsBackOnBadValues) {
   EXPECT_EQ(lookup("Lock_Timeout"), "7000");
   EXPECT_EQ(lookup("NOT_THERE"), std::nullopt);
 
-  testing::WriteBytes(dir.File("Helvio.ini"),
-                      "[DBKERNEL]\nLOCK_TIMEOUT=100\nFlush_TimeOut=schnell\n"
-                      "CLASSIC_CACHE_ENABLED=ja\nDB_CACHESIZE=3\nCACHE_DOWRITEBYRELEASE=\nkaputt\n"
-                      "[DEFAULTINFO]\nREGEN_CHECK=vielleicht\n");
+  korvan::testing::WriteFile(
+      dir.File("Helvio.ini"),
+      "[DBKERNEL]\nLOCK_TIMEOUT=100\nFlush_TimeOut=schnell\n"
+      "CLASSIC_CACHE_ENABLED=ja\nDB_CACHESIZE=3\nCACHE_DOWRITEBYRELEASE=\nkaputt\n"
+      "[DEFAULTINFO]\nREGEN_CHECK=vielleicht\n");
   const THelvioIni bad = THelvioIni::Load(dir.File("Helvio.ini"));
   storage::KernelSettings defaults;
   EXPECT_GE(bad.KernelSettings().db_cache_size, storage::kMinCacheBlocks);

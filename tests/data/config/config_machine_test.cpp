@@ -4,16 +4,17 @@
 
 #include "data/config/config_test_support.h"
 #include "data/config/machine_config.h"
+#include "testing/files.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::data {
 namespace {
 
+using korvan::testing::ReadFile;
+using korvan::testing::WriteFile;
 using testing::ChangeEveryOption;
 using testing::Contains;
-using testing::ReadBytes;
 using testing::TestContext;
-using testing::WriteBytes;
 
 TMachineEnvironment EnvironmentAt(const std::string& program_directory) {
   TMachineEnvironment environment;
@@ -88,9 +89,9 @@ TEST(MachineConfig, FileOverridesAndDependentsFollow) {
   const TMachineConfig fresh(TestContext(), EnvironmentAt(root));
   const std::string file = fresh.MachineConfigFile().string();
   std::filesystem::create_directories(fresh.MachineDirectory());
-  WriteBytes(file,
-             "; Rechner ws01\r\n[Directories]\r\nSystemDirectory=/srv/ava/SYS-NEU\r\n"
-             "KatalogDirectory=\r\nObjektDirectory=/srv/ava/PROJEKTE/P1/\r\nEigene=behalten\r\n");
+  WriteFile(file,
+            "; Rechner ws01\r\n[Directories]\r\nSystemDirectory=/srv/ava/SYS-NEU\r\n"
+            "KatalogDirectory=\r\nObjektDirectory=/srv/ava/PROJEKTE/P1/\r\nEigene=behalten\r\n");
 
   TMachineConfig machine = TMachineConfig::Open(TestContext(), EnvironmentAt(root));
   EXPECT_TRUE(machine.States().Contains(TConfigState::csFileRead));
@@ -107,7 +108,7 @@ TEST(MachineConfig, FileOverridesAndDependentsFollow) {
   machine.Save();
   EXPECT_FALSE(machine.States().Contains(TConfigState::csChanged));
   EXPECT_EQ(machine.SyskonPath(), file);  // the file read, not the one the new layout names
-  const std::string bytes = ReadBytes(file);
+  const std::string bytes = ReadFile(file);
   EXPECT_EQ(bytes.rfind("; Rechner ws01\r\n[Directories]\r\n", 0), 0u);
   EXPECT_TRUE(Contains(bytes, "Eigene=behalten\r\n"));
   EXPECT_TRUE(Contains(bytes, "[Globals]\r\nConfigTyp=Machine\r\n"));
@@ -125,7 +126,7 @@ TEST(MachineConfig, RoundTripsEveryDirectory) {
   loaded.Load(dir.File("Q_Machine.ini"));
   // Every directory comes from the file (normalised to end in the separator).
   for (const auto& entry : loaded.Directories()) EXPECT_EQ(entry.path, "Größe € äÖü/") << entry.key;
-  EXPECT_TRUE(Contains(ReadBytes(dir.File("Q_Machine.ini")), "Gr\xF6\337e \x80 \xE4\xD6\xFC"));
+  EXPECT_TRUE(Contains(ReadFile(dir.File("Q_Machine.ini")), "Gr\xF6\337e \x80 \xE4\xD6\xFC"));
 }
 
 }  // namespace

@@ -4,24 +4,25 @@
 
 #include "data/config/config_test_support.h"
 #include "data/config/sys_config.h"
+#include "testing/files.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::data {
 namespace {
 
+using korvan::testing::ReadFile;
+using korvan::testing::WriteFile;
 using testing::ChangeEveryOption;
 using testing::Contains;
-using testing::ReadBytes;
 using testing::TestContext;
-using testing::WriteBytes;
 
 TEST(SysConfig, RoundTripKeepsValuesCommentsUnknownKeysAndUmlauts) {
   korvan::testing::TempDir dir;
   const std::string file = dir.File("Q_System.ini");
-  WriteBytes(file,
-             "; Systemweite Einstellungen\r\n[Strings]\r\nAbsender=M\xFCller & S\xF6hne\r\n"
-             "Ma\xDFstab=1:50 \xBD\r\n"  // unknown key with umlauts
-             "[Eigenes]\r\n; bleibt\r\nSchl\xFCssel=W\xE4rme\r\n");
+  WriteFile(file,
+            "; Systemweite Einstellungen\r\n[Strings]\r\nAbsender=M\xFCller & S\xF6hne\r\n"
+            "Ma\xDFstab=1:50 \xBD\r\n"  // unknown key with umlauts
+            "[Eigenes]\r\n; bleibt\r\nSchl\xFCssel=W\xE4rme\r\n");
   TSysConfig sys(TestContext());
   sys.Load(file);
   EXPECT_EQ(sys.Absender(), "Müller & Söhne");
@@ -30,7 +31,7 @@ TEST(SysConfig, RoundTripKeepsValuesCommentsUnknownKeysAndUmlauts) {
   EXPECT_TRUE(ChangeEveryOption(sys).empty());
   const auto changed = sys.Entries();
   sys.Save();
-  const std::string first_bytes = ReadBytes(file);
+  const std::string first_bytes = ReadFile(file);
 
   TSysConfig loaded(TestContext());
   loaded.Load(file);
@@ -42,7 +43,7 @@ TEST(SysConfig, RoundTripKeepsValuesCommentsUnknownKeysAndUmlauts) {
   EXPECT_EQ(loaded.LktGTFormular()[0], "a,b");
   EXPECT_EQ(loaded.LktGTFormular()[1], "ä");
   loaded.Save();
-  EXPECT_EQ(ReadBytes(file), first_bytes);  // load-save is stable byte for byte
+  EXPECT_EQ(ReadFile(file), first_bytes);  // load-save is stable byte for byte
 
   // On disk: comments, the unknown section and key, umlauts as single bytes.
   EXPECT_EQ(first_bytes.rfind("; Systemweite Einstellungen\r\n[Strings]\r\n", 0), 0u);
@@ -56,13 +57,13 @@ TEST(SysConfig, RoundTripKeepsValuesCommentsUnknownKeysAndUmlauts) {
 TEST(SysConfig, InvalidValuesFallBackToTheirDefaults) {
   korvan::testing::TempDir dir;
   const std::string file = dir.File("Q_System.ini");
-  WriteBytes(file,
-             "[Flags]\nRundenWaehrung=ja\nCurrencyRoundingType=7\nQtyRoundingType=2\n"
-             "kaputte Zeile\n[Numerics]\nOZSchrittweite=abc\nREBVersion=99999\n"
-             "EuroFaktor=1,95583\nBaukostenindex=hundert\nRefDateForContractDate=20091332\n"
-             "MwstNeuDatum=20240229\nRebMethodDescription=3\nAnzeigeWaeGenauigkeit=256\n"
-             "[Structs]\nOZStepLengthGT=1,2,3\nBTStepLengthGT=1,2,3,4,5,6,7,8,9,x\n"
-             "KatOZStepLengthGT=5,5,5,5,5,5,5,5,5,5\nAnzeigeWae=2\n[Strings]\nOZFormat=1.2.PPP\n");
+  WriteFile(file,
+            "[Flags]\nRundenWaehrung=ja\nCurrencyRoundingType=7\nQtyRoundingType=2\n"
+            "kaputte Zeile\n[Numerics]\nOZSchrittweite=abc\nREBVersion=99999\n"
+            "EuroFaktor=1,95583\nBaukostenindex=hundert\nRefDateForContractDate=20091332\n"
+            "MwstNeuDatum=20240229\nRebMethodDescription=3\nAnzeigeWaeGenauigkeit=256\n"
+            "[Structs]\nOZStepLengthGT=1,2,3\nBTStepLengthGT=1,2,3,4,5,6,7,8,9,x\n"
+            "KatOZStepLengthGT=5,5,5,5,5,5,5,5,5,5\nAnzeigeWae=2\n[Strings]\nOZFormat=1.2.PPP\n");
   TSysConfig sys(TestContext());
   sys.Load(file);
   const TSysConfig defaults(TestContext());
@@ -90,7 +91,7 @@ TEST(SysConfig, InvalidValuesFallBackToTheirDefaults) {
   // The damaged line and the bad values are kept in the file until they are replaced.
   sys.SetREBVersion(2);
   sys.Save();
-  const std::string bytes = ReadBytes(file);
+  const std::string bytes = ReadFile(file);
   EXPECT_TRUE(Contains(bytes, "kaputte Zeile\n"));
   EXPECT_TRUE(Contains(bytes, "REBVersion=2\n"));
   EXPECT_TRUE(Contains(bytes, "OZSchrittweite=10\n"));
@@ -99,7 +100,7 @@ TEST(SysConfig, InvalidValuesFallBackToTheirDefaults) {
 TEST(SysConfig, ChecksTheKindReadOnlyAndLegacyKeys) {
   korvan::testing::TempDir dir;
   const std::string file = dir.File("Q_System.ini");
-  WriteBytes(file, "[Globals]\nConfigTyp=User\n[Numerics]\nREBVersion=2\n");
+  WriteFile(file, "[Globals]\nConfigTyp=User\n[Numerics]\nREBVersion=2\n");
   TSysConfig sys(TestContext());
   try {
     sys.Load(file);
@@ -110,7 +111,7 @@ TEST(SysConfig, ChecksTheKindReadOnlyAndLegacyKeys) {
   }
   EXPECT_EQ(sys.REBVersion(), 3);  // nothing was taken over
 
-  WriteBytes(file, "[Globals]\nconfigtyp=sys\n[Strings]\nUserPasswort=alt\n");
+  WriteFile(file, "[Globals]\nconfigtyp=sys\n[Strings]\nUserPasswort=alt\n");
   sys.Load(file, /*only_read=*/true);
   EXPECT_TRUE(sys.OnlyRead());
   EXPECT_EQ(sys.UserAdminPW(), "alt");
@@ -137,7 +138,7 @@ TEST(SysConfig, ChecksTheKindReadOnlyAndLegacyKeys) {
 TEST(SysConfig, ProjectNumbersAdvanceTheStoredCounter) {
   korvan::testing::TempDir dir;
   const std::string file = dir.File("Q_System.ini");
-  WriteBytes(file, "[Numerics]\nProjektCounter=41\n");
+  WriteFile(file, "[Numerics]\nProjektCounter=41\n");
   TSysConfig sys(TestContext());
   sys.Load(file);
   EXPECT_EQ(sys.NextProjektNummer(20240307), "2024-03-00042");

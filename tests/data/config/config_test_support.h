@@ -1,7 +1,5 @@
 #pragma once
 
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -11,15 +9,6 @@ namespace korvan::data::testing {
 
 inline TConfigContext TestContext() {
   return {"anna", "ws01", "0.1.0", 100};
-}
-
-inline std::string ReadBytes(const std::string& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
-inline void WriteBytes(const std::string& file, const std::string& bytes) {
-  std::ofstream(file, std::ios::binary | std::ios::trunc) << bytes;
 }
 
 inline bool Contains(const std::string& text, const std::string& part) {

@@ -3,16 +3,17 @@
 #include "data/config/config_test_support.h"
 #include "data/config/machine_config.h"
 #include "data/config/user_config.h"
+#include "testing/files.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::data {
 namespace {
 
+using korvan::testing::ReadFile;
+using korvan::testing::WriteFile;
 using testing::ChangeEveryOption;
 using testing::Contains;
-using testing::ReadBytes;
 using testing::TestContext;
-using testing::WriteBytes;
 
 TEST(UserConfig, StartsWithDefaultsAndReadsItsFile) {
   korvan::testing::TempDir dir;
@@ -23,11 +24,11 @@ TEST(UserConfig, StartsWithDefaultsAndReadsItsFile) {
   EXPECT_EQ(fresh.SyskonPath(), machine.UserConfigFile().string());
 
   std::filesystem::create_directories(machine.UserDirectory());
-  WriteBytes(machine.UserConfigFile().string(),
-             "[Directories]\r\nObjektvorgabe=B\xFCrogeb\xE4ude\r\n"
-             "[Flags]\r\nNoCalcLocking=1\r\nsaveDeskops=1\r\nShowTab=1\r\nLineBreak=3\r\n"
-             "[GUI]\r\nAllCAD=\xC4\r\nNavWidth1=-12\r\nBarFile_2=leiste2.bar\r\n"
-             "[ModulOptions]\r\nMain_WPX=640\r\n");
+  WriteFile(machine.UserConfigFile().string(),
+            "[Directories]\r\nObjektvorgabe=B\xFCrogeb\xE4ude\r\n"
+            "[Flags]\r\nNoCalcLocking=1\r\nsaveDeskops=1\r\nShowTab=1\r\nLineBreak=3\r\n"
+            "[GUI]\r\nAllCAD=\xC4\r\nNavWidth1=-12\r\nBarFile_2=leiste2.bar\r\n"
+            "[ModulOptions]\r\nMain_WPX=640\r\n");
   const TUserConfig user = TUserConfig::Open(TestContext(), machine);
   EXPECT_EQ(user.Objektvorgabe(), "Bürogebäude");
   EXPECT_TRUE(user.NoAufmassSperre());
@@ -43,7 +44,7 @@ TEST(UserConfig, StartsWithDefaultsAndReadsItsFile) {
 TEST(UserConfig, RoundTripKeepsEveryOption) {
   korvan::testing::TempDir dir;
   const std::string file = dir.File("Q_User.ini");
-  WriteBytes(file, "# Benutzer anna\n[GUI]\nAllCAD=toolong\nUnbekannt=\xE4\n");
+  WriteFile(file, "# Benutzer anna\n[GUI]\nAllCAD=toolong\nUnbekannt=\xE4\n");
   TUserConfig user(TestContext());
   user.Load(file);
   ASSERT_EQ(user.Warnings().size(), 1u);  // a character field with a whole word
@@ -53,7 +54,7 @@ TEST(UserConfig, RoundTripKeepsEveryOption) {
   EXPECT_TRUE(ChangeEveryOption(user).empty());
   user.SetBarFile(1, "Leiste ä.bar");
   user.Save();
-  const std::string bytes = ReadBytes(file);
+  const std::string bytes = ReadFile(file);
   EXPECT_EQ(bytes.rfind("# Benutzer anna\n[GUI]\n", 0), 0u);
   EXPECT_TRUE(Contains(bytes, "Unbekannt=\xE4\n"));
   EXPECT_TRUE(Contains(bytes, "BarFile_1=Leiste \xE4.bar\n"));
@@ -69,7 +70,7 @@ TEST(UserConfig, RoundTripKeepsEveryOption) {
   }
   EXPECT_EQ(loaded.BarFile(1), "Leiste ä.bar");
   loaded.Save();
-  EXPECT_EQ(ReadBytes(file), bytes);
+  EXPECT_EQ(ReadFile(file), bytes);
 }
 
 }  // namespace

@@ -11,13 +11,14 @@
 #include <vector>
 
 #include "data/config/config_test_support.h"
+#include "testing/files.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::data {
 namespace {
 
+using korvan::testing::ReadFile;
 using testing::Contains;
-using testing::ReadBytes;
 
 // Another program, in a child process, signed into a directory until it leaves.
 class OtherProgram {
@@ -72,7 +73,7 @@ TEST(ControlListProcesses, ExclusiveAndSharedUseAcrossProcesses) {
     EXPECT_EQ(check.holder->process_id, anna.pid());
     EXPECT_TRUE(Contains(check.message, "\"Anna\"")) << check.message;
     EXPECT_EQ(check.list, nullptr);
-    EXPECT_FALSE(Contains(ReadBytes(temp.File("DATA.QDC")), "Bernd"));
+    EXPECT_FALSE(Contains(ReadFile(temp.File("DATA.QDC")), "Bernd"));
     EXPECT_EQ(anna.Leave(), 0);
     ExclusiveLockingResult after = CheckExclusiveLocking(directory, true, false, {"Bernd", "pc2"});
     ASSERT_NE(after.list, nullptr);
@@ -94,12 +95,12 @@ TEST(ControlListProcesses, ExclusiveAndSharedUseAcrossProcesses) {
 TEST(ControlListProcesses, EntryOfAProgramThatEndedWithoutSigningOffIsDropped) {
   korvan::testing::TempDir temp;
   EXPECT_EQ(OtherProgram(temp.path().string(), "Anna", true).Leave(/*sign_off=*/false), 0);
-  EXPECT_TRUE(Contains(ReadBytes(temp.File("DATA.QDC")), "Anna"));
+  EXPECT_TRUE(Contains(ReadFile(temp.File("DATA.QDC")), "Anna"));
   TControlList list(temp.path().string());
   EXPECT_TRUE(list.Open({"Bernd", "pc2"}, true));
   ASSERT_EQ(list.Users().size(), 1u);
   EXPECT_EQ(list.Users()[0].user, "Bernd");
-  EXPECT_FALSE(Contains(ReadBytes(temp.File("DATA.QDC")), "Anna"));
+  EXPECT_FALSE(Contains(ReadFile(temp.File("DATA.QDC")), "Anna"));
 }
 
 TEST(ControlList, SignInSignOffAndFileContent) {
@@ -110,7 +111,7 @@ TEST(ControlList, SignInSignOffAndFileContent) {
   TControlList list(temp.path().string(), options);
   ASSERT_TRUE(list.Open({"Anna|Admin\n", "pc1"}, false));
   const std::string path = temp.File("DATA.QDC");
-  const ControlFileContent content = ParseControlFile(ReadBytes(path), path);
+  const ControlFileContent content = ParseControlFile(ReadFile(path), path);
   ASSERT_EQ(content.users.size(), 1u);
   EXPECT_EQ(content.users[0].user, "Anna_Admin_") << "separators in names are replaced";
   EXPECT_EQ(content.users[0].process_id, ::getpid());
@@ -120,7 +121,7 @@ TEST(ControlList, SignInSignOffAndFileContent) {
   EXPECT_EQ(diagnostics.front(), list_lock);
   EXPECT_NE(std::find(diagnostics.begin(), diagnostics.end(), "Un" + list_lock), diagnostics.end());
   list.Close();
-  EXPECT_TRUE(ParseControlFile(ReadBytes(path), path).users.empty());
+  EXPECT_TRUE(ParseControlFile(ReadFile(path), path).users.empty());
   list.Close();  // a second close does nothing
 
   // An exclusive holder without a name shows as the standard user.
@@ -194,7 +195,7 @@ TEST(ControlList, DamagedFileNamesFileAndLine) {
   const std::string path = temp.File("DATA.QDC");
   for (const auto& damaged : cases) {
     SCOPED_TRACE(damaged.text);
-    testing::WriteBytes(path, damaged.text);
+    korvan::testing::WriteFile(path, damaged.text);
     TControlList list(temp.path().string());
     try {
       list.Open({"Anna", "pc1"}, false);
@@ -208,7 +209,7 @@ TEST(ControlList, DamagedFileNamesFileAndLine) {
       EXPECT_TRUE(Contains(what, damaged.problem)) << what;
     }
     EXPECT_FALSE(list.IsOpen());
-    EXPECT_EQ(ReadBytes(path), damaged.text) << "a damaged file is left as it was";
+    EXPECT_EQ(ReadFile(path), damaged.text) << "a damaged file is left as it was";
   }
 }
 

@@ -6,13 +6,14 @@
 
 #include "data/config/config_error.h"
 #include "data/config/config_test_support.h"
+#include "testing/files.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::data {
 namespace {
 
-using testing::ReadBytes;
-using testing::WriteBytes;
+using korvan::testing::ReadFile;
+using korvan::testing::WriteFile;
 
 IniFile ParseText(std::string_view bytes, std::vector<IniProblem>* problems = nullptr) {
   return IniFile::Parse(bytes, "Test.ini", problems);
@@ -105,7 +106,7 @@ TEST(IniFile, StoresWindows1252BytesOnDisk) {
   std::vector<IniProblem> problems;
   ini.Save(file, &problems);
   EXPECT_TRUE(problems.empty());
-  EXPECT_EQ(ReadBytes(file), "[Ma\337e]\r\nStra\337e=Gr\xF6\337e 5 \x80 \x96 \x93ok\x94\r\n");
+  EXPECT_EQ(ReadFile(file), "[Ma\337e]\r\nStra\337e=Gr\xF6\337e 5 \x80 \x96 \x93ok\x94\r\n");
 
   const auto loaded = IniFile::Load(file, &problems);
   ASSERT_TRUE(loaded.has_value());
@@ -119,7 +120,7 @@ TEST(IniFile, StoresWindows1252BytesOnDisk) {
   arrows.Save(file, &problems);
   ASSERT_EQ(problems.size(), 1u);
   EXPECT_EQ(problems[0].line, 3);
-  EXPECT_NE(ReadBytes(file).find("Pfeil=a?b\r\n"), std::string::npos);
+  EXPECT_NE(ReadFile(file).find("Pfeil=a?b\r\n"), std::string::npos);
 }
 
 TEST(IniFile, SavesAtomicallyAndReportsFileErrors) {
@@ -132,7 +133,7 @@ TEST(IniFile, SavesAtomicallyAndReportsFileErrors) {
   ini.Save(file, nullptr);  // creates the missing directories
   ini.Set("Flags", "A", "2");
   ini.Save(file, nullptr);
-  EXPECT_EQ(ReadBytes(file), "[Flags]\r\nA=2\r\n");
+  EXPECT_EQ(ReadFile(file), "[Flags]\r\nA=2\r\n");
   // Only the file itself is left: no temporary files.
   const std::filesystem::directory_iterator files(dir.File("sub/deeper"));
   EXPECT_EQ(std::distance(begin(files), end(files)), 1);
@@ -148,7 +149,7 @@ TEST(IniFile, SavesAtomicallyAndReportsFileErrors) {
   EXPECT_TRUE(std::filesystem::is_directory(dir.File("Taken.ini")));
   EXPECT_TRUE(std::filesystem::is_empty(dir.File("Taken.ini")));
   // A file where a directory should be.
-  WriteBytes(dir.File("plain"), "x");
+  WriteFile(dir.File("plain"), "x");
   EXPECT_THROW(ini.Save(dir.File("plain/Q_User.ini"), nullptr), EAvaConfigError);
   // Reading a directory is an error, not an empty file.
   EXPECT_THROW(IniFile::Load(dir.File("Taken.ini"), nullptr), EAvaConfigError);

@@ -56,7 +56,7 @@ class TTbTestGuid : public TTypedTB<t_TestGuid> {
 };
 
 constexpr char kDbType = 'E';
-constexpr int kKeyLength = 60;  // room for a GUID in a key
+constexpr int kGuidKeyLength = 60;  // room for a GUID in a key
 constexpr char kMandatoryType = 'G';
 constexpr char kOptionalType = 'H';
 
@@ -109,7 +109,7 @@ const std::vector<Input> kInputs = {
 class RebuildGuidTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    TStdDb db("DB_Stamm", dir_.path().string(), kDbType, kKeyLength);
+    TStdDb db("DB_Stamm", dir_.path().string(), kDbType, kGuidKeyLength);
     ASSERT_EQ(db.DbCreate(), 0);
     TTbTestGuid mandatory(db, kMandatoryType, "TTbTestGuid", true);
     TTbTestGuid optional(db, kOptionalType, "TTbTestGuidOptional", false);
@@ -127,12 +127,12 @@ class RebuildGuidTest : public ::testing::Test {
   void TearDown() override { TStdDbDatas::Instance().ReleaseEmpty(); }
 
   DatabaseRebuild Rebuild() {
-    return RebuildDatabase(dir_.path().string() + "/", "DB_Stamm", kDbType, kKeyLength,
+    return RebuildDatabase(dir_.path().string() + "/", "DB_Stamm", kDbType, kGuidKeyLength,
                            TestRegistry());
   }
   // The records of both tables after a rebuild, by type and id.
   std::map<std::pair<char, int32_t>, t_TestGuid> Stored() {
-    TStdDb db("DB_Stamm", dir_.path().string(), kDbType, kKeyLength);
+    TStdDb db("DB_Stamm", dir_.path().string(), kDbType, kGuidKeyLength);
     EXPECT_EQ(db.DbOpen(false), 0);
     EXPECT_TRUE(storage::CheckKeyFile(db.Handle()).empty());
     EXPECT_TRUE(storage::CheckDataFile(db.Handle()).problems.empty());

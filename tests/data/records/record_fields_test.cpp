@@ -16,11 +16,9 @@
 namespace korvan::data {
 namespace {
 
-TEST(RecordLayout, DescriptionsCoverTheirStructsExactly) {
-  for (const RecordLayout* layout : {&kRecordHeaderLayout, &kWaeBetragLayout, &kDbInfoLayout,
-                                     &kCounterLayout, &testing::kTestRateLayout}) {
-    EXPECT_TRUE(DescribesLayoutExactly(*layout)) << layout->name;
-  }
+// Every layout of the program asserts at compile time that its description fits; here
+// what the check refuses.
+TEST(RecordLayout, DescriptionCheckRefusesGapsOverlapsAndWrongSizes) {
   static constexpr FieldDescriptor gap[] = {{"A", 0, 4, FieldType::kInt32},
                                             {"B", 5, 4, FieldType::kInt32}};
   static constexpr FieldDescriptor overlap[] = {{"A", 0, 4, FieldType::kInt32},
