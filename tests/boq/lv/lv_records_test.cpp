@@ -22,14 +22,6 @@ namespace {
 using data::KeyNumber;
 using data::kNullId;
 
-TEST(LvRecords, DescriptionsCoverTheirStructsExactly) {
-  for (const data::RecordLayout* layout :
-       {&kLvLayout, &kHierarchieLayout, &kStrukturLayout, &kLvBgBeschrLayout, &kLvBg2Layout,
-        &kLvBeschr2Layout, &kLvBgLayout, &kLvBeschrLayout, &kBeschrLayout}) {
-    EXPECT_TRUE(data::DescribesLayoutExactly(*layout)) << layout->name;
-  }
-}
-
 class LvTableDefaults : public LvDbTest {};
 
 TEST_F(LvTableDefaults, ANewLvHeaderHasTheDefaultsOfANewLv) {

@@ -51,8 +51,16 @@ class LvDbTest : public ::testing::Test {
     ASSERT_EQ(db_->DbCreate(), 0);
   }
   void TearDown() override {
+    texts_.reset();
     db_.reset();
     data::TStdDbDatas::Instance().ReleaseEmpty();
+  }
+
+  // The project's text database beside the LV database, created and open as `texts_`.
+  void CreateTexts() {
+    texts_ = std::make_unique<data::TStdDb>("DB_Texte", dir_.path().string() + "/", 'C', 45);
+    texts_->SetMessages(&messages_);
+    ASSERT_EQ(texts_->DbCreate(), 0);
   }
 
   // A structure row with its group (kind "B") or item record, and for items with
@@ -136,6 +144,7 @@ class LvDbTest : public ::testing::Test {
   korvan::testing::TempDir dir_;
   data::TCollectedMessages messages_;
   std::unique_ptr<data::TStdDb> db_;
+  std::unique_ptr<data::TStdDb> texts_;
   int32_t next_id_ = 1000;
 };
 

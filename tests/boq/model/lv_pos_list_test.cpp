@@ -18,14 +18,8 @@ class LvPosListIo : public testing::LvDbTest {
  protected:
   void SetUp() override {
     LvDbTest::SetUp();
-    texts_ = std::make_unique<data::TStdDb>("DB_Texte", dir_.path().string() + "/", 'C', 45);
-    texts_->SetMessages(&messages_);
-    ASSERT_EQ(texts_->DbCreate(), 0);
+    CreateTexts();
     lv_ = CreateLv(*db_, {"Rohbau", "11.22.PPPP"});
-  }
-  void TearDown() override {
-    texts_.reset();
-    LvDbTest::TearDown();
   }
 
   // A group with two items below, another group with one item, all numbered.
@@ -51,7 +45,6 @@ class LvPosListIo : public testing::LvDbTest {
     return list;
   }
 
-  std::unique_ptr<data::TStdDb> texts_;
   int32_t lv_ = 0;
 };
 

@@ -4,28 +4,11 @@
 #include <string>
 
 #include "boq/text/rich_text.h"
+#include "boq/text/rich_text_print.h"
 #include "boq/text/rtf_reader.h"
 #include "boq/text/rtf_writer.h"
 
 namespace korvan::boq {
-
-// How test failures show a text: each block, each run with its format and complement.
-void PrintTo(const TRichText& text, std::ostream* out) {
-  const auto runs = [&](const TRichRuns& list) {
-    for (const TRichRun& run : list) {
-      *out << "[" << (run.style.bold ? "b" : "") << (run.style.italic ? "i" : "")
-           << (run.style.underline ? "u" : "") << run.complement << ":\"" << run.text << "\"]";
-    }
-  };
-  for (const TRichBlock& block : text.blocks) {
-    *out << (block.row ? "\n  row " : "\n  par ");
-    if (!block.row) runs(block.runs);
-    for (const TRichCell& cell : block.cells) {
-      *out << " | ";
-      runs(cell.runs);
-    }
-  }
-}
 
 namespace {
 

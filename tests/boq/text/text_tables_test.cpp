@@ -14,7 +14,6 @@
 #include "boq/text/tb_textzeile.h"
 #include "boq/text/text_complement.h"
 #include "boq/text/text_conversions.h"
-#include "boq/text/text_records.h"
 #include "data/tables/data_tables.h"
 #include "data/tables/std_db.h"
 #include "data/tables/std_db_datas.h"
@@ -304,13 +303,6 @@ TEST(TextConversions, GapMarkersBecomeInternalGapsAndBack) {
 TEST(TextConversions, PlainTextIsWrappedAsRichText) {
   EXPECT_EQ(WrapPlainAsRtf("A\r\nB"), "{\\rtf1\\ A\\par B}");
   EXPECT_EQ(PlainView(ReadRtf(WrapPlainAsRtf("Größe {x}\nÜ 😀")).text), "Größe {x}\nÜ 😀");
-}
-
-TEST(TextRecords, DescriptionsCoverTheirStructsExactly) {
-  for (const data::RecordLayout* layout :
-       {&kTexteLayout, &kTextheaderLayout, &kTextZeileLayout, &kTextErgHeaderLayout}) {
-    EXPECT_TRUE(data::DescribesLayoutExactly(*layout)) << layout->name;
-  }
 }
 
 }  // namespace

@@ -14,13 +14,15 @@
 #include "data/tables/std_db_datas.h"
 #include "data/tables/table_key.h"
 #include "testing/temp_dir.h"
+#include "units_test_support.h"
 
 namespace korvan::boq {
 namespace {
 
-using data::TRoundingType;
+using testing::BuiltInList;
+using testing::kDem;
 
-constexpr int32_t kDem = 49;
+using data::TRoundingType;
 
 TEST(Rounding, HalvesByTheRoundingType) {
   EXPECT_DOUBLE_EQ(RoundValue(1.005, 2, TRoundingType::rtTillV2015), 1.01);
@@ -43,15 +45,6 @@ TEST(Rounding, NothingAndZeroRoundToZeroAndUnknownTypesLeaveTheValue) {
     EXPECT_EQ(RoundValue(1e300, 2, type), 1e300);
   }
   EXPECT_EQ(RoundValue(1.005, 2, static_cast<TRoundingType>(7)), 1.005);
-}
-
-TCurrencyList BuiltInList() {
-  TCurrencyList list;
-  for (const TBuiltInCurrency& row : BuiltInCurrencies()) {
-    list.Add(TCurrency{row.id_land, std::string(row.symbol), row.faktor, row.nachkomma,
-                       row.nachkomma2, row.id_land});
-  }
-  return list;
 }
 
 TAvaUiValueConverter Converter(TValueConverterSettings settings = {}) {

@@ -1,17 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "boq/units/currency_records.h"
 #include "boq/units/unit_record.h"
 
 namespace korvan::boq {
 namespace {
-
-TEST(UnitRecords, DescriptionsCoverTheirStructsExactly) {
-  for (const data::RecordLayout* layout :
-       {&kEinheitLayout, &kWaehrungLayout, &kPrjWaeFaktorLayout}) {
-    EXPECT_TRUE(data::DescribesLayoutExactly(*layout)) << layout->name;
-  }
-}
 
 TEST(UnitRecords, DamagedValFormatBytesReadAsNone) {
   EXPECT_EQ(DecodeValFormat(2), TValFormat::vfFtIn64);

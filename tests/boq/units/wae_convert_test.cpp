@@ -19,11 +19,14 @@
 #include "data/undo/undo_redo.h"
 #include "data/undo/undo_table_restorer.h"
 #include "testing/temp_dir.h"
+#include "units_test_support.h"
 
 namespace korvan::boq {
 namespace {
 
-constexpr int16_t kDem = 49;
+using testing::BuiltInList;
+using testing::kDem;
+
 constexpr int16_t kEur = static_cast<int16_t>(kEuroCurrencyId);
 
 #pragma pack(push, 1)
@@ -78,15 +81,6 @@ data::TTableRegistry PricedTables() {
   tables.Register('A', kPricedLineType, data::TTableRegistry::FactoryOf<TTbPricedLine>());
   tables.RegisterDumpFormat(kPricedLineType, kPricedLineLayout);
   return tables;
-}
-
-TCurrencyList BuiltInList() {
-  TCurrencyList list;
-  for (const TBuiltInCurrency& row : BuiltInCurrencies()) {
-    list.Add(TCurrency{row.id_land, std::string(row.symbol), row.faktor, row.nachkomma,
-                       row.nachkomma2, row.id_land});
-  }
-  return list;
 }
 
 class WaeConvertTest : public ::testing::Test {
