@@ -16,18 +16,13 @@ namespace korvan::exchange::gaeb_xml {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::Listed;
+using testing::Mentions;
 
-std::string Listed(const TGaebFindings& findings) {
-  std::string text;
-  for (const TGaebFinding& finding : findings) {
-    text += std::string(FindingKindText(finding.kind)) + " " + std::to_string(finding.line) + ": " +
-            finding.message + "\n";
-  }
-  return text;
-}
-
-bool Mentions(const TGaebFindings& findings, const std::string& part) {
-  return Listed(findings).find(part) != std::string::npos;
+// The item list of the section of `document` (one of testing::SmallLv).
+TGaebElement& ItemList(TGaebDocument& document) {
+  return *const_cast<TGaebElement*>(
+      document.root.Find("Award/BoQ/BoQBody/BoQCtgy/BoQBody/Itemlist"));
 }
 
 TEST(GaebCheckArithmetic, AWrittenLvHasNoFindings) {
@@ -37,8 +32,7 @@ TEST(GaebCheckArithmetic, AWrittenLvHasNoFindings) {
 
 TEST(GaebCheckArithmetic, AnItemTotalThatIsNotQuantityTimesPriceIsAnError) {
   TGaebDocument document = testing::SmallLv(TGAEBFormat::gfXML330, 86);
-  TGaebElement* item = const_cast<TGaebElement*>(
-      document.root.Find("Award/BoQ/BoQBody/BoQCtgy/BoQBody/Itemlist/Item"));
+  TGaebElement* item = &ItemList(document).children[0];
   item->Child("IT")->text = "500.00";
   const TGaebFindings findings = CheckGaebArithmetic(document);
   EXPECT_TRUE(Mentions(findings,
@@ -51,8 +45,7 @@ TEST(GaebCheckArithmetic, AnItemTotalThatIsNotQuantityTimesPriceIsAnError) {
 
 TEST(GaebCheckArithmetic, ACentOfRoundingIsNoError) {
   TGaebDocument document = testing::SmallLv(TGAEBFormat::gfXML330, 86);
-  TGaebElement* item = const_cast<TGaebElement*>(
-      document.root.Find("Award/BoQ/BoQBody/BoQCtgy/BoQBody/Itemlist/Item"));
+  TGaebElement* item = &ItemList(document).children[0];
   item->Child("Qty")->text = "12.333";
   item->Child("IT")->text = "494.55";  // 12.333 × 40.10 = 494.5533
   const TGaebFindings findings = CheckGaebArithmetic(document);
@@ -61,8 +54,7 @@ TEST(GaebCheckArithmetic, ACentOfRoundingIsNoError) {
 
 TEST(GaebCheckArithmetic, NumbersWithACommaOrAnExponentAreErrors) {
   TGaebDocument document = testing::SmallLv(TGAEBFormat::gfXML330, 86);
-  TGaebElement* item = const_cast<TGaebElement*>(
-      document.root.Find("Award/BoQ/BoQBody/BoQCtgy/BoQBody/Itemlist/Item"));
+  TGaebElement* item = &ItemList(document).children[0];
   item->Child("UP")->text = "40,10";
   item->Child("Qty")->text = "1.25e1";
   const TGaebFindings findings = CheckGaebArithmetic(document);
@@ -72,8 +64,7 @@ TEST(GaebCheckArithmetic, NumbersWithACommaOrAnExponentAreErrors) {
 
 TEST(GaebCheckArithmetic, ProvisionalItemsWithoutTotalAndAlternativesDoNotCount) {
   TGaebDocument document = testing::SmallLv(TGAEBFormat::gfXML330, 86);
-  TGaebElement* list =
-      const_cast<TGaebElement*>(document.root.Find("Award/BoQ/BoQBody/BoQCtgy/BoQBody/Itemlist"));
+  TGaebElement* list = &ItemList(document);
   TGaebElement provisional = testing::Item("0030", 2, 10, true);
   provisional.children.insert(provisional.children.begin(), TGaebElement("Provis", "WithoutTotal"));
   list->Add(provisional);
@@ -97,8 +88,7 @@ TEST(GaebCheckStructure, MissingElementsAttributesAndDuplicateIdsAreNamed) {
   TGaebDocument document = testing::SmallLv(TGAEBFormat::gfXML330, 83);
   TGaebElement* boq = const_cast<TGaebElement*>(document.root.Find("Award/BoQ"));
   boq->Child("BoQInfo")->children.erase(boq->Child("BoQInfo")->children.begin());
-  TGaebElement* list =
-      const_cast<TGaebElement*>(document.root.Find("Award/BoQ/BoQBody/BoQCtgy/BoQBody/Itemlist"));
+  TGaebElement* list = &ItemList(document);
   list->children[1].SetAttribute("ID", "ID_0010");
   list->children[0].attributes.pop_back();  // RNoPart
   const TGaebFindings findings = CheckGaebStructure(document);

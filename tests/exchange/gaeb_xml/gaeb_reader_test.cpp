@@ -3,16 +3,12 @@
 #include <string>
 
 #include "exchange/gaeb_xml/gaeb_reader.h"
+#include "exchange/gaeb_xml/gaeb_test_files.h"
 
 namespace korvan::exchange::gaeb_xml {
 namespace {
 
-bool Mentions(const TGaebFindings& findings, const std::string& part) {
-  for (const TGaebFinding& finding : findings) {
-    if (finding.message.find(part) != std::string::npos) return true;
-  }
-  return false;
-}
+using testing::Mentions;
 
 TEST(GaebReaderSafety, RefusesADocumentTypeDeclarationWithItsLine) {
   const TGaebReadResult result = ReadGaebXml(

@@ -104,13 +104,5 @@ TEST(GaebXmlRoundTrip, EachVersionKeepsItsNamespaceAndPhase) {
   }
 }
 
-TEST(GaebXmlRoundTrip, NumbersAreWrittenWithAPointAndNoExponent) {
-  const std::string xml = WriteGaebXml(testing::SmallLv(TGAEBFormat::gfXML330, 86));
-  EXPECT_NE(xml.find("<UP>1234567.89</UP>"), std::string::npos);
-  EXPECT_NE(xml.find("<IT>3703703.67</IT>"), std::string::npos);
-  EXPECT_EQ(xml.find("e+"), std::string::npos);
-  EXPECT_EQ(xml.find("<Qty>12,5"), std::string::npos);
-}
-
 }  // namespace
 }  // namespace korvan::exchange::gaeb_xml

@@ -8,6 +8,7 @@
 #include "boq/text/rich_text.h"
 #include "exchange/gaeb_xml/gaeb_decimal.h"
 #include "exchange/gaeb_xml/gaeb_document.h"
+#include "exchange/gaeb_xml/gaeb_finding.h"
 #include "exchange/gaeb_xml/gaeb_text_converter.h"
 
 namespace korvan::exchange::gaeb_xml {
@@ -23,6 +24,20 @@ inline void PrintTo(const TGaebElement& element, std::ostream* out, int depth = 
 }  // namespace korvan::exchange::gaeb_xml
 
 namespace korvan::exchange::gaeb_xml::testing {
+
+// Findings one a line: kind, line, message.
+inline std::string Listed(const TGaebFindings& findings) {
+  std::string text;
+  for (const TGaebFinding& finding : findings) {
+    text += std::string(FindingKindText(finding.kind)) + " " + std::to_string(finding.line) + ": " +
+            finding.message + "\n";
+  }
+  return text;
+}
+
+inline bool Mentions(const TGaebFindings& findings, const std::string& part) {
+  return Listed(findings).find(part) != std::string::npos;
+}
 
 // The shared GAEB folder: $KORVAN_GAEB_DIR when set, else ../shared/gaeb beside the
 // repository (fixed when the build was configured).

@@ -5,29 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "boq/text/rich_text_print.h"
 #include "exchange/gaeb_xml/gaeb_reader.h"
 #include "exchange/gaeb_xml/gaeb_text_converter.h"
 #include "exchange/gaeb_xml/gaeb_writer.h"
-
-namespace korvan::boq {
-
-// A rich text as gtest shows it when a comparison fails: blocks, runs with their format.
-inline void PrintTo(const TRichText& text, std::ostream* out) {
-  for (const TRichBlock& block : text.blocks) {
-    *out << (block.row ? "\n| " : "\n¶ ");
-    std::vector<const TRichRuns*> lists{&block.runs};
-    for (const TRichCell& cell : block.cells) lists.push_back(&cell.runs);
-    for (const TRichRuns* runs : lists) {
-      for (const TRichRun& run : *runs) {
-        *out << "[" << (run.style.bold ? "b" : "") << (run.style.italic ? "i" : "")
-             << (run.style.underline ? "u" : "") << run.complement << ":" << run.text << "]";
-      }
-      *out << " / ";
-    }
-  }
-}
-
-}  // namespace korvan::boq
 
 namespace korvan::exchange::gaeb_xml {
 namespace {
