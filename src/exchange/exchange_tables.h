@@ -5,7 +5,7 @@
 namespace korvan::exchange {
 
 // Enters the tables of data exchange: the GAEB header record of each LV in the LV
-// database.
+// database, which is deleted with its LV.
 void RegisterExchangeTables(data::TTableRegistry& registry);
 
 }  // namespace korvan::exchange

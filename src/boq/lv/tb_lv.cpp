@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "boq/lv/lv_codes.h"
+#include "boq/lv/lv_delete_cascade.h"
 #include "boq/lv/tb_lv_hierarchie.h"
 #include "boq/lv/tb_struktur.h"
 #include "data/integrity/data_check.h"
@@ -147,9 +148,13 @@ std::string TTbLV::BimImportFolder(const std::string& project_dir, int32_t lv_id
 
 int TTbLV::DeleteRec() {
   const int32_t id = Rec().FId;
-  // The texts, GAEB header, documents, bidders, calculation rows, contracts, invoices,
-  // address relations, measurements and access rights of an LV join this cascade, in
-  // their place before and after these steps, with their tables.
+  // What the layers above keep of the LV goes first (the GAEB header record); the
+  // texts, documents, bidders, calculation rows, contracts, invoices, address relations,
+  // measurements and access rights of an LV join this cascade, in their place before and
+  // after these steps, with their tables.
+  if (int result = TLvDeleteCascades::Instance().Run(Db(), id); result != storage::kOk) {
+    return result;
+  }
   TTbLvHierarchie levels(Db());
   if (int result = levels.DeleteAllOf(id); result != storage::kOk) return result;
   TTbStruktur entries(Db());

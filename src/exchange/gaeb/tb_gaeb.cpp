@@ -1,5 +1,7 @@
 #include "exchange/gaeb/tb_gaeb.h"
 
+#include "storage/result_codes.h"
+
 #include "data/common/message_format.h"
 #include "data/integrity/data_check.h"
 #include "data/records/null_values.h"
@@ -39,6 +41,10 @@ void TTbGaeb::DoValidateRecord(data::TDataCheck& check) {
 
 bool TTbGaeb::FindLv(int32_t id_lv) {
   return GetKey(KeyNumber(id_lv), '1');
+}
+
+int TTbGaeb::DeleteOfLv(int32_t id_lv) {
+  return FindLv(id_lv) ? DeleteRec() : storage::kOk;
 }
 
 }  // namespace korvan::exchange

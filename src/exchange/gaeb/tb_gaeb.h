@@ -27,6 +27,8 @@ class TTbGaeb : public data::TTypedTB<t_Gaeb_DB_VERSION_201401> {
 
   // Reads the record of the LV; false when it has none.
   bool FindLv(int32_t id_lv);
+  // Deletes the record of the LV when it has one; a kernel code.
+  int DeleteOfLv(int32_t id_lv);
 };
 
 }  // namespace korvan::exchange
