@@ -85,10 +85,13 @@ void GaebCommand::Define(CLI::App& app) {
   check_->add_option("--schemas", schemas_,
                      "Ordner mit den offiziellen Schemas GAEB DA XML 3.3 (*.xsd)");
   check_->add_flag("--json", json_, "Ausgabe als JSON");
+  export_ = app.add_subcommand("export", "gibt ein LV als GAEB-DA-XML-Datei einer Phase aus");
+  export_command_.Define(*export_);
 }
 
 int GaebCommand::Run(Streams& streams) {
-  if (!check_->parsed()) throw UsageError("ein Unterbefehl fehlt (check)");
+  if (export_->parsed()) return export_command_.Run(streams);
+  if (!check_->parsed()) throw UsageError("ein Unterbefehl fehlt (export oder check)");
   std::optional<std::string> schemas;
   if (!schemas_.empty()) {
     if (!std::filesystem::is_directory(schemas_)) {

@@ -1,0 +1,121 @@
+#include "app/commands/gaeb/gaeb_export_command.h"
+
+#include <filesystem>
+#include <map>
+#include <ostream>
+
+#include <CLI/CLI.hpp>
+
+#include "app/cli/command_error.h"
+#include "app/cli/json_text.h"
+#include "app/cli/progress_line.h"
+#include "app/commands/lv/lv_project.h"
+#include "app/program/data_dir.h"
+#include "exchange/gaeb/gaeb_file_name.h"
+#include "exchange/gaeb_export/gaeb_export_source.h"
+
+namespace korvan::app {
+namespace {
+
+using exchange::TUPKind;
+
+const std::map<std::string, TUPKind>& PriceKinds() {
+  static const std::map<std::string, TUPKind> kinds = {{"estimate", TUPKind::upkSchaetz},
+                                                       {"award", TUPKind::upkVergabe},
+                                                       {"bid", TUPKind::upkAngebot},
+                                                       {"billing", TUPKind::upkAbrechnung}};
+  return kinds;
+}
+
+// Progress is worth showing only for LVs that take a moment.
+constexpr int kProgressFromEntries = 2000;
+
+}  // namespace
+
+void GaebExportCommand::Define(CLI::App& app) {
+  app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+  app.add_option("--phase", phase_, "Datenaustauschphase 81 ... 86")->required();
+  app.add_option("--version", version_, "GAEB-DA-XML-Version 3.1, 3.2 oder 3.3 (Vorgabe 3.3)");
+  app.add_option("--prices", prices_,
+                 "Preise: estimate (Schätzpreise), award (Vergabepreise), bid (Angebotspreise), "
+                 "billing (Abrechnungspreise); Vorgabe je Phase");
+  app.add_option("-o,--output", file_,
+                 "Zieldatei (Vorgabe: <Projekt>_<LV>.X8x im aktuellen Ordner)");
+  app.add_flag("--short-texts-only", short_texts_only_, "ohne Langtexte (nur Kurztexte)");
+  app.add_flag("--multiline-short-text", multiline_short_text_,
+               "mehrzeiligen Kurztext ausgeben (sonst nur die erste Zeile)");
+  app.add_flag("--fill-empty-complements", fill_empty_complements_, "leere Textergänzungen füllen");
+  app.add_flag("--billing-quantity", billing_quantity_,
+               "Abrechnungsmenge ausgeben (sonst die Vergabemenge)");
+  app.add_flag("--vat", vat_on_sections_, "MwSt. an Bereichsgruppen ausgeben");
+  app.add_option("--project", project_,
+                 "Projektordner unter dem Projektstamm (sonst das aktuelle Projekt)");
+  app.add_flag("--json", json_, "Ausgabe als JSON für Skripte");
+  AddDataDirOption(app, data_dir_);
+}
+
+int GaebExportCommand::Run(Streams& streams) {
+  exchange::TGaebExportOptions options;
+  if (!exchange::ExportPhase(phase_)) {
+    throw UsageError("--phase " + std::to_string(phase_) + ": erwartet 81 bis 86");
+  }
+  options.phase = phase_;
+  const std::optional<exchange::TGAEBFormat> format = exchange::XmlFormatOfVersion(version_);
+  if (!format) throw UsageError("--version " + version_ + ": erwartet 3.1, 3.2 oder 3.3");
+  options.format = *format;
+  if (!prices_.empty()) {
+    const auto kind = PriceKinds().find(prices_);
+    if (kind == PriceKinds().end()) {
+      throw UsageError("--prices " + prices_ + ": erwartet estimate, award, bid oder billing");
+    }
+    if (!exchange::PhaseCarriesPrices(phase_)) {
+      throw UsageError("--prices: die Phase " + exchange::PhaseCaption(phase_) +
+                       " enthält keine Preise");
+    }
+    options.price_kind = kind->second;
+  }
+  options.long_text = !short_texts_only_;
+  options.multiline_short_text = multiline_short_text_;
+  options.fill_empty_complements = fill_empty_complements_;
+  options.quantity = billing_quantity_ ? exchange::TGaebQtyKind::kAbrechnungsMenge
+                                       : exchange::TGaebQtyKind::kVergabeMenge;
+  options.vat_on_sections = vat_on_sections_;
+
+  LvProject target(data_dir_, project_);
+  data::TStdDb& db = target.Db(false);
+  const int32_t id = target.ResolveLv(lv_);
+  exchange::TGaebExportSource source = exchange::LoadGaebExportSource(
+      db, options.long_text ? target.TextDb() : nullptr, id, target.Name(), options.long_text);
+  std::string path = file_;
+  if (path.empty()) {
+    path = exchange::DefaultGaebFileName(target.Name(), source.lv.FLv().Name.Get()) +
+           exchange::GaebExtension(options.format, options.phase);
+  }
+  exchange::TGaebExportResult result;
+  {
+    ProgressLine progress(streams.err);
+    const bool large = source.lv.Count() >= kProgressFromEntries;
+    result = exchange::ExportGaebFile(source, options, path, [&](int done, int total) {
+      if (large) progress.Show("GAEB-Ausgabe", done, total);
+    });
+  }
+  for (const std::string& warning : result.warnings) streams.err << "Warnung: " << warning << '\n';
+  const std::string version(exchange::FormatInfo(options.format).xml_version);
+  if (json_) {
+    streams.out << "{\"file\": " << JsonString(path) << ", \"lv\": " << id
+                << ", \"phase\": " << phase_ << ", \"version\": " << JsonString(version)
+                << ", \"entries\": " << result.entries << ", \"warnings\": [";
+    for (size_t i = 0; i < result.warnings.size(); ++i) {
+      streams.out << (i == 0 ? "" : ", ") << JsonString(result.warnings[i]);
+    }
+    streams.out << "]}\n";
+    return kExitOk;
+  }
+  streams.out << "LV " << id << " \"" << source.lv.FLv().Name.Get() << "\" als GAEB DA XML "
+              << version << ", Phase " << exchange::PhaseCaption(phase_) << ", mit "
+              << result.entries << (result.entries == 1 ? " Eintrag" : " Einträgen")
+              << " geschrieben: " << path << '\n';
+  return kExitOk;
+}
+
+}  // namespace korvan::app

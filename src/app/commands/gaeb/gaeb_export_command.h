@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+
+#include "app/cli/command.h"
+
+namespace CLI {
+class App;
+}
+
+namespace korvan::app {
+
+// `korvan gaeb export <lv> --phase 8x [--version 3.1|3.2|3.3] [--prices KIND] [-o FILE]`
+// writes an LV of the project as a GAEB DA XML file of a phase. Without -o the file is
+// named after the project and the LV with the phase's extension ("Schule_Rohbau.X83") in
+// the current folder. What the file holds in place of data the LV lacks is said on
+// standard error as warnings.
+class GaebExportCommand {
+ public:
+  void Define(CLI::App& app);
+  int Run(Streams& streams);
+
+ private:
+  std::string lv_;
+  int phase_ = 0;
+  std::string version_ = "3.3";
+  std::string prices_;
+  std::string file_;
+  bool short_texts_only_ = false;
+  bool multiline_short_text_ = false;
+  bool fill_empty_complements_ = false;
+  bool billing_quantity_ = false;
+  bool vat_on_sections_ = false;
+  std::string data_dir_;
+  std::string project_;
+  bool json_ = false;
+};
+
+}  // namespace korvan::app
