@@ -32,7 +32,7 @@ class GaebExportCommand : public ::testing::Test {
     Korvan({"lv", "add", "Rohbau", "B", "--under", "01", "--short", "Erdarbeiten"});
     Korvan({"lv", "add", "Rohbau", "H", "--under", "01.01", "--short", "Hinweis"});
     Korvan({"lv", "add", "Rohbau", "P", "--under", "01.01", "--short", "Aushub", "--qty", "120",
-            "--up", "12.5"});
+            "--up", "12.5", "--unit", "m3"});
     Korvan({"lv", "add", "Rohbau", "L", "--under", "01.01", "--short", "Verfüllen & Verdichten",
             "--qty", "80", "--up", "9.99"});
     Korvan(

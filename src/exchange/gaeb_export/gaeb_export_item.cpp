@@ -104,6 +104,20 @@ std::optional<int> ChangeOrderNumber(const boq::t_Lv_DB_VERSION_3100& lv) {
   return std::nullopt;
 }
 
+// GAEB units have at most four characters; a longer one is cut and said so.
+std::string UnitOf(const TExportContext& context, const boq::TLvPos& entry) {
+  std::string unit = entry.Unit;
+  while (!unit.empty() && unit.back() == ' ') unit.pop_back();
+  while (!unit.empty() && unit.front() == ' ') unit.erase(0, 1);
+  const std::string cut = CutToChars(unit, 4);
+  if (cut.size() < unit.size()) {
+    context.warnings.push_back(EntryName(entry) + ": die Einheit \"" + unit +
+                               "\" ist länger als die 4 Zeichen von GAEB; geschrieben als \"" +
+                               cut + "\"");
+  }
+  return cut;
+}
+
 void AddYes(TGaebElement& item, const char* name, bool set) {
   if (set) item.Add(name, std::string(kGaebYes));
 }
@@ -178,6 +192,8 @@ TGaebElement SubDescriptionOf(const TExportContext& context, const boq::TLvPos& 
   const double quantity = QuantityOf(context, entry);
   if (std::fabs(quantity) >= kSmallestQuantity) {
     sub.Add("Qty", Decimal(quantity, 3, 11, EntryName(entry) + ": Qty"));
+    const std::string unit = context.rules.bid ? std::string() : UnitOf(context, entry);
+    if (!unit.empty()) sub.Add("QU", unit);
   }
   return sub;
 }
@@ -243,8 +259,11 @@ TGaebElement ItemOf(const TExportContext& context, const TEntryIds& ids, int ind
   if (rules.pred_qty && std::fabs(part.VaMenge) >= kSmallestQuantity) {
     item.Add("PredQty", Decimal(part.VaMenge, 3, 11, EntryName(entry) + ": PredQty"));
   }
-  // The LV keeps no units yet; a phase that requires QU gets it empty.
-  if (rules.qu_required) item.Add("QU");
+  if (!rules.bid) {
+    // A phase that requires QU gets it even when the entry has no unit.
+    const std::string unit = UnitOf(context, entry);
+    if (!unit.empty() || rules.qu_required) item.Add("QU", unit);
+  }
 
   if (rules.prices) {
     const double unit_price = Rounded(UnitPriceOf(context, entry), context.up_decimals);

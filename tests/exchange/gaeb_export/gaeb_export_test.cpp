@@ -123,6 +123,8 @@ TEST(GaebExport, ItemsFollowThePhaseRules) {
   // A quantity below 0.0001 is no quantity.
   EXPECT_EQ(ItemNumbered(root, "0040").Child("Qty"), nullptr);
   EXPECT_EQ(ItemNumbered(root, "0010").ChildText("Qty"), "120.500");
+  EXPECT_EQ(ItemNumbered(root, "0010").ChildText("QU"), "m2");
+  EXPECT_EQ(lump.ChildText("QU"), "psch");
   // A lead description with three sub-descriptions is one item; the next is its own.
   const TGaebElement& lead = ItemNumbered(root, "0030");
   EXPECT_EQ(lead.ChildText("SumDescr"), "Yes");
@@ -180,9 +182,10 @@ TEST(GaebExport, PricesAreThoseOfThePriceKindAndTotalsAddUp) {
   EXPECT_THROW(BuildGaebExport(source, billing), EGaebExportError);
 }
 
-TEST(GaebExport, TextOptions) {
+TEST(GaebExport, TextOptionsAndUnits) {
   TestLv lv;
   boq::TLvPos& item = lv.Add('P', data::kRootParentId, "0010", "Erste Zeile\nzweite Zeile", 1, 1);
+  item.Unit = "Stück";  // GAEB units hold four characters
   boq::TRichText text = boq::RichTextFromPlain("Dicke ");
   text.blocks[0].runs.push_back({"", {}, 1});  // an empty complement
   item.LongText = boq::WriteRtf(text);
@@ -191,6 +194,10 @@ TEST(GaebExport, TextOptions) {
     change(options);
     return BuildGaebExport(lv.Source(), options).document.root;
   };
+  const TGaebExportResult result = BuildGaebExport(lv.Source(), Options(kPhaseLv));
+  EXPECT_EQ(ItemNumbered(result.document.root, "0010").ChildText("QU"), "Stüc");
+  ASSERT_EQ(result.warnings.size(), 1u);
+  EXPECT_NE(result.warnings[0].find("Stück"), std::string::npos) << result.warnings[0];
   const TGaebElement plain = export_with([](TGaebExportOptions&) {});
   EXPECT_EQ(plain.Find("Award/BoQ/BoQInfo/OutlCompl")->text, "AllTxt");
   EXPECT_EQ(All(plain, "TextOutlTxt")[0]->Find("p/span")->text, "Erste Zeile");

@@ -35,6 +35,7 @@ class TestLv {
     entry.SetOz(oz);
     entry.ShortText = text;
     entry.LongText = boq::WriteRtf(boq::RichTextFromPlain("Langtext " + text));
+    if (entry.IsQuantityItem()) entry.Unit = "m2";
     entry.LvBeschr.FMenge = quantity;
     entry.LvBeschr.ReMenge = quantity * 2;
     entry.LvBeschr.SchaetzEP.Betrag = unit_price;
@@ -64,6 +65,7 @@ inline TGaebExportSource RichLv() {
   boq::TLvPos& lump = lv.Add('P', first, "01.0020", "Baustelleneinrichtung", 1, 2500);
   lump.LvBeschr.LumpSumItem = 1;
   lump.LvBeschr.KzFrMenge = 1;
+  lump.Unit = "psch";
   lv.Add('L', first, "01.0030", "Aushub Baugrube", 300, 12.8);
   for (int sub = 1; sub <= 3; ++sub) {
     lv.Add('U', first, "01.0030", "Bodenklasse " + std::to_string(sub + 2), 100);
