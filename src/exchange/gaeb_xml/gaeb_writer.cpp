@@ -1,9 +1,8 @@
 #include "exchange/gaeb_xml/gaeb_writer.h"
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <stdexcept>
+
+#include "storage/file/atomic_file.h"
 
 namespace korvan::exchange::gaeb_xml {
 namespace {
@@ -99,23 +98,13 @@ std::string WriteGaebXml(const TGaebDocument& document) {
 }
 
 void WriteGaebXmlFile(const TGaebDocument& document, const std::string& path) {
-  const std::string text = WriteGaebXml(document);
-  const std::string temporary = path + ".tmp";
-  {
-    std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
-    file.write(text.data(), static_cast<std::streamsize>(text.size()));
-    file.flush();
-    if (!file) {
-      std::error_code ignored;
-      std::filesystem::remove(temporary, ignored);
-      throw std::runtime_error("GAEB-Datei \"" + path + "\" kann nicht geschrieben werden");
-    }
-  }
-  std::error_code error;
-  std::filesystem::rename(temporary, path, error);
-  if (error) {
-    std::filesystem::remove(temporary, error);
-    throw std::runtime_error("GAEB-Datei \"" + path + "\" kann nicht angelegt werden");
+  // An exported file can be written again, so it needs no sync; it must only never be
+  // seen half written.
+  const storage::FileWriteResult written =
+      storage::WriteFileAtomically(path, WriteGaebXml(document), storage::Durability::kAtomic);
+  if (!written.ok()) {
+    throw std::runtime_error("GAEB-Datei \"" + path +
+                             "\" kann nicht geschrieben werden: " + written.ErrorText());
   }
 }
 

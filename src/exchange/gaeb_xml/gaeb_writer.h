@@ -14,8 +14,9 @@ namespace korvan::exchange::gaeb_xml {
 // other than tab and line breaks are dropped.
 std::string WriteGaebXml(const TGaebDocument& document);
 
-// Writes the document to a file: first to "<path>.tmp", then renamed, so that a failed
-// write never leaves half a file under the name. Throws std::runtime_error naming the file.
+// Writes the document to a file through a temporary file beside it that is then renamed,
+// so that a failed write never leaves half a file under the name and never touches an
+// older file of that name. Throws std::runtime_error naming the file and the reason.
 void WriteGaebXmlFile(const TGaebDocument& document, const std::string& path);
 
 }  // namespace korvan::exchange::gaeb_xml

@@ -279,6 +279,13 @@ TEST(GaebExport, AFailedExportLeavesTheOldFileAlone) {
 
   ExportGaebFile(RichLv(), Options(kPhaseInvitation), path);
   EXPECT_TRUE(gaeb_xml::ReadGaebXmlFile(path).document.has_value());
+  // A folder that is not there: refused, naming the file.
+  try {
+    ExportGaebFile(RichLv(), Options(kPhaseInvitation), dir.File("fehlt/lv.X83"));
+    ADD_FAILURE() << "written into a missing folder";
+  } catch (const std::runtime_error& error) {
+    EXPECT_NE(std::string(error.what()).find("fehlt/lv.X83"), std::string::npos) << error.what();
+  }
 }
 
 }  // namespace
