@@ -118,6 +118,10 @@ std::string UnitOf(const TExportContext& context, const boq::TLvPos& entry) {
   return cut;
 }
 
+bool IsNotApplicable(const TExportContext& context, const boq::TLvPos& entry) {
+  return context.rules.not_appl && entry.LvBgBeschr.KzEntfaellt != 0;
+}
+
 void AddYes(TGaebElement& item, const char* name, bool set) {
   if (set) item.Add(name, std::string(kGaebYes));
 }
@@ -198,6 +202,62 @@ TGaebElement SubDescriptionOf(const TExportContext& context, const boq::TLvPos& 
   return sub;
 }
 
+// What kind of item it is: alternative, contingency, lump sum, omitted, hourly, key,
+// markup base, change order, reference.
+void AddFlags(const TExportContext& context, const TEntryIds& ids, const boq::TLvPos& entry,
+              TGaebElement& item) {
+  const boq::t_LvBgBeschr_3000& common = entry.LvBgBeschr;
+  const boq::t_LvBeschr2_DB_VERSION_201401& part = entry.LvBeschr;
+  AddAlternative(entry, item, "ALNGroupNo", "ALNSerNo");
+  if (const std::optional<TProvis> provis = ProvisOfBedarf(common.Bedarf)) {
+    item.Add("Provis", std::string(GaebText(*provis)));
+  }
+  AddYes(item, "LumpSumItem", part.LumpSumItem != 0);
+  AddYes(item, "NotAppl", IsNotApplicable(context, entry));
+  AddYes(item, "HourIt", part.HourIt != 0);
+  AddYes(item, "KeyIt", part.KzSchwerpunktPos != 0);
+  AddYes(item, "MarkupIt", part.KzZuschl != 0);
+  AddChangeOrder(context, entry, item);
+  AddReference(context, ids, entry, item);
+}
+
+// QtyTBD, Qty, PredQty and QU; answers the quantity written, if one was.
+std::optional<double> AddQuantity(const TExportContext& context, const boq::TLvPos& entry,
+                                  TGaebElement& item) {
+  const TGaebPhaseRules& rules = context.rules;
+  const double quantity = QuantityOf(context, entry);
+  bool with_quantity = std::fabs(quantity) >= kSmallestQuantity;
+  if (entry.LvBeschr.KzFrMenge != 0 && !rules.bid) {
+    AddYes(item, "QtyTBD", rules.qty_tbd);
+    with_quantity = with_quantity && rules.qty_with_tbd;
+  }
+  if (with_quantity) item.Add("Qty", Decimal(quantity, 3, 11, EntryName(entry) + ": Qty"));
+  const double forecast = entry.LvBeschr.VaMenge;
+  if (rules.pred_qty && std::fabs(forecast) >= kSmallestQuantity) {
+    item.Add("PredQty", Decimal(forecast, 3, 11, EntryName(entry) + ": PredQty"));
+  }
+  if (!rules.bid) {
+    // A phase that requires QU gets it even when the entry has no unit.
+    const std::string unit = UnitOf(context, entry);
+    if (!unit.empty() || rules.qu_required) item.Add("QU", unit);
+  }
+  return with_quantity ? std::optional<double>(quantity) : std::nullopt;
+}
+
+// UP with its components and IT; `counted_total` gets what the item adds to its section.
+void AddPrices(const TExportContext& context, const boq::TLvPos& entry,
+               const std::optional<double>& quantity, TGaebElement& item, double* counted_total) {
+  const double unit_price = Rounded(UnitPriceOf(context, entry), context.up_decimals);
+  item.Add("UP", Decimal(unit_price, context.up_decimals, 13, EntryName(entry) + ": UP"));
+  AddComponents(context, entry, item);
+  // Without a written quantity a reader would take 1 as the quantity: no total then.
+  if (!quantity || !HasOwnTotal(context, entry)) return;
+  const double total = Rounded(Rounded(*quantity, 3) * unit_price, 2);
+  item.Add("IT", Decimal(total, 2, 13, EntryName(entry) + ": IT"));
+  // An item the file marks as not applicable counts nothing, as every reader sums it.
+  if (!IsNotApplicable(context, entry)) *counted_total = total;
+}
+
 }  // namespace
 
 TEntryIds EntryIdsOf(const boq::TLVPosList& list) {
@@ -225,61 +285,18 @@ std::string SectionRNoPart(const boq::TLvPos& entry) {
 TGaebElement ItemOf(const TExportContext& context, const TEntryIds& ids, int index,
                     const std::vector<int>& subs, double* counted_total) {
   const boq::TLvPos& entry = context.source.lv[index];
-  const boq::t_LvBgBeschr_3000& common = entry.LvBgBeschr;
-  const boq::t_LvBeschr2_DB_VERSION_201401& part = entry.LvBeschr;
-  const TGaebPhaseRules& rules = context.rules;
   const TRNo rno = ItemRNo(context, entry);
   TGaebElement item("Item");
   item.SetAttribute("ID", ids.ids[static_cast<size_t>(index)]);
   item.SetAttribute("RNoPart", rno.part);
   if (!rno.index.empty()) item.SetAttribute("RNoIndex", rno.index);
-  const bool not_appl = rules.not_appl && common.KzEntfaellt != 0;
-  if (!rules.bid) {
-    AddAlternative(entry, item, "ALNGroupNo", "ALNSerNo");
-    if (const std::optional<TProvis> provis = ProvisOfBedarf(common.Bedarf)) {
-      item.Add("Provis", std::string(GaebText(*provis)));
-    }
-    AddYes(item, "LumpSumItem", part.LumpSumItem != 0);
-    AddYes(item, "NotAppl", not_appl);
-    AddYes(item, "HourIt", part.HourIt != 0);
-    AddYes(item, "KeyIt", part.KzSchwerpunktPos != 0);
-    AddYes(item, "MarkupIt", part.KzZuschl != 0);
-    AddChangeOrder(context, entry, item);
-    AddReference(context, ids, entry, item);
-  }
-
-  const double quantity = QuantityOf(context, entry);
-  const bool free_quantity = part.KzFrMenge != 0 && !rules.bid;
-  bool with_quantity = std::fabs(quantity) >= kSmallestQuantity;
-  if (free_quantity) {
-    AddYes(item, "QtyTBD", rules.qty_tbd);
-    with_quantity = with_quantity && rules.qty_with_tbd;
-  }
-  if (with_quantity) item.Add("Qty", Decimal(quantity, 3, 11, EntryName(entry) + ": Qty"));
-  if (rules.pred_qty && std::fabs(part.VaMenge) >= kSmallestQuantity) {
-    item.Add("PredQty", Decimal(part.VaMenge, 3, 11, EntryName(entry) + ": PredQty"));
-  }
-  if (!rules.bid) {
-    // A phase that requires QU gets it even when the entry has no unit.
-    const std::string unit = UnitOf(context, entry);
-    if (!unit.empty() || rules.qu_required) item.Add("QU", unit);
-  }
-
-  if (rules.prices) {
-    const double unit_price = Rounded(UnitPriceOf(context, entry), context.up_decimals);
-    item.Add("UP", Decimal(unit_price, context.up_decimals, 13, EntryName(entry) + ": UP"));
-    AddComponents(context, entry, item);
-    // Without a written quantity a reader would take 1 as the quantity: no total then.
-    if (with_quantity && HasOwnTotal(context, entry)) {
-      const double total = Rounded(Rounded(quantity, 3) * unit_price, 2);
-      item.Add("IT", Decimal(total, 2, 13, EntryName(entry) + ": IT"));
-      if (!not_appl) *counted_total = total;
-    }
-  }
+  if (!context.rules.bid) AddFlags(context, ids, entry, item);
+  const std::optional<double> quantity = AddQuantity(context, entry, item);
+  if (context.rules.prices) AddPrices(context, entry, quantity, item, counted_total);
   if (std::optional<TGaebElement> description = DescriptionOf(context, entry)) {
     item.Add(std::move(*description));
   }
-  if (entry.Kind() == 'L' && !rules.bid) AddYes(item, "SumDescr", true);
+  if (entry.Kind() == 'L' && !context.rules.bid) AddYes(item, "SumDescr", true);
   int number = 0;
   for (const int sub : subs) item.Add(SubDescriptionOf(context, context.source.lv[sub], ++number));
   return item;

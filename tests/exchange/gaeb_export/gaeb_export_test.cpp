@@ -79,7 +79,7 @@ TEST(GaebExport, EveryPhaseAndVersionReadsBackWithoutFindings) {
         findings.insert(findings.end(), more.begin(), more.end());
       }
       EXPECT_FALSE(gaeb_xml::HasErrors(findings)) << Messages(findings);
-      EXPECT_EQ(All(read.document->root, "Item").size(), 6u);
+      EXPECT_EQ(All(read.document->root, "Item").size(), 7u);
       EXPECT_EQ(!All(read.document->root, "UP").empty(), PhaseCarriesPrices(phase.phase));
     }
   }
@@ -134,7 +134,7 @@ TEST(GaebExport, ItemsFollowThePhaseRules) {
     EXPECT_EQ(subs[i]->ChildText("SubDNo"), std::to_string(i + 1));
     EXPECT_EQ(subs[i]->ChildText("Qty"), "100.000");
   }
-  EXPECT_EQ(All(root, "Item").size(), 6u);
+  EXPECT_EQ(All(root, "Item").size(), 7u);
   // The change order carries its number and status, except in DA 85.
   EXPECT_EQ(ItemNumbered(root, "0010").ChildText("CONo"), std::nullopt);
   const std::vector<const TGaebElement*> sections = All(root, "BoQCtgy");
@@ -173,7 +173,12 @@ TEST(GaebExport, PricesAreThoseOfThePriceKindAndTotalsAddUp) {
   EXPECT_EQ(contingency.ChildText("Provis"), "WithoutTotal");
   EXPECT_EQ(contingency.ChildText("UP"), "80.00");
   EXPECT_EQ(contingency.Child("IT"), nullptr);
-  // 512.13 + 2500 + 3840 = 6852.13 and 3000; the item without quantity adds nothing.
+  // The omitted item keeps its estimated total, which the file marks as not applicable.
+  const TGaebElement& omitted = *All(*All(root, "BoQCtgy")[1], "Item")[2];
+  EXPECT_EQ(omitted.ChildText("NotAppl"), "Yes");
+  EXPECT_EQ(omitted.ChildText("IT"), "100.00");
+  // 512.13 + 2500 + 3840 = 6852.13 and 3000; the item without quantity, the contingency
+  // item and the omitted item add nothing.
   EXPECT_EQ(All(root, "BoQCtgy")[0]->Find("Totals/Total")->text, "6852.13");
   EXPECT_EQ(root.Find("Award/BoQ/BoQInfo/Totals/Total")->text, "9852.13");
 

@@ -55,7 +55,8 @@ class TestLv {
 
 // One LV with something of every kind the export writes: two sections, items with and
 // without quantity, a lump-sum free-quantity item, a lead description with three
-// sub-descriptions, a change-order item, a note, a contingency item and a leading text.
+// sub-descriptions, a change-order item, a note, a contingency item, an omitted item and
+// a leading text.
 inline TGaebExportSource RichLv() {
   TestLv lv;
   lv.Add('T', data::kRootParentId, "", "Vorbemerkungen");
@@ -77,6 +78,7 @@ inline TGaebExportSource RichLv() {
   supplement.LvBgBeschr.NachtrStatus = '3';
   boq::TLvPos& contingency = lv.Add('P', second, "02.0020", "Bedarfsposition Pumpe", 5, 80);
   contingency.LvBgBeschr.Bedarf = 'E';
+  lv.Add('P', second, "02.0030", "entfällt", 10, 10).LvBgBeschr.KzEntfaellt = 1;
   TGaebExportSource source = lv.Source();
   boq::t_Lv_DB_VERSION_3100 header = source.lv.FLv();
   header.CONo = 2;
