@@ -24,7 +24,6 @@
 #include "app/program/program_tables.h"
 #include "boq/units/tb_einheit.h"
 #include "boq/units/tb_waehrung.h"
-#include "data/db/control_list.h"
 #include "data/db/db_groups.h"
 #include "data/db/path_types.h"
 #include "data/integrity/database_recovery.h"
@@ -396,10 +395,23 @@ int32_t CurrencyPosition(const fs::path& base, int32_t id) {
 
 constexpr int kKzBasisOffset = 181;  // of t_Waehrung
 
+size_t LineCount(const std::string& text) {
+  return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+// The check shows its findings and a summary, every table only with --verbose and in the
+// log file; a dry run changes nothing, a run without repairs.
 TEST(CheckRebuildCommand, CheckReportsInDryRunAndRepairsOtherwise) {
   korvan::testing::TempDir dir;
   const fs::path base = MakeInstallation(dir);
-  ExpectKorvan({"check", "-d", base.string()}, 0);
+  const ProgramResult sound = ExpectKorvan({"check", "-d", base.string()}, 0,
+                                           {" Record(s) untersucht, 0 Problem(e)", "Protokoll: "});
+  EXPECT_LE(LineCount(sound.out), 4u) << sound.out;
+  EXPECT_FALSE(Contains(sound.out, "TB: ")) << sound.out;
+  const ProgramResult verbose =
+      ExpectKorvan({"check", "-d", base.string(), "--verbose"}, 0,
+                   {"TB: TTbWaehrung", "TB: TTbEinheit", " Record(s) untersucht, 0 Problem(e)"});
+  EXPECT_GT(LineCount(verbose.out), 20u);
 
   // A Boolean byte that is neither 0 nor 1.
   testing::PatchFile(Stamm(base).DataFileName(), CurrencyPosition(base, 41) + kKzBasisOffset,
@@ -408,9 +420,12 @@ TEST(CheckRebuildCommand, CheckReportsInDryRunAndRepairsOtherwise) {
 
   // The log lands in the system directory's "SYS" folder.
   const fs::path sys = base / "SYSTEM/SYS";
-  ExpectKorvan({"check", "-d", base.string(), "--dry-run"}, 1,
-               {"CharSelektor: kzBasis='", "Nur Trockenlauf - Datensatz nicht geschrieben",
-                "Protokoll: " + sys.string()});
+  const ProgramResult finding =
+      ExpectKorvan({"check", "-d", base.string(), "--dry-run"}, 1,
+                   {"TB: TTbWaehrung", "CharSelektor: kzBasis='", " 1 Problem(e)",
+                    "Nur Trockenlauf - Datensatz nicht geschrieben", "Protokoll: " + sys.string()});
+  EXPECT_FALSE(Contains(finding.out, "TB: TTbEinheit")) << finding.out;
+  EXPECT_LE(LineCount(finding.out), 14u) << finding.out;
   EXPECT_EQ(FileContents(base / "STAMMDATEN"), before);
   bool logged = false;
   for (const auto& [path, text] : FileContents(sys)) {
@@ -462,33 +477,6 @@ TEST(CheckRebuildCommand, RebuildResolvesADuplicatePrimaryKeyAndKeepsTheOtherRec
   const ProgramResult again = ExpectKorvan({"rebuild", "-d", base.string()}, 0);
   EXPECT_FALSE(Contains(again.out, "doppelt")) << again.out;
   ExpectKorvan({"check", "-d", base.string()}, 0);
-}
-
-size_t LineCount(const std::string& text) {
-  return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
-}
-
-// The check shows its findings and a summary; every table only with --verbose and in the
-// log file.
-TEST(CheckRebuildCommand, CheckShowsFindingsAndASummaryAndDetailsWhenVerbose) {
-  korvan::testing::TempDir dir;
-  const fs::path base = MakeInstallation(dir);
-  const ProgramResult sound = ExpectKorvan({"check", "-d", base.string()}, 0,
-                                           {" Record(s) untersucht, 0 Problem(e)", "Protokoll: "});
-  EXPECT_LE(LineCount(sound.out), 4u) << sound.out;
-  EXPECT_FALSE(Contains(sound.out, "TB: ")) << sound.out;
-  const ProgramResult verbose =
-      ExpectKorvan({"check", "-d", base.string(), "--verbose"}, 0,
-                   {"TB: TTbWaehrung", "TB: TTbEinheit", " Record(s) untersucht, 0 Problem(e)"});
-  EXPECT_GT(LineCount(verbose.out), 20u);
-
-  testing::PatchFile(Stamm(base).DataFileName(), CurrencyPosition(base, 41) + kKzBasisOffset,
-                     "\x07");
-  const ProgramResult finding =
-      ExpectKorvan({"check", "-d", base.string(), "--dry-run"}, 1,
-                   {"TB: TTbWaehrung", "CharSelektor: kzBasis='", " 1 Problem(e)"});
-  EXPECT_FALSE(Contains(finding.out, "TB: TTbEinheit")) << finding.out;
-  EXPECT_LE(LineCount(finding.out), 14u) << finding.out;
 }
 
 // Records of a table letter no class knows are summed up per letter; the backups a rebuild
@@ -571,34 +559,6 @@ TEST(CheckRebuildCommand, ReorgCopiesEverythingWithBackupAndKeepsTheOriginalsOnF
                    {"5. I-Checks vergleichen: FEHLER", "Originaldateien wiederhergestellt"});
   EXPECT_FALSE(Contains(failed.out, "7. Projekt laden")) << failed.out;
   EXPECT_TRUE(outside_backups() == damaged) << "the files differ from before the reorganisation";
-}
-
-TEST(CheckRebuildCommand, RebuildRefusesWhileAnotherUserWorksInADirectory) {
-  korvan::testing::TempDir dir;
-  const fs::path base = MakeInstallation(dir);
-  const std::string stamm_dir = Stamm(base).directory();
-  fs::remove(Stamm(base).KeyFileName());
-  // The control file of the directory is read; nothing else may change.
-  const auto without_control_files = [&base] {
-    auto contents = FileContents(base);
-    std::erase_if(contents, [](const auto& entry) {
-      return fs::path(entry.first).filename() == data::kControlFileName;
-    });
-    return contents;
-  };
-  const auto before = without_control_files();
-
-  for (const bool exclusive : {false, true}) {
-    data::TControlList other(stamm_dir);
-    ASSERT_TRUE(other.Open({"Meier", "buero-2"}, exclusive));
-    ExpectKorvan({"rebuild", "-d", base.string()}, 1, {"Meier", stamm_dir, "wird benutzt von"});
-    other.Close();
-    EXPECT_EQ(without_control_files(), before) << (exclusive ? "exclusive" : "shared");
-  }
-
-  // Nobody else: the rebuild goes ahead.
-  ExpectKorvan({"rebuild", "-d", base.string()}, 0);
-  ExpectEveryDatabaseSound(base, "after the rebuild");
 }
 
 }  // namespace

@@ -3,8 +3,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <regex>
 #include <sstream>
 #include <string>
 
@@ -16,38 +14,26 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::Contains;
+using testing::ListRowOf;
 using testing::ProgramResult;
 using testing::ReadFile;
-
-// The row number `korvan list` shows in front of the line that holds `text`; 0 if none.
-int RowOf(const std::string& listing, const std::string& text) {
-  std::istringstream lines(listing);
-  int row = 0;
-  for (std::string line; std::getline(lines, line);) {
-    if (Contains(line, text)) return std::istringstream(line) >> row ? row : 0;
-  }
-  return 0;
-}
+using testing::WriteFile;
 
 class ListEditUndo : public ::testing::Test {
  protected:
   void SetUp() override { Korvan({"demo"}); }
-  // Runs a command on the installation and expects its exit code and texts.
   ProgramResult Korvan(std::vector<std::string> args, int exit_code = 0,
                        const std::vector<std::string>& parts = {}) {
-    args.insert(args.end(), {"-d", base_.string()});
-    return testing::ExpectKorvan(args, exit_code, parts);
+    return testing::ExpectKorvanOn(base_, std::move(args), exit_code, parts);
   }
-  // The currency table; without the time of each record's last change, which every
-  // write stamps, unless `stamped`.
+  // The currency table; without the time of each record's last change unless `stamped`.
   std::string DumpCurrencies(bool stamped = false) {
     const ProgramResult dump = testing::ExpectKorvan({"db", "dump", "--table", "W", stamm_}, 0);
-    static const std::regex stamp("LastModified: [^\t\n]*");
-    return stamped ? dump.out : std::regex_replace(dump.out, stamp, "LastModified: -");
+    return stamped ? dump.out : testing::WithoutWriteTimes(dump.out);
   }
   // Edits the factor of the row that shows `name`.
   ProgramResult EditFactor(const std::string& name, const std::string& factor) {
-    const int row = RowOf(Korvan({"list", "waehrung"}).out, name);
+    const int row = ListRowOf(Korvan({"list", "waehrung"}).out, name);
     EXPECT_GT(row, 0) << name;
     return Korvan({"edit", "waehrung", std::to_string(row), "Faktor=" + factor});
   }
@@ -60,16 +46,16 @@ class ListEditUndo : public ::testing::Test {
 };
 
 TEST_F(ListEditUndo, ListEditThenUndoRestoresTheRecordAndRedoMakesItAgain) {
-  EXPECT_GT(RowOf(Korvan({"list", "einheit"}, 0, {"Bezeichnung"}).out, "Quadratmeter"), 0);
+  EXPECT_GT(ListRowOf(Korvan({"list", "einheit"}, 0, {"Bezeichnung"}).out, "Quadratmeter"), 0);
   const ProgramResult currencies = Korvan({"list", "waehrung"}, 0, {"0,94"});
   EXPECT_TRUE(Contains(currencies.out.substr(0, currencies.out.find('\n')), "Basiswährung"));
-  const int row = RowOf(currencies.out, "Schweizer Franken");
+  const int row = ListRowOf(currencies.out, "Schweizer Franken");
   ASSERT_GT(row, 0) << currencies.out;
   const std::string before = DumpCurrencies();
 
   Korvan({"edit", "waehrung", std::to_string(row), "Faktor=0,97", "Währung=Franken"});
   const std::string listing = Korvan({"list", "waehrung"}).out;
-  EXPECT_EQ(RowOf(listing, "Franken"), row);
+  EXPECT_EQ(ListRowOf(listing, "Franken"), row);
   EXPECT_FALSE(Contains(listing, "Schweizer Franken")) << listing;
   EXPECT_TRUE(Contains(listing, "0,97")) << listing;
   const std::string edited = DumpCurrencies();
@@ -82,10 +68,6 @@ TEST_F(ListEditUndo, ListEditThenUndoRestoresTheRecordAndRedoMakesItAgain) {
   Korvan({"undo"});
   EXPECT_EQ(DumpCurrencies(), before);
   Korvan({"undo"}, 1, {"Es gibt nichts rückgängig zu machen"});
-}
-
-void WriteFile(const fs::path& path, const std::string& bytes) {
-  std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
 }
 
 // The position of the `nth` record of table `letter` in the master data file (from 1).
@@ -184,45 +166,28 @@ TEST_F(ListEditUndo, UndoAfterAnUnjournaledChangeRefusesAndChangesNothing) {
   Korvan({"undo", "--list"}, 0, {"Rückgängig machen (1 Schritt"});  // the step is kept
 }
 
+// Every kind of damage is the journal's own business; the program names the file, keeps
+// the data, and lets the next edit set the file aside and begin a new journal.
 TEST_F(ListEditUndo, ADamagedJournalIsReportedAndSetAsideByTheNextEdit) {
   EditFactor("Schweizer Franken", "0,97");
   EditFactor("Pfund", "1,2");
-  const std::string journal = ReadFile(undo_file_);
-  // A header of 16 bytes, then per entry its kind (1), data length (4), data and CRC (4).
-  ASSERT_GT(journal.size(), 21u);
-  const size_t second =
-      16 + 9 + (static_cast<uint8_t>(journal[17]) | static_cast<uint8_t>(journal[18]) << 8);
-  ASSERT_LT(second + 5, journal.size());
-  std::string scrambled = journal, header = journal, past_end = journal;
-  for (size_t at = journal.size() / 2; at < journal.size() / 2 + 8; ++at) scrambled[at] ^= 0x5A;
+  std::string header = ReadFile(undo_file_);
+  ASSERT_FALSE(header.empty());
   header[0] = 'X';
-  past_end[second + 4] = static_cast<char>(0x7F);  // length of the second entry
-
   const std::string before = DumpCurrencies();
-  const std::pair<std::string, std::string> cases[] = {
-      {"cut inside the length of the second entry", journal.substr(0, second + 3)},
-      {"cut inside the last checksum", journal.substr(0, journal.size() - 2)},
-      {"scrambled", scrambled},
-      {"wrong header", header},
-      {"length past the end", past_end}};
-  for (const auto& [name, damaged] : cases) {
-    SCOPED_TRACE(name);
-    const std::string unchanged = DumpCurrencies(true);
-    WriteFile(undo_file_, damaged);
-    Korvan({"undo"}, 1, {"UNDO.QUJ", "ist beschädigt", "(Byte ", "korvan undo --clear"});
-    EXPECT_EQ(DumpCurrencies(true), unchanged);
+  const std::string unchanged = DumpCurrencies(true);
+  WriteFile(undo_file_, header);
+  Korvan({"undo"}, 1, {"UNDO.QUJ", "ist beschädigt", "(Byte ", "korvan undo --clear"});
+  EXPECT_EQ(DumpCurrencies(true), unchanged);
 
-    // Listing and editing go on: the damaged file is set aside as it was, a new journal
-    // begins.
-    const ProgramResult edit = EditFactor("Schweizer Franken", "0,5");
-    EXPECT_TRUE(Contains(edit.err, "Warnung")) << edit.err;
-    EXPECT_TRUE(Contains(edit.err, "UNDO.QUJ.defekt")) << edit.err;
-    EXPECT_EQ(ReadFile(base_ / "UNDO.QUJ.defekt"), damaged);
-    Korvan({"undo"});
-    EXPECT_EQ(DumpCurrencies(), before);
-    fs::remove(redo_file_);  // the step just taken back
-  }
+  const ProgramResult edit = EditFactor("Schweizer Franken", "0,5");
+  EXPECT_TRUE(Contains(edit.err, "Warnung")) << edit.err;
+  EXPECT_TRUE(Contains(edit.err, "UNDO.QUJ.defekt")) << edit.err;
+  EXPECT_EQ(ReadFile(base_ / "UNDO.QUJ.defekt"), header);
+  Korvan({"undo"});
+  EXPECT_EQ(DumpCurrencies(), before);
   Korvan({"undo"}, 1);  // the damaged steps are gone
+  fs::remove(redo_file_);
 
   // --list and redo report a damaged journal too.
   WriteFile(undo_file_, header);

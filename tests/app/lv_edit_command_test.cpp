@@ -23,8 +23,7 @@ class LvEditCommands : public ::testing::Test {
   }
   ProgramResult Korvan(std::vector<std::string> args, int exit_code = 0,
                        const std::vector<std::string>& parts = {}) {
-    args.insert(args.end(), {"-d", base_.string()});
-    return testing::ExpectKorvan(args, exit_code, parts);
+    return testing::ExpectKorvanOn(base_, std::move(args), exit_code, parts);
   }
   std::string Show() { return Korvan({"lv", "show", "Rohbau", "--json"}).out; }
   static int Count(const std::string& text, const std::string& part) {

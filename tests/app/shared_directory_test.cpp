@@ -27,19 +27,10 @@ namespace {
 namespace fs = std::filesystem;
 using testing::Contains;
 using testing::ExpectKorvan;
+using testing::ListRowOf;
 using testing::ProgramResult;
 using testing::ReadFile;
 using testing::RunKorvanBinary;
-
-// The row number `korvan list` shows in front of the line that holds `text`; 0 if none.
-int RowOf(const std::string& listing, const std::string& text) {
-  std::istringstream lines(listing);
-  int row = 0;
-  for (std::string line; std::getline(lines, line);) {
-    if (Contains(line, text)) return std::istringstream(line) >> row ? row : 0;
-  }
-  return 0;
-}
 
 // The line of a listing that starts with row `row`.
 std::string RowLine(const std::string& listing, int row) {
@@ -125,7 +116,7 @@ class SharedDirectory : public ::testing::Test {
 // A rebuild or reorg of another user holds the directory alone: nobody else may start
 // there. Each command waits the configured time, then refuses naming the user.
 TEST_F(SharedDirectory, EveryCommandWaitsForARebuildThenRefusesNamingIt) {
-  const int row = RowOf(Currencies(), "Schweizer Franken");
+  const int row = ListRowOf(Currencies(), "Schweizer Franken");
   ASSERT_GT(row, 0);
   const auto before = DataFiles();
   data::TControlList rebuild(stamm_dir_);
@@ -189,7 +180,7 @@ TEST_F(SharedDirectory, TheEntryOfAKilledUserDoesNotBlock) {
   close(ready[1]);
   ASSERT_TRUE(Contains(ReadFile(stamm_dir_ + data::kControlFileName), "Weg"));
 
-  const int row = RowOf(Currencies(), "Schweizer Franken");
+  const int row = ListRowOf(Currencies(), "Schweizer Franken");
   ExpectKorvan(EditFactor(row, "0,98"), 0, {"gespeichert"});
   ExpectKorvan(On({"rebuild"}), 0);
   EXPECT_TRUE(Contains(RowLine(Currencies(), row), "0,98"));
@@ -199,7 +190,7 @@ TEST_F(SharedDirectory, TheEntryOfAKilledUserDoesNotBlock) {
 // Another user storing the same record holds its lock in the database's lock file: the
 // edit waits the configured time, then refuses and stores nothing.
 TEST_F(SharedDirectory, EditWaitsForTheRecordLockOfAnotherUserThenRefuses) {
-  const int row = RowOf(Currencies(), "Schweizer Franken");
+  const int row = ListRowOf(Currencies(), "Schweizer Franken");
   ASSERT_GT(row, 0);
   data::TStdDb db("DB_Stamm", stamm_dir_, 'E', 33);
   ASSERT_EQ(db.DbOpen(true), storage::kOk);
@@ -248,8 +239,9 @@ void ExpectAcknowledgedOrRefusedClearly(const std::vector<EditRun>& edits,
 TEST_F(SharedDirectory, EditsBesideEachOtherAndBesideUndoWaitInsteadOfFailing) {
   SetLockTimeout(10000);
   const std::string listing = Currencies();
-  const std::vector<int> rows = {RowOf(listing, "US-Dollar"), RowOf(listing, "Schweizer Franken"),
-                                 RowOf(listing, "Pfund")};
+  const std::vector<int> rows = {ListRowOf(listing, "US-Dollar"),
+                                 ListRowOf(listing, "Schweizer Franken"),
+                                 ListRowOf(listing, "Pfund")};
   for (int row : rows) ASSERT_GT(row, 0);
   ExpectKorvan(EditFactor(rows[2], "2,5"), 0);
 
@@ -278,8 +270,9 @@ TEST_F(SharedDirectory, EditsBesideEachOtherAndBesideUndoWaitInsteadOfFailing) {
 
 TEST_F(SharedDirectory, EditsBesideRebuildReorgListAndCheckLoseNothingAcknowledged) {
   const std::string listing = Currencies();
-  const std::vector<int> rows = {RowOf(listing, "US-Dollar"), RowOf(listing, "Schweizer Franken"),
-                                 RowOf(listing, "Pfund")};
+  const std::vector<int> rows = {ListRowOf(listing, "US-Dollar"),
+                                 ListRowOf(listing, "Schweizer Franken"),
+                                 ListRowOf(listing, "Pfund")};
   for (int row : rows) ASSERT_GT(row, 0);
   const std::vector<std::vector<std::string>> others = {On({"rebuild"}), On({"reorg"}),
                                                         On({"list", "waehrung"}), On({"check"})};

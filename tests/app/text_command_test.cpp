@@ -1,7 +1,6 @@
 // `korvan text to-rtf` and `korvan text to-plain`: the converter on its own.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 
 #include "testing/run_korvan.h"
@@ -12,10 +11,7 @@ namespace {
 
 using testing::ExpectKorvan;
 using testing::ProgramResult;
-
-void WriteFile(const std::string& path, const std::string& content) {
-  std::ofstream(path, std::ios::binary) << content;
-}
+using testing::WriteFile;
 
 TEST(TextCommand, PlainTextThroughRtfAndBackIsUnchanged) {
   testing::TempDir dir;

@@ -22,6 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::Contains;
 using testing::ExpectKorvan;
+using testing::ExpectKorvanOn;
 using testing::ProgramResult;
 
 constexpr int kKilled = 128 + SIGKILL;
@@ -65,18 +66,13 @@ ProgramResult RunKilledAfter(int writes, const std::vector<std::string>& args) {
 class UndoCrash : public ::testing::Test {
  protected:
   void SetUp() override {
-    Korvan(base_, {"demo"});
+    ExpectKorvanOn(base_, {"demo"});
     // Step "A": the Swiss franc's factor; it stays below every step the tests kill.
-    Korvan(base_, {"edit", "waehrung", "2", "Faktor=0,97"});
-  }
-  static ProgramResult Korvan(const fs::path& base, std::vector<std::string> args,
-                              int exit_code = 0) {
-    args.insert(args.end(), {"-d", base.string()});
-    return ExpectKorvan(args, exit_code);
+    ExpectKorvanOn(base_, {"edit", "waehrung", "2", "Faktor=0,97"});
   }
   // Step "B": the pound from 0,85 to 1,11.
   void EditPound(const fs::path& base) {
-    Korvan(base, {"edit", "waehrung", "3", "Faktor=1,11"}, 0);
+    ExpectKorvanOn(base, {"edit", "waehrung", "3", "Faktor=1,11"}, 0);
   }
   // A copy of the installation as it is now, for one killed run.
   fs::path Copy(int run) {
@@ -87,11 +83,11 @@ class UndoCrash : public ::testing::Test {
   }
   JournalState Look(const fs::path& base, bool check) {
     JournalState state;
-    const ProgramResult listing = Korvan(base, {"undo", "--list"});
+    const ProgramResult listing = ExpectKorvanOn(base, {"undo", "--list"});
     state.undo = Steps(listing.out, "Rückgängig machen");
     state.redo = Steps(listing.out, "Wiederherstellen");
     state.pound = PoundFactor(base);
-    if (check) Korvan(base, {"check"});
+    if (check) ExpectKorvanOn(base, {"check"});
     return state;
   }
 
@@ -125,7 +121,7 @@ class UndoCrash : public ::testing::Test {
       // Going on: the newest step moves, and the data with it. Only "B" changes the
       // pound; making a step again is always "B", taking one back leaves 0,85.
       const bool redo = state.redo > 0;
-      Korvan(copy, {redo ? "redo" : "undo"});
+      ExpectKorvanOn(copy, {redo ? "redo" : "undo"});
       EXPECT_EQ(PoundFactor(copy), redo ? "1,11" : "0,85");
       fs::remove_all(copy);
     }
@@ -147,7 +143,7 @@ TEST_F(UndoCrash, AKilledUndoLeavesItsStepMovedWholeOrNotAtAll) {
 
 TEST_F(UndoCrash, AKilledRedoLeavesItsStepMovedWholeOrNotAtAll) {
   EditPound(base_);
-  Korvan(base_, {"undo"});
+  ExpectKorvanOn(base_, {"undo"});
   KillAtEveryWrite({"redo"}, {1, 1, "0,85"}, {2, 0, "1,11"});
 }
 
@@ -163,7 +159,7 @@ std::string Records(const fs::path& base) {
 // process left is settled by the next command that opens the journal; clearing the
 // journal must settle it the same way, never drop it with what it had half done.
 TEST_F(UndoCrash, ClearingTheJournalAfterAKillSettlesTheUnfinishedStepFirst) {
-  Korvan(base_, {"lv", "new", "Rohbau", "--mask", "11.22.PPPP"});
+  ExpectKorvanOn(base_, {"lv", "new", "Rohbau", "--mask", "11.22.PPPP"});
   bool completed = false;
   int settled_back = 0;
   for (int writes = 0; writes < kMostWrites && !completed; ++writes) {
@@ -176,8 +172,8 @@ TEST_F(UndoCrash, ClearingTheJournalAfterAKillSettlesTheUnfinishedStepFirst) {
     const fs::path listed = dir_.path() / "listed";
     fs::remove_all(listed);
     fs::copy(cleared, listed, fs::copy_options::recursive);
-    Korvan(listed, {"undo", "--list"});
-    Korvan(cleared, {"undo", "--clear"});
+    ExpectKorvanOn(listed, {"undo", "--list"});
+    ExpectKorvanOn(cleared, {"undo", "--clear"});
     EXPECT_EQ(Records(cleared), Records(listed));
     if (Records(listed) == Records(base_)) ++settled_back;
     ExpectKorvan({"check", "--dry-run", "-d", cleared.string()}, 0, {"0 Problem(e)"});

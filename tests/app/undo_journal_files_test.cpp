@@ -14,13 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::Contains;
-using testing::ProgramResult;
-
-ProgramResult Korvan(const fs::path& base, std::vector<std::string> args, int exit_code = 0,
-                     const std::vector<std::string>& parts = {}) {
-  args.insert(args.end(), {"-d", base.string()});
-  return testing::ExpectKorvan(args, exit_code, parts);
-}
+using testing::ExpectKorvanOn;
 
 bool HasJournalFiles(const fs::path& base) {
   return fs::exists(base / "UNDO.QUJ") || fs::exists(base / "REDO.QUJ") ||
@@ -30,21 +24,21 @@ bool HasJournalFiles(const fs::path& base) {
 TEST(UndoJournalFiles, ACopiedInstallationTakesItsStepsBackWhereItIsNow) {
   testing::TempDir dir;
   const fs::path original = dir.path() / "ava";
-  Korvan(original, {"demo"});
-  Korvan(original, {"edit", "waehrung", "3", "Faktor=1,11"});
-  Korvan(original, {"edit", "waehrung", "2", "Faktor=0,97"});
-  Korvan(original, {"undo"});
+  ExpectKorvanOn(original, {"demo"});
+  ExpectKorvanOn(original, {"edit", "waehrung", "3", "Faktor=1,11"});
+  ExpectKorvanOn(original, {"edit", "waehrung", "2", "Faktor=0,97"});
+  ExpectKorvanOn(original, {"undo"});
 
   const fs::path moved = dir.path() / "elsewhere" / "ava";
   fs::create_directories(moved.parent_path());
   fs::copy(original, moved, fs::copy_options::recursive);
   fs::remove_all(original);  // nothing of the old place may be needed
 
-  Korvan(moved, {"redo"}, 0, {"Wiederhergestellt: Bearbeiten"});
-  EXPECT_TRUE(Contains(Korvan(moved, {"list", "waehrung"}).out, "0,97"));
-  Korvan(moved, {"undo"});
-  Korvan(moved, {"undo"}, 0, {"Rückgängig gemacht: Bearbeiten"});
-  const std::string listing = Korvan(moved, {"list", "waehrung"}).out;
+  ExpectKorvanOn(moved, {"redo"}, 0, {"Wiederhergestellt: Bearbeiten"});
+  EXPECT_TRUE(Contains(ExpectKorvanOn(moved, {"list", "waehrung"}).out, "0,97"));
+  ExpectKorvanOn(moved, {"undo"});
+  ExpectKorvanOn(moved, {"undo"}, 0, {"Rückgängig gemacht: Bearbeiten"});
+  const std::string listing = ExpectKorvanOn(moved, {"list", "waehrung"}).out;
   EXPECT_TRUE(Contains(listing, "0,85")) << listing;
   EXPECT_TRUE(Contains(listing, "0,94")) << listing;
   EXPECT_FALSE(fs::exists(original));
@@ -53,23 +47,23 @@ TEST(UndoJournalFiles, ACopiedInstallationTakesItsStepsBackWhereItIsNow) {
 TEST(UndoJournalFiles, RefusedOrUnchangingEditsAndLookingLeaveNoJournal) {
   testing::TempDir dir;
   const fs::path base = dir.path() / "ava";
-  Korvan(base, {"demo"});
-  Korvan(base, {"edit", "waehrung", "99", "Faktor=1,11"}, 2);
-  Korvan(base, {"edit", "waehrung", "3", "Faktor=nichts"}, 2);
-  Korvan(base, {"undo"}, 1, {"Es gibt nichts rückgängig zu machen"});
-  Korvan(base, {"undo", "--list"});
+  ExpectKorvanOn(base, {"demo"});
+  ExpectKorvanOn(base, {"edit", "waehrung", "99", "Faktor=1,11"}, 2);
+  ExpectKorvanOn(base, {"edit", "waehrung", "3", "Faktor=nichts"}, 2);
+  ExpectKorvanOn(base, {"undo"}, 1, {"Es gibt nichts rückgängig zu machen"});
+  ExpectKorvanOn(base, {"undo", "--list"});
   EXPECT_FALSE(HasJournalFiles(base));
 
   // The value the row already has: stored, but nothing to take back.
-  Korvan(base, {"edit", "waehrung", "3", "Faktor=0,85"}, 0, {"Zeile 3 gespeichert"});
-  Korvan(base, {"undo", "--list"}, 0, {"Rückgängig machen (0 Schritte"});
+  ExpectKorvanOn(base, {"edit", "waehrung", "3", "Faktor=0,85"}, 0, {"Zeile 3 gespeichert"});
+  ExpectKorvanOn(base, {"undo", "--list"}, 0, {"Rückgängig machen (0 Schritte"});
   EXPECT_FALSE(HasJournalFiles(base));
 
-  Korvan(base, {"edit", "waehrung", "3", "Faktor=1,11"});
-  Korvan(base, {"edit", "waehrung", "3", "Faktor=1,11"});
-  Korvan(base, {"undo", "--list"}, 0, {"Rückgängig machen (1 Schritt"});
-  Korvan(base, {"undo"});
-  Korvan(base, {"redo"});
+  ExpectKorvanOn(base, {"edit", "waehrung", "3", "Faktor=1,11"});
+  ExpectKorvanOn(base, {"edit", "waehrung", "3", "Faktor=1,11"});
+  ExpectKorvanOn(base, {"undo", "--list"}, 0, {"Rückgängig machen (1 Schritt"});
+  ExpectKorvanOn(base, {"undo"});
+  ExpectKorvanOn(base, {"redo"});
   EXPECT_TRUE(fs::exists(base / "UNDO.QUJ"));
   EXPECT_FALSE(fs::exists(base / "PENDING.QUJ"));
 }
