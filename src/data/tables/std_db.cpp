@@ -3,11 +3,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstring>
 
 #include "data/db/db_groups.h"
 #include "data/db/path_types.h"
 #include "data/tables/std_tb.h"
 #include "data/tables/table_key.h"
+#include "data/tables/tree_hold.h"
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_exception.h"
 #include "storage/db_kernel_locks.h"
@@ -119,6 +121,9 @@ TStdTB* TStdDb::GetTable(char table_type) const {
 int TStdDb::InsertRec(TStdTB& table, std::vector<uint8_t>& record, int32_t length,
                       int32_t* position) {
   const TRecordKeys keys = table.BuildKeys(RecordView(record.data(), static_cast<size_t>(length)));
+  // Record, unique checks and keys as one change: no other process slips a duplicate in
+  // between or sees the record without its keys.
+  TTreeHold hold(*this, true);
   int result = storage::iDK_RecordInsert(Handle(), record.data(), length, true, position);
   if (result != kOk) return result;
   result = iIO_KeysInsert(keys, *position);
@@ -129,6 +134,7 @@ int TStdDb::InsertRec(TStdTB& table, std::vector<uint8_t>& record, int32_t lengt
     *position = 0;
     return result;
   }
+  if (result = hold.Release(); result != kOk) return result;
   Log("Insert Record \"" + table.CurrentRecordToString() + "\" in \"" + FGroupName + "\"");
   return kOk;
 }
@@ -199,15 +205,20 @@ int TStdDb::iIO_KeysDelete(const TRecordKeys& keys, int32_t position) {
 }
 
 int TStdDb::ReadRaw(int32_t position, std::vector<uint8_t>& record) const {
+  // Records of ordinary tables are shorter than a first guess: one read brings them
+  // whole; a longer one is read again at its stored length.
+  constexpr int32_t kFirstGuess = 4096;
   try {
-    int32_t stored = 0;
-    storage::iDK_RecordRead(Handle(), position, nullptr, &stored, false);
-    if (stored < storage::kRecordHeaderSize) {
-      return stored < 0 ? storage::kDkRecordDeleted : storage::kDkInvalidRecordLength;
-    }
-    record.assign(static_cast<size_t>(stored), 0);
-    int32_t length = stored;
+    record.assign(static_cast<size_t>(kFirstGuess), 0);
+    int32_t length = kFirstGuess;
     storage::iDK_RecordRead(Handle(), position, record.data(), &length, true);
+    int32_t stored = 0;
+    std::memcpy(&stored, record.data(), sizeof stored);
+    if (stored > length) {
+      record.assign(static_cast<size_t>(stored), 0);
+      length = stored;
+      storage::iDK_RecordRead(Handle(), position, record.data(), &length, true);
+    }
     record.resize(static_cast<size_t>(length));
     return kOk;
   } catch (const storage::EDbKernelException& error) {

@@ -15,6 +15,7 @@
 namespace korvan::data {
 
 class TDataCheck;
+class TTreeHold;
 
 // Where a record keeps its GUID: a short string field (a length byte, then up to
 // `capacity` Windows-1252 characters) at `offset` from the start of the record.
@@ -225,8 +226,9 @@ class TStdTB {
   int MoveRecord(const StoredRecord& stored, const TRecordKeys& old_keys,
                  const TRecordKeys& new_keys);
   int ReplaceKeys(const TRecordKeys& old_keys, const TRecordKeys& new_keys, int32_t position);
-  // Runs a kernel write; a conflict with another user's change is put to the user.
-  int WriteAsked(const char* operation, const std::function<int()>& write);
+  // Runs a kernel write; when another user changed the record meanwhile, lets go of the hold,
+  // asks this user and, on yes, takes it again and writes without the check.
+  int WriteAsked(const char* operation, TTreeHold& hold, const std::function<int()>& write);
   void AcceptWritten(int32_t position);
 
   std::string FTableName;

@@ -8,6 +8,7 @@
 #include "data/tables/concurrency_question.h"
 #include "data/tables/std_tb.h"
 #include "data/tables/table_key.h"
+#include "data/tables/tree_hold.h"
 #include "data/undo/undo_table_restorer.h"
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_codes.h"
@@ -59,10 +60,12 @@ int TStdTB::InsertCurrent() {
   return kOk;
 }
 
-int TStdTB::WriteAsked(const char* operation, const std::function<int()>& write) {
+int TStdTB::WriteAsked(const char* operation, TTreeHold& hold, const std::function<int()>& write) {
   try {
     return write();
   } catch (const storage::EDbKernelConcurrencyException& conflict) {
+    // Nobody waits for this user's answer.
+    hold.Release();
     const std::string question = ConcurrencyQuestionText(FDbOwner.Name(), CurrentRecordToString(),
                                                          FormatDateTime(conflict.FModifiedDateTime),
                                                          FDbOwner.UserName(conflict.FModifiedById));
@@ -73,6 +76,7 @@ int TStdTB::WriteAsked(const char* operation, const std::function<int()>& write)
       return storage::kDkConcurrencyConflict;
     }
     FForceUpdate = true;
+    hold.Take();
     const bool previous = TStdDb::DisableConcurrencyDetection();
     int result = kOk;
     try {
@@ -91,6 +95,8 @@ int TStdTB::WriteAsked(const char* operation, const std::function<int()>& write)
 
 int TStdTB::UpdateCurrent() {
   const int32_t position = FCurrentRecordPos;
+  // From the read of the stored record to its keys, one change for other processes.
+  TTreeHold hold(FDbOwner, true);
   StoredRecord stored;
   if (int result = ReadStored(position, stored, "UpDateRec"); result != kOk) return result;
   FCurrentRecord.resize(static_cast<size_t>(RecordLength(FCurrentRecord)), 0);
@@ -108,12 +114,18 @@ int TStdTB::UpdateCurrent() {
   }
   const int32_t old_length = static_cast<int32_t>(stored.raw.size());
   const int32_t new_length = static_cast<int32_t>(FCurrentRecord.size());
-  const int written = WriteAsked("Update", [&] {
+  const int written = WriteAsked("Update", hold, [&] {
     return storage::iDK_RecordUpdate(FDbOwner.Handle(), FCurrentRecord.data(), old_length, position,
                                      new_length);
   });
   if (written == storage::kDkConcurrencyConflict) return written;
-  if (written == kDkCannotReplace) return MoveRecord(stored, old_keys, new_keys);
+  if (written == kDkCannotReplace) {
+    const int moved = MoveRecord(stored, old_keys, new_keys);
+    if (int released = hold.Release(); moved == kOk && released != kOk) {
+      return Fail("Update", released);
+    }
+    return moved;
+  }
   if (written != kOk) return Fail("Update", written);
 
   if (int result = ReplaceKeys(old_keys, new_keys, position); result != kOk) {
@@ -132,6 +144,7 @@ int TStdTB::UpdateCurrent() {
     }
     return Fail("Update", result);
   }
+  if (int released = hold.Release(); released != kOk) return Fail("Update", released);
   AcceptWritten(position);
   if (TableChangeObserver* journal = CurrentTableChangeObserver()) {
     journal->RecordUpdated(TableTargetOf(*this), stored.current, FCurrentRecord);
@@ -217,6 +230,8 @@ int TStdTB::DeleteRec() {
   nLastError = kOk;
   if (!HasPosition()) return nLastError = storage::kDbNoRecordFound;
   const int32_t position = FCurrentRecordPos;
+  // The record and its keys go as one change for other processes.
+  TTreeHold hold(FDbOwner, true);
   StoredRecord stored;
   if (int result = ReadStored(position, stored, "DeleteRec"); result != kOk) return result;
   const TRecordKeys keys = BuildKeys(stored.current);
@@ -226,13 +241,14 @@ int TStdTB::DeleteRec() {
   if (TableChangeObserver* journal = CurrentTableChangeObserver()) {
     journal->RecordWillChange(TableTargetOf(*this), stored.current, {});
   }
-  const int deleted = WriteAsked("Delete", [&] {
+  const int deleted = WriteAsked("Delete", hold, [&] {
     return storage::iDK_RecordDelete(FDbOwner.Handle(), header.data(), position);
   });
   if (deleted == storage::kDkConcurrencyConflict) return deleted;
   if (deleted != kOk) return Fail("Delete", deleted);
+  int keys_removed = FDbOwner.iIO_KeysDelete(keys, position);
+  if (int released = hold.Release(); keys_removed == kOk) keys_removed = released;
   UnLockRec();
-  const int keys_removed = FDbOwner.iIO_KeysDelete(keys, position);
   FCurrentRecordPos = 0;
   FLastRecord.clear();
   if (TableChangeObserver* journal = CurrentTableChangeObserver()) {

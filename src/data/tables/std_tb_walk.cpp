@@ -4,6 +4,7 @@
 
 #include "data/tables/std_tb.h"
 #include "data/tables/table_key.h"
+#include "data/tables/tree_hold.h"
 #include "storage/db_kernel.h"
 #include "storage/db_kernel_codes.h"
 #include "storage/result_codes.h"
@@ -80,6 +81,8 @@ bool TStdTB::StartWalk(std::string_view pattern, char index, Direction direction
   FWalkPattern = BuildKeyPattern(FTableType, FFilterIndex, pattern, FDbOwner.KeyLength());
   storage::KeyEntry entry = MakeKeyEntry(FWalkPattern);
   uint32_t position = 0;
+  // The key and its record as one read for other processes, and one lock.
+  TTreeHold hold(FDbOwner, false);
   const int result = direction == Direction::kForward
                          ? storage::iDK_KeyFirstMatch(FDbOwner.Handle(), entry, &position)
                          : storage::iDK_KeyLastMatch(FDbOwner.Handle(), entry, &position);
@@ -102,6 +105,7 @@ bool TStdTB::StepWalk(std::string_view pattern, char index, Direction direction)
   ClearTbRecord();
   uint32_t position = FWalkPosition;
   storage::KeyEntry cursor = FWalkCursor;
+  TTreeHold hold(FDbOwner, false);
   int result = direction == Direction::kForward
                    ? storage::iDK_KeyNext(FDbOwner.Handle(), cursor, &position)
                    : storage::iDK_KeyPrev(FDbOwner.Handle(), cursor, &position);
@@ -172,6 +176,7 @@ bool TStdTB::GetKey(std::string_view pattern, char index) {
       BuildKeyPattern(FTableType, IndexChar(index), pattern, FDbOwner.KeyLength());
   storage::KeyEntry entry = MakeKeyEntry(full);
   uint32_t position = 0;
+  TTreeHold hold(FDbOwner, false);
   const int result = storage::iDK_KeyFirstMatch(FDbOwner.Handle(), entry, &position);
   if (result != kOk) {
     ClearTbRecord();
@@ -234,6 +239,8 @@ int TStdTB::GetBatch(std::string_view pattern, char index,
                      std::vector<std::vector<uint8_t>>& records, size_t max_count) {
   std::vector<std::string> keys;
   std::vector<int32_t> positions;
+  // Keys and records of one state of the file: no record goes between the two.
+  TTreeHold hold(FDbOwner, false);
   if (int result = GetKeyBatch(pattern, index, keys, positions, max_count); result != kOk) {
     records.clear();
     return result;

@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "data/tables/std_tb_test_support.h"
 #include "storage/db_kernel_codes.h"
@@ -126,6 +128,58 @@ TEST_F(TableConcurrency, ALockedRecordIsRefusedToOtherUsers) {
   ASSERT_EQ(table.UnLockRec(), 0);
   EXPECT_EQ(other_user_locks(), 0);
   EXPECT_FALSE(db_->OtherUserLocked(name));
+}
+
+// Two processes insert the same unique ids at once: the unique check and the insert it
+// guards are one change, so every id ends with one record and one key.
+TEST_F(TableTest, TwoProcessesInsertingTheSameUniqueIdsLeaveOneRecordEach) {
+  constexpr int32_t kIds = 300;
+  const std::string directory = dir_.path().string();
+  db_.reset();
+  TStdDbDatas::Instance().ReleaseEmpty();
+  const auto insert_all = [&] {
+    TStdDb db("DB_Stamm", directory, kDbType, kKeyLength);
+    if (int opened = db.DbOpen(); opened != 0) return -opened;
+    TTbTestItem table(db);
+    int inserted = 0;
+    for (int32_t id = 0; id < kIds; ++id) {
+      const int result = InsertItem(table, id, kNullId);
+      if (result == 0) ++inserted;
+      if (result != 0 && result != storage::kDkDuplicateKey) return -result;
+    }
+    return inserted;
+  };
+  int channel[2];
+  ASSERT_EQ(pipe(channel), 0);
+  std::vector<pid_t> writers;
+  for (int w = 0; w < 2; ++w) {
+    const pid_t pid = fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+      const int inserted = insert_all();
+      _exit(write(channel[1], &inserted, sizeof inserted) == ssize_t{sizeof inserted} ? 0 : 1);
+    }
+    writers.push_back(pid);
+  }
+  close(channel[1]);
+  int total = 0;
+  for (pid_t pid : writers) {
+    int inserted = -1;
+    EXPECT_EQ(read(channel[0], &inserted, sizeof inserted), ssize_t{sizeof inserted});
+    EXPECT_GE(inserted, 0) << "a writer failed with " << -inserted;
+    total += inserted;
+    waitpid(pid, nullptr, 0);
+  }
+  close(channel[0]);
+  EXPECT_EQ(total, kIds) << "inserts acknowledged to both writers";
+
+  db_ = std::make_unique<TStdDb>("DB_Stamm", directory, kDbType, kKeyLength);
+  ASSERT_EQ(db_->DbOpen(), 0);
+  int32_t records = 0;
+  ASSERT_EQ(db_->RecordCount(0, &records), 0);
+  EXPECT_EQ(records, kIds);
+  EXPECT_EQ(AllKeys().size(), size_t{kIds});
+  EXPECT_EQ(StorageProblems(), std::vector<std::string>{});
 }
 
 }  // namespace
