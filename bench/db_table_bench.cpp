@@ -26,7 +26,8 @@
 //               kernel holds the tree lock over the batch, SQLite runs in exclusive
 //               locking mode; every operation stays durable on its own.
 //   caches      Equal memory: KORVAN_BENCH_CACHE_BLOCKS 2 KB blocks for the kernel's key
-//               file, the same for SQLite's page cache. Reads run on warm caches.
+//               file and as many bytes for its recently read records, the sum for
+//               SQLite's page cache. Reads run on warm caches.
 //   drift       The disk's sync latency drifts, so every phase runs in rounds of
 //               alternating batches (kernel, kernel+keys, SQLite, kernel, …) and the table
 //               gives medians and the spread (lowest–highest) over the rounds.
@@ -90,8 +91,8 @@ int Records() {
 int Rounds() {
   return EnvCount("KORVAN_BENCH_ROUNDS", 7);
 }
-// Key-file cache blocks of 2048 bytes; SQLite gets the same memory. The default, 1000
-// blocks, matches SQLite's default cache of 2 MB.
+// Key-file cache blocks of 2048 bytes; the kernel keeps as many bytes of records, and
+// SQLite gets the sum. The default, 1000 blocks, matches SQLite's default cache of 2 MB.
 int CacheBlocks() {
   return EnvCount("KORVAN_BENCH_CACHE_BLOCKS", 1000);
 }
@@ -337,7 +338,8 @@ class SqliteTable : public Table {
     Exec("PRAGMA journal_mode=" + EnvText("KORVAN_BENCH_JOURNAL", "WAL"));
     Exec("PRAGMA synchronous=FULL");
     Exec(std::string("PRAGMA locking_mode=") + (BatchLocking() ? "EXCLUSIVE" : "NORMAL"));
-    Exec("PRAGMA cache_size=-" + std::to_string(CacheBlocks() * 2));
+    // Kilobytes: the kernel's key blocks and its records.
+    Exec("PRAGMA cache_size=-" + std::to_string(CacheBlocks() * 2 * 2));
     Exec("CREATE TABLE t(id INTEGER PRIMARY KEY, name TEXT NOT NULL, payload BLOB NOT NULL)");
     Exec("CREATE INDEX t_name ON t(name)");
     insert_ = Prepare("INSERT INTO t(id, name, payload) VALUES(?, ?, ?)");
@@ -601,7 +603,7 @@ void PrintTable(const Samples& samples, const std::vector<Engine>& engines) {
   std::printf(
       "records %d, updates and deletes %d each, %d rounds, cache %d KB per engine, files on %s "
       "(%s), SQLite journal mode %s, locking per %s, load %.2f %.2f %.2f\n",
-      Records(), Changes(), Rounds(), CacheBlocks() * 2, BenchDirectory().c_str(),
+      Records(), Changes(), Rounds(), CacheBlocks() * 2 * 2, BenchDirectory().c_str(),
       FileSystemOf(BenchDirectory()).c_str(), EnvText("KORVAN_BENCH_JOURNAL", "WAL").c_str(),
       Locking().c_str(), load[0], load[1], load[2]);
 }

@@ -44,7 +44,8 @@ struct DbHandleSlot {
   uint64_t cached_change_stamp = 0;  // the stamp the cached key blocks belong to
   int tree_lock_depth = 0;           // nesting of TreeLock on this handle
   bool tree_lock_exclusive = false;
-  int tree_holds = 0;  // levels of tree_lock_depth held over several operations
+  int tree_holds = 0;         // levels of tree_lock_depth held over several operations
+  bool stamp_raised = false;  // the exclusive lock held now has raised the stamp on disk
 
   bool InUse() const { return !file_name.empty(); }
   bool IsWritable() const { return (open_mode & 2) != 0; }

@@ -13,6 +13,7 @@
 #include "storage/db_share_mode.h"
 #include "storage/delphi_datetime.h"
 #include "storage/key_file_sharing.h"
+#include "storage/record_cache.h"
 #include "storage/result_codes.h"
 
 namespace korvan::storage {
@@ -297,6 +298,7 @@ int iDK_DbClose(int handle) {
     kernel::Diagnostic("lock file of " + slot->file_name + " not released cleanly");
   }
   BlockCache::Instance().Close(handle);
+  RecordCache::Instance().Drop(handle);
   close(slot->data_file);
   close(slot->key_file);
   table.Release(handle);

@@ -10,6 +10,7 @@
 #include "storage/db_kernel_internal.h"
 #include "storage/delphi_datetime.h"
 #include "storage/key_file_sharing.h"
+#include "storage/record_cache.h"
 #include "storage/result_codes.h"
 
 namespace korvan::storage {
@@ -99,6 +100,24 @@ int WriteIntoFreeBlock(const DbHandleSlot& slot, const void* record, int32_t len
   return kOk;
 }
 
+// A record read before under the tree lock, as iDK_RecordRead hands it out; false when
+// it is not cached or no lock vouches for the cache.
+bool ReadCached(int handle, const DbHandleSlot& slot, int32_t position, void* buffer,
+                int32_t* length, bool read_whole) {
+  if (slot.tree_lock_depth == 0) return false;
+  const std::vector<uint8_t>* cached = RecordCache::Instance().Find(handle, position);
+  if (cached == nullptr) return false;
+  const auto stored = static_cast<int32_t>(cached->size());
+  if (!read_whole) {
+    *length = stored;
+    return true;
+  }
+  const int32_t wanted = std::min(stored, std::max(*length, int32_t{0}));
+  std::memcpy(buffer, cached->data(), static_cast<size_t>(wanted));
+  *length = wanted;
+  return true;
+}
+
 bool IsTableLetter(char letter) {
   return letter >= 'A' && letter <= 'Z';
 }
@@ -110,6 +129,7 @@ int iDK_RecordRead(int handle, int32_t position, void* buffer, int32_t* length, 
   const DbHandleSlot* slot = DbHandleTable::Instance().Find(handle);
   if (slot == nullptr) Raise(handle, kRead, kDkInvalidHandle);
   if (position < kFirstBlockPosition) Raise(handle, kRead, kDkBadPosition);
+  if (ReadCached(handle, *slot, position, buffer, length, read_whole)) return kOk;
 
   // Records of ordinary tables fit a small buffer: one read brings header and body, which
   // halves the system calls of a lookup. Only the record's own bytes reach the caller,
@@ -134,6 +154,10 @@ int iDK_RecordRead(int handle, int32_t position, void* buffer, int32_t* length, 
   const int32_t wanted = std::min(header.RecLen, std::max(*length, int32_t{0}));
   if (static_cast<size_t>(wanted) <= got) {
     std::memcpy(buffer, scratch, static_cast<size_t>(wanted));
+    // Only a whole record read under the lock may be handed out again.
+    if (wanted == header.RecLen && slot->tree_lock_depth > 0) {
+      RecordCache::Instance().Store(handle, position, scratch, static_cast<size_t>(wanted));
+    }
   } else if (kernel::ReadAt(slot->data_file, position, buffer, static_cast<size_t>(wanted), &got) !=
                  kOk ||
              got != static_cast<size_t>(wanted)) {
@@ -178,6 +202,7 @@ int iDK_RecordInsert(int handle, void* record, int32_t length, bool reuse_free_s
   const double now = DelphiNow();
   header->LastModified = now;
   header->CreationDate = now;
+  RecordCache::Instance().Forget(handle, static_cast<int32_t>(target));
   const int32_t rest = into_free_block ? block.length - occupied : 0;
   if (rest >= kernel::kFreeBlockMinimum) {
     if (int written = WriteIntoFreeBlock(*slot, record, length, block); written != kOk) {
@@ -228,6 +253,7 @@ int iDK_RecordUpdate(int handle, void* record, int32_t old_length, int32_t posit
   if (!fits(old_length) || !fits(new_length)) return kDkCannotReplace;
 
   static_cast<TDbRecordHeader*>(record)->LastModified = DelphiNow();
+  RecordCache::Instance().Forget(handle, position);
   const std::vector<uint8_t> image = SlotImage(record, new_length, stored.RecLen);
   return kernel::WriteAt(slot->data_file, position, image.data(), image.size());
 }
@@ -248,6 +274,7 @@ int iDK_RecordDelete(int handle, void* record, int32_t position) {
 
   // The caller builds the record's keys from what was stored, to remove them.
   std::memcpy(record, &stored, sizeof stored);
+  RecordCache::Instance().Forget(handle, position);
   TDbRecordHeader freed = stored;
   freed.RecLen = -stored.RecLen;
   freed.LastModified = DelphiNow();

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "storage/block_cache.h"
+#include "storage/record_cache.h"
 
 namespace korvan::storage {
 namespace {
@@ -79,6 +80,7 @@ KernelSettings ReadKernelSettings(const SettingLookup& lookup) {
 
 void ApplyKernelSettings(const KernelSettings& settings) {
   MutableCurrentSettings() = settings;
+  RecordCache::Instance().SetCapacity(static_cast<size_t>(settings.db_cache_size) * kBlockSize);
   BlockCache::Instance().Configure({
       settings.classic_cache_enabled ? CacheKind::kClassic : CacheKind::kRandomAccess,
       settings.cache_do_write_by_release,

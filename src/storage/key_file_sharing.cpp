@@ -11,6 +11,7 @@
 #include "storage/db_kernel_internal.h"
 #include "storage/key_file_layout.h"
 #include "storage/key_file_rebuild.h"
+#include "storage/record_cache.h"
 #include "storage/result_codes.h"
 
 namespace korvan::storage::kernel {
@@ -107,6 +108,7 @@ int RaiseStamp(int handle, DbHandleSlot& slot) {
 }
 
 void DropCachedBlocks(int handle, DbHandleSlot& slot) {
+  RecordCache::Instance().Drop(handle);
   auto& cache = BlockCache::Instance();
   cache.Close(handle);
   cache.Open(handle, slot.key_file, KeyFileName(slot.file_name), ConfiguredCacheSize());
@@ -167,13 +169,14 @@ int LeaveTreeLevel(int handle, DbHandleSlot& slot) {
   int result = kOk;
   const FileCache* cache = BlockCache::Instance().Find(handle);
   if (slot.tree_lock_exclusive && cache != nullptr && cache->DirtyBlocks() > 0) {
-    result = RaiseStamp(handle, slot);
+    if (!slot.stamp_raised) result = RaiseStamp(handle, slot);
     if (result == kOk) result = WriteBack(handle);
     // What could not be written back must not be read by this process as if it were
     // the file's: the next lock reads the blocks anew.
     if (result != kOk) slot.cached_change_stamp = kNoStamp;
   }
   slot.tree_lock_exclusive = false;
+  slot.stamp_raised = false;
   UnlockByte(slot.key_file, kTreeLockByte);
   return result;
 }
@@ -238,21 +241,29 @@ int EndTreeHold(int handle, DbHandleSlot& slot) {
   return LeaveTreeLevel(handle, slot);
 }
 
+// The stamp goes up in the file before the first change of an exclusive lock reaches
+// either file: whoever cached key blocks or records under the old stamp drops them at
+// its next lock, also when this process is killed halfway through its change.
 int BeginChange(int handle, DbHandleSlot& slot, TreeLock& lock) {
   if (lock.result() != kOk) return lock.result();
-  if (slot.writer_marked || slot.writer_slot < 0 || !IsVersion3(slot)) return kOk;
-  const uint64_t bit = uint64_t{1} << slot.writer_slot;
-  int result = ChangeHeader(handle, [&](uint8_t* block) {
-    StoreLe<uint64_t>(block + kWritersOffset, LoadLe<uint64_t>(block + kWritersOffset) | bit);
-  });
+  if (!IsVersion3(slot) || slot.stamp_raised) return kOk;
+  const bool mark_writer = !slot.writer_marked && slot.writer_slot >= 0;
+  int result = kOk;
+  if (mark_writer) {
+    const uint64_t bit = uint64_t{1} << slot.writer_slot;
+    result = ChangeHeader(handle, [&](uint8_t* block) {
+      StoreLe<uint64_t>(block + kWritersOffset, LoadLe<uint64_t>(block + kWritersOffset) | bit);
+    });
+  }
   if (result == kOk) result = RaiseStamp(handle, slot);
   if (result == kOk) result = WriteBack(handle);
-  if (result == kOk && fdatasync(slot.key_file) != 0) result = kDkIoError;
+  if (result == kOk && mark_writer && fdatasync(slot.key_file) != 0) result = kDkIoError;
   if (result != kOk) {
     slot.cached_change_stamp = kNoStamp;
     return result;
   }
-  slot.writer_marked = true;
+  slot.writer_marked = slot.writer_marked || mark_writer;
+  slot.stamp_raised = true;
   return kOk;
 }
 

@@ -115,6 +115,8 @@ int TRandomAccessCache<kMonitored>::WriteAll() {
     entry.DirtyFlag = false;
     --dirty_count_;
     Stamp(entry);
+    // The few changed blocks of an operation are found without passing all the others.
+    if (dirty_count_ == 0) break;
   }
   return kOk;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -80,6 +81,29 @@ inline int ResultInChild(const std::function<int()>& body) {
   close(channel[0]);
   waitpid(pid, nullptr, 0);
   return result;
+}
+
+// Runs `work` in a child that then waits to be killed; returns once the child has said
+// that its work returned, with the child killed.
+inline void KillAfter(const std::function<int()>& work) {
+  int channel[2];
+  ASSERT_EQ(pipe(channel), 0);
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    ForgetInheritedDatabases();
+    const int result = work();
+    if (write(channel[1], &result, sizeof result) != ssize_t{sizeof result}) _exit(3);
+    for (;;) pause();
+  }
+  close(channel[1]);
+  int result = -1;
+  const bool told = read(channel[0], &result, sizeof result) == ssize_t{sizeof result};
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+  close(channel[0]);
+  ASSERT_TRUE(told) << "the child died before its work returned";
+  ASSERT_EQ(result, 0) << "the child's work failed";
 }
 
 // Creates databases in a fresh directory and closes whatever a test left open. Type 'S'

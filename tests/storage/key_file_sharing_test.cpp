@@ -33,29 +33,6 @@ int DeleteNumbered(int handle, int32_t index, int32_t position) {
   return iDK_KeyDelete(handle, NumberedKey(index, position));
 }
 
-// Runs `work` in a child that then waits to be killed; returns once the child has said
-// that its work returned, with the child killed.
-void KillAfter(const std::function<int()>& work) {
-  int channel[2];
-  ASSERT_EQ(pipe(channel), 0);
-  const pid_t child = fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
-    ForgetInheritedDatabases();
-    const int result = work();
-    if (write(channel[1], &result, sizeof result) != ssize_t{sizeof result}) _exit(3);
-    for (;;) pause();
-  }
-  close(channel[1]);
-  int result = -1;
-  const bool told = read(channel[0], &result, sizeof result) == ssize_t{sizeof result};
-  kill(child, SIGKILL);
-  waitpid(child, nullptr, 0);
-  close(channel[0]);
-  ASSERT_TRUE(told) << "the child died before its work returned";
-  ASSERT_EQ(result, 0) << "the child's work failed";
-}
-
 // Every record is where its key says, with its content; key tree and free-space index
 // agree with the data file.
 void ExpectAllFound(int handle, const Positions& expected) {
