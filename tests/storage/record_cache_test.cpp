@@ -43,48 +43,63 @@ class RecordCacheTest : public DbKernelTest {
     close(fd);
   }
 
-  // Another process, open for writing and past its first change (the one that marks
-  // it as a writer), updates the record to `fill` once this one has read it
-  // again under the lock; with `killed` it is killed before it lets go of its lock.
+  // Another process, open for writing and past its first change (the one that marks it
+  // as a writer), updates the record to `fill` once this one has read it again under
+  // the lock. With `killed` it is killed before it lets go of its lock; otherwise it
+  // stays open until FinishOtherProcess, so that its close changes nothing seen here.
   void UpdateInOtherProcess(uint8_t fill, bool killed) {
-    int to_child[2];
-    int from_child[2];
-    ASSERT_EQ(pipe(to_child), 0);
-    ASSERT_EQ(pipe(from_child), 0);
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-      ForgetInheritedDatabases();
-      const auto tell = [&](int result) {
-        if (write(from_child[1], &result, sizeof result) != ssize_t{sizeof result}) _exit(3);
-      };
-      int own = 0;
-      std::vector<uint8_t> record = MakeRecord('A', kLength, 0x11);
-      int result = iDK_DbOpen('S', Base("cached"), true, true, &own);
-      if (result == 0) result = iDK_RecordUpdate(own, record.data(), kLength, position_, kLength);
-      tell(result);
-      char go = 0;
-      if (read(to_child[0], &go, 1) != 1) _exit(4);
-      if (killed && iDK_TreeLock(own, true) != 0) _exit(5);
-      record = MakeRecord('A', kLength, fill);
-      tell(iDK_RecordUpdate(own, record.data(), kLength, position_, kLength));
-      if (!killed) _exit(iDK_DbClose(own) == 0 ? 0 : 6);
-      for (;;) pause();
-    }
+    ASSERT_EQ(pipe(to_child_), 0);
+    ASSERT_EQ(pipe(from_child_), 0);
+    child_ = fork();
+    ASSERT_GE(child_, 0);
+    if (child_ == 0) RunOtherProcess(fill, killed);
     int result = -1;
-    ASSERT_EQ(read(from_child[0], &result, sizeof result), ssize_t{sizeof result});
+    ASSERT_EQ(read(from_child_[0], &result, sizeof result), ssize_t{sizeof result});
     ASSERT_EQ(result, 0) << "the other process's first change";
     EXPECT_EQ(FillByteUnderLock(), 0x11);
-    ASSERT_EQ(write(to_child[1], "g", 1), 1);
-    ASSERT_EQ(read(from_child[0], &result, sizeof result), ssize_t{sizeof result});
+    ASSERT_EQ(write(to_child_[1], "g", 1), 1);
+    ASSERT_EQ(read(from_child_[0], &result, sizeof result), ssize_t{sizeof result});
     EXPECT_EQ(result, 0) << "the other process's update";
-    if (killed) kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
-    for (int fd : {to_child[0], to_child[1], from_child[0], from_child[1]}) close(fd);
+    if (killed) FinishOtherProcess();
+  }
+
+  void FinishOtherProcess() {
+    if (child_ <= 0) return;
+    kill(child_, SIGKILL);
+    waitpid(child_, nullptr, 0);
+    child_ = 0;
+    for (int fd : {to_child_[0], to_child_[1], from_child_[0], from_child_[1]}) close(fd);
+  }
+  void TearDown() override {
+    FinishOtherProcess();
+    DbKernelTest::TearDown();
   }
 
   int handle_ = 0;
   int32_t position_ = 0;
+
+ private:
+  [[noreturn]] void RunOtherProcess(uint8_t fill, bool killed) {
+    ForgetInheritedDatabases();
+    const auto tell = [&](int result) {
+      if (write(from_child_[1], &result, sizeof result) != ssize_t{sizeof result}) _exit(3);
+    };
+    int own = 0;
+    std::vector<uint8_t> record = MakeRecord('A', kLength, 0x11);
+    int result = iDK_DbOpen('S', Base("cached"), true, true, &own);
+    if (result == 0) result = iDK_RecordUpdate(own, record.data(), kLength, position_, kLength);
+    tell(result);
+    char go = 0;
+    if (read(to_child_[0], &go, 1) != 1) _exit(4);
+    if (killed && iDK_TreeLock(own, true) != 0) _exit(5);
+    record = MakeRecord('A', kLength, fill);
+    tell(iDK_RecordUpdate(own, record.data(), kLength, position_, kLength));
+    for (;;) pause();
+  }
+
+  pid_t child_ = 0;
+  int to_child_[2] = {-1, -1};
+  int from_child_[2] = {-1, -1};
 };
 
 TEST_F(RecordCacheTest, ARecordReadAgainUnderTheLockComesFromMemory) {

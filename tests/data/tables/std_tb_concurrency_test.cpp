@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "data/tables/std_tb_test_support.h"
+#include "data/tables/table_change_journal.h"
 #include "storage/db_kernel_codes.h"
 #include "storage/db_kernel_fixture.h"
 #include "storage/db_kernel_locks.h"
@@ -12,6 +13,46 @@ namespace {
 
 using storage::testing::ForgetInheritedDatabases;
 using storage::testing::ResultInChild;
+
+// Hears of a change before it is written, and lets another process try to read the
+// database's keys meanwhile: that reader must wait until the change is done.
+class KeyReaderDuringChange : public TableChangeObserver {
+ public:
+  KeyReaderDuringChange(std::string base, char db_type, int key_length)
+      : base_(std::move(base)), db_type_(db_type), key_length_(key_length) {}
+  void RecordWillChange(const TableTarget&, JournalImage, JournalImage) override {
+    reader_ = fork();
+    if (reader_ == 0) {
+      ForgetInheritedDatabases();
+      int handle = 0;
+      if (storage::iDK_DbOpen(db_type_, base_, false, true, &handle) != 0) _exit(1);
+      storage::KeyEntry entry =
+          MakeKeyEntry(std::string(static_cast<size_t>(key_length_), kKeyPadChar));
+      uint32_t position = 0;
+      const int found = storage::iDK_KeyFirstMatch(handle, entry, &position);
+      _exit(found == 0 || found == storage::kDkKeyNotFound ? 0 : 2);
+    }
+    usleep(300 * 1000);
+    reader_waited_ = waitpid(reader_, nullptr, WNOHANG) == 0;
+  }
+  void RecordInserted(const TableTarget&, JournalImage) override {}
+  void RecordUpdated(const TableTarget&, JournalImage, JournalImage) override {}
+  void RecordDeleted(const TableTarget&, JournalImage) override {}
+
+  // Whether the reader waited for the change and then read.
+  bool ReaderWaitedAndRead() {
+    int status = -1;
+    waitpid(reader_, &status, 0);
+    return reader_waited_ && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  }
+
+ private:
+  std::string base_;
+  char db_type_;
+  int key_length_;
+  pid_t reader_ = -1;
+  bool reader_waited_ = false;
+};
 
 class TableConcurrency : public TableTest {
  protected:
@@ -128,6 +169,22 @@ TEST_F(TableConcurrency, ALockedRecordIsRefusedToOtherUsers) {
   ASSERT_EQ(table.UnLockRec(), 0);
   EXPECT_EQ(other_user_locks(), 0);
   EXPECT_FALSE(db_->OtherUserLocked(name));
+}
+
+TEST_F(TableTest, OtherProcessesWaitWhileAnUpdateOrADeleteIsUnderWay) {
+  TTbTestItem table(*db_);
+  ASSERT_EQ(InsertItem(table, 1, 10, 8, 0x11), 0);
+  {
+    KeyReaderDuringChange reader(db_->BasePath(), kDbType, kKeyLength);
+    ScopedTableChangeObserver observing(&reader);
+    table.Rec().Code = 11;
+    ASSERT_EQ(table.UpDateRec(), 0);
+    EXPECT_TRUE(reader.ReaderWaitedAndRead()) << "update";
+  }
+  KeyReaderDuringChange reader(db_->BasePath(), kDbType, kKeyLength);
+  ScopedTableChangeObserver observing(&reader);
+  ASSERT_EQ(table.DeleteRec(), 0);
+  EXPECT_TRUE(reader.ReaderWaitedAndRead()) << "delete";
 }
 
 // Two processes insert the same unique ids at once: the unique check and the insert it
