@@ -6,6 +6,7 @@
 #include "boq/text/tb_texte.h"
 #include "boq/text/tb_textzeile.h"
 #include "boq/text/text_records.h"
+#include "boq/units/builtin_currencies.h"
 #include "boq/units/currency_records.h"
 #include "boq/units/dm_einheit.h"
 #include "boq/units/dm_waehrung.h"
@@ -34,6 +35,7 @@ void RegisterBoqTables(data::TTableRegistry& registry) {
   registry.RegisterModule("einheit", Registry::ModuleFactoryOf<TdmEinheit>());
   registry.RegisterDumpFormat(kWaehrungTableType, kWaehrungLayout);
   registry.RegisterDumpFormat(kEinheitTableType, kEinheitLayout);
+  registry.RegisterInitialRows(kStammDbType, FillBuiltInCurrencyRows);
   registry.Register(kGlobDataDbType, kPrjWaeFaktorTableType,
                     Registry::FactoryOf<TTbPrjWaeFaktor>());
   registry.RegisterDumpFormat(kPrjWaeFaktorTableType, kPrjWaeFaktorLayout);

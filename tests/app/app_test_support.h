@@ -8,6 +8,11 @@
 
 namespace korvan::app {
 
+// Rows of the sample installation's currency list ("korvan demo"): the built-in list and
+// the demo's own currencies, in the order of their ids.
+inline constexpr const char* kDemoFrancRow = "8";   // Schweizer Franken, factor 0,94
+inline constexpr const char* kDemoPoundRow = "10";  // Pfund Sterling, factor 0,85
+
 // A private runtime directory (instance lock and socket) for every instance a test starts.
 class RuntimeDir {
  public:

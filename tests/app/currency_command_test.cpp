@@ -65,6 +65,12 @@ TEST(CurrencyCommand, RefusesUnknownCurrenciesAndProjects) {
 TEST(CurrencyCommand, AnEmptyCurrencyTableIsNamed) {
   testing::TempDir dir;
   const fs::path base = testing::MakeInstallation(dir, "init");
+  // A master database made by hand has no currencies (a new installation has the
+  // built-in list).
+  const std::string stamm = (base / "STAMMDATEN/DB_Stamm.QE").string();
+  fs::remove(stamm + "0");
+  fs::remove(stamm + "1");
+  ExpectKorvan({"db", "create", stamm, "--type", "E", "--keylen", "33"}, 0);
   ExpectKorvan({"currency", "convert", "-d", base.string(), "EUR"}, 1,
                {"die Währungstabelle in ", "DB_Stamm.QE0 ist leer"});
 }

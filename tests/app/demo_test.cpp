@@ -27,9 +27,9 @@ constexpr int kStammKeyLength = 33;
 TEST(Demo, SetsUpASampleInstallationOnceAndDumpsItsTables) {
   testing::TempDir dir;
   const fs::path base = dir.path() / "sample";
-  ExpectKorvan(
-      {"demo", "-d", base.string()}, 0,
-      {"4 Währungen und 8 Einheiten eingetragen", "  U  STAMMDATEN/DB_Stamm.QE0: 12 Datensätze"});
+  ExpectKorvan({"demo", "-d", base.string()}, 0,
+               {"Gelesene Währungen: \nDEM, BEF, FIM", "3 Währungen und 8 Einheiten eingetragen",
+                "  U  STAMMDATEN/DB_Stamm.QE0: 24 Datensätze"});
   EXPECT_FALSE(fs::exists(base / "STAMMDATEN/DB_Stamm.QE2"));  // no lock file left behind
   {
     data::TCollectedMessages messages;
@@ -47,13 +47,13 @@ TEST(Demo, SetsUpASampleInstallationOnceAndDumpsItsTables) {
   // A second run finds everything in place and enters nothing twice.
   ExpectKorvan(
       {"demo", "-d", base.string()}, 0,
-      {"0 Währungen und 0 Einheiten eingetragen", "  U  STAMMDATEN/DB_Stamm.QE0: 12 Datensätze"});
+      {"0 Währungen und 0 Einheiten eingetragen", "  U  STAMMDATEN/DB_Stamm.QE0: 24 Datensätze"});
 
   const std::string stamm = (base / "STAMMDATEN/DB_Stamm.QE").string();
   const ProgramResult currencies =
       ExpectKorvan({"db", "dump", "--table", "W", stamm}, 0,
                    {"RecTyp: W\tSize: 191\tVersion: 1\t", "\nBez: Schweizer Franken\n",
-                    "\n4 Datensätze der Tabelle W (t_Waehrung)\n"});
+                    "\nSymbol: ITL\n", "\n16 Datensätze der Tabelle W (t_Waehrung)\n"});
   EXPECT_FALSE(Contains(currencies.out, "Symbol: m2"));
   ExpectKorvan({"db", "keys", stamm}, 0, {" W100000000041."});  // the id in eleven characters
   EXPECT_EQ(ExpectKorvan({"db", "dump", "--table", "Q", stamm}, 0).out,

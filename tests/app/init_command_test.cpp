@@ -104,8 +104,12 @@ TEST(InitCommand, RunningAgainChangesNothingAndCompletesWhatIsMissing) {
   // A lost database is made again, and only that one.
   fs::remove(base / "STAMMDATEN/DB_Stamm.QE0");
   fs::remove(base / "STAMMDATEN/DB_Stamm.QE1");
+  // The new master data starts with the built-in currency list.
   ExpectKorvan({"init", "-d", base.string()}, 0,
-               {"Datenbanken angelegt (Daten- und Schlüsseldatei) (1)"});
+               {"Datenbanken angelegt (Daten- und Schlüsseldatei) (1)",
+                "Gelesene Währungen: \nDEM, BEF, FIM, FRF, IEP, ITL, LUF, NLG, ATS, PTE, ESP, "
+                "GRD, EUR\n"});
+  ExpectKorvan({"list", "waehrung", "-d", base.string()}, 0, {"Deutsche Mark", "1,95583"});
   EXPECT_EQ(Layout(base), ExpectedFreshLayout(base));
 
   // Another project becomes the current one; the first stays as it is.

@@ -53,9 +53,9 @@ TEST_F(ListEditUndo, ListEditThenUndoRestoresTheRecordAndRedoMakesItAgain) {
   ASSERT_GT(row, 0) << currencies.out;
   const std::string before = DumpCurrencies();
 
-  Korvan({"edit", "waehrung", std::to_string(row), "Faktor=0,97", "Währung=Franken"});
+  Korvan({"edit", "waehrung", std::to_string(row), "Faktor=0,97", "Währung=Fränkli"});
   const std::string listing = Korvan({"list", "waehrung"}).out;
-  EXPECT_EQ(ListRowOf(listing, "Franken"), row);
+  EXPECT_EQ(ListRowOf(listing, "Fränkli"), row);
   EXPECT_FALSE(Contains(listing, "Schweizer Franken")) << listing;
   EXPECT_TRUE(Contains(listing, "0,97")) << listing;
   const std::string edited = DumpCurrencies();

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "app_test_support.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 
@@ -68,11 +69,11 @@ class UndoCrash : public ::testing::Test {
   void SetUp() override {
     ExpectKorvanOn(base_, {"demo"});
     // Step "A": the Swiss franc's factor; it stays below every step the tests kill.
-    ExpectKorvanOn(base_, {"edit", "waehrung", "2", "Faktor=0,97"});
+    ExpectKorvanOn(base_, {"edit", "waehrung", kDemoFrancRow, "Faktor=0,97"});
   }
   // Step "B": the pound from 0,85 to 1,11.
   void EditPound(const fs::path& base) {
-    ExpectKorvanOn(base, {"edit", "waehrung", "3", "Faktor=1,11"}, 0);
+    ExpectKorvanOn(base, {"edit", "waehrung", kDemoPoundRow, "Faktor=1,11"}, 0);
   }
   // A copy of the installation as it is now, for one killed run.
   fs::path Copy(int run) {
@@ -133,7 +134,8 @@ class UndoCrash : public ::testing::Test {
 };
 
 TEST_F(UndoCrash, AKilledEditLeavesItsStepWholeOrNotAtAll) {
-  KillAtEveryWrite({"edit", "waehrung", "3", "Faktor=1,11"}, {1, 0, "0,85"}, {2, 0, "1,11"});
+  KillAtEveryWrite({"edit", "waehrung", kDemoPoundRow, "Faktor=1,11"}, {1, 0, "0,85"},
+                   {2, 0, "1,11"});
 }
 
 TEST_F(UndoCrash, AKilledUndoLeavesItsStepMovedWholeOrNotAtAll) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "app_test_support.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 
@@ -25,8 +26,8 @@ TEST(UndoJournalFiles, ACopiedInstallationTakesItsStepsBackWhereItIsNow) {
   testing::TempDir dir;
   const fs::path original = dir.path() / "ava";
   ExpectKorvanOn(original, {"demo"});
-  ExpectKorvanOn(original, {"edit", "waehrung", "3", "Faktor=1,11"});
-  ExpectKorvanOn(original, {"edit", "waehrung", "2", "Faktor=0,97"});
+  ExpectKorvanOn(original, {"edit", "waehrung", kDemoPoundRow, "Faktor=1,11"});
+  ExpectKorvanOn(original, {"edit", "waehrung", kDemoFrancRow, "Faktor=0,97"});
   ExpectKorvanOn(original, {"undo"});
 
   const fs::path moved = dir.path() / "elsewhere" / "ava";
@@ -49,18 +50,19 @@ TEST(UndoJournalFiles, RefusedOrUnchangingEditsAndLookingLeaveNoJournal) {
   const fs::path base = dir.path() / "ava";
   ExpectKorvanOn(base, {"demo"});
   ExpectKorvanOn(base, {"edit", "waehrung", "99", "Faktor=1,11"}, 2);
-  ExpectKorvanOn(base, {"edit", "waehrung", "3", "Faktor=nichts"}, 2);
+  ExpectKorvanOn(base, {"edit", "waehrung", kDemoPoundRow, "Faktor=nichts"}, 2);
   ExpectKorvanOn(base, {"undo"}, 1, {"Es gibt nichts rückgängig zu machen"});
   ExpectKorvanOn(base, {"undo", "--list"});
   EXPECT_FALSE(HasJournalFiles(base));
 
   // The value the row already has: stored, but nothing to take back.
-  ExpectKorvanOn(base, {"edit", "waehrung", "3", "Faktor=0,85"}, 0, {"Zeile 3 gespeichert"});
+  ExpectKorvanOn(base, {"edit", "waehrung", kDemoPoundRow, "Faktor=0,85"}, 0,
+                 {std::string("Zeile ") + kDemoPoundRow + " gespeichert"});
   ExpectKorvanOn(base, {"undo", "--list"}, 0, {"Rückgängig machen (0 Schritte"});
   EXPECT_FALSE(HasJournalFiles(base));
 
-  ExpectKorvanOn(base, {"edit", "waehrung", "3", "Faktor=1,11"});
-  ExpectKorvanOn(base, {"edit", "waehrung", "3", "Faktor=1,11"});
+  ExpectKorvanOn(base, {"edit", "waehrung", kDemoPoundRow, "Faktor=1,11"});
+  ExpectKorvanOn(base, {"edit", "waehrung", kDemoPoundRow, "Faktor=1,11"});
   ExpectKorvanOn(base, {"undo", "--list"}, 0, {"Rückgängig machen (1 Schritt"});
   ExpectKorvanOn(base, {"undo"});
   ExpectKorvanOn(base, {"redo"});

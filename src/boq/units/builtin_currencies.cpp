@@ -49,4 +49,16 @@ int FillBuiltInCurrencies(TTbWaehrung& table) {
   return entered;
 }
 
+data::TInitialRowsResult FillBuiltInCurrencyRows(data::TStdDb& db) {
+  TTbWaehrung table(db);
+  const int entered = FillBuiltInCurrencies(table);
+  if (entered < 0) return {-entered, table.LastErrorText()};
+  if (entered == 0) return {};
+  std::string symbols;
+  for (const TBuiltInCurrency& row : kBuiltIn) {
+    symbols += (symbols.empty() ? "" : ", ") + std::string(row.symbol);
+  }
+  return {0, "Gelesene Währungen: \n" + symbols};
+}
+
 }  // namespace korvan::boq

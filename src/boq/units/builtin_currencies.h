@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "boq/units/tb_waehrung.h"
+#include "data/tables/table_registry.h"
 
 namespace korvan::boq {
 
@@ -28,5 +29,9 @@ std::span<const TBuiltInCurrency> BuiltInCurrencies();
 // Fills an empty currency table with the built-in list; a table that holds any currency
 // is left alone. The number of rows entered, or a negative kernel code.
 int FillBuiltInCurrencies(TTbWaehrung& table);
+
+// The built-in list as the first rows of a new master-data database, reported with the
+// symbols entered ("Gelesene Währungen: " and a line break before them).
+data::TInitialRowsResult FillBuiltInCurrencyRows(data::TStdDb& db);
 
 }  // namespace korvan::boq

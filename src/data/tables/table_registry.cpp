@@ -23,6 +23,24 @@ void TTableRegistry::RegisterDumpFormat(char table_type, const RecordLayout& lay
   dump_formats_[table_type] = TableDumpFormat{&layout, columns};
 }
 
+void TTableRegistry::RegisterInitialRows(char db_type, InitialRows fill) {
+  initial_rows_.emplace_back(db_type, std::move(fill));
+}
+
+TInitialRowsResult TTableRegistry::FillInitialRows(TStdDb& db) const {
+  TInitialRowsResult all;
+  for (const auto& [db_type, fill] : initial_rows_) {
+    if (db_type != db.DbType()) continue;
+    TInitialRowsResult filled = fill(db);
+    if (!filled.report.empty()) all.report += (all.report.empty() ? "" : "\n") + filled.report;
+    if (filled.result != 0) {
+      all.result = filled.result;
+      break;
+    }
+  }
+  return all;
+}
+
 const TTableRegistry::Factory* TTableRegistry::Find(char db_type, char table_type) const {
   if (auto found = factories_.find({db_type, table_type}); found != factories_.end()) {
     return &found->second;

@@ -24,16 +24,25 @@ struct TableDumpFormat {
   std::span<const DumpColumn> columns;
 };
 
+// What filling a new table with its first rows did: a kernel code, and a report for the
+// user (empty when there is nothing to say).
+struct TInitialRowsResult {
+  int result = 0;
+  std::string report;
+};
+
 // What the program knows about its tables, filled by the libraries that own them (each
 // through its own Register...Tables function) and composed once by the program:
 // - table classes: (database type letter, record type letter) to a factory of the table
 //   object, so that code that meets a record only in a data file (rebuild, recovery,
 //   integrity check, undo) finds the class that builds its keys and declares its rules;
 // - data modules: the lists the command line opens by name;
-// - dump formats: how the records of a table letter are shown.
+// - dump formats: how the records of a table letter are shown;
+// - initial rows: what a table holds from the moment its database is created.
 class TTableRegistry {
  public:
   using Factory = std::function<std::unique_ptr<TStdTB>(TStdDb&)>;
+  using InitialRows = std::function<TInitialRowsResult(TStdDb&)>;
   using ModuleFactory = std::function<std::unique_ptr<TTableListModule>(TStdDb&)>;
 
   // Stands for every database type in Register.
@@ -62,6 +71,12 @@ class TTableRegistry {
   void RegisterDumpFormat(char table_type, const RecordLayout& layout,
                           std::span<const DumpColumn> columns = {});
 
+  // Registers the rows a new database of `db_type` is filled with, in registration order.
+  void RegisterInitialRows(char db_type, InitialRows fill);
+  // Fills a database created just now with the rows registered for its type; stops at
+  // the first failure. The reports of the fills, in order.
+  TInitialRowsResult FillInitialRows(TStdDb& db) const;
+
   // The factory for a record type in a database type, or nullptr when none is known.
   const Factory* Find(char db_type, char table_type) const;
   // The record types registered for a database type, in letter order.
@@ -81,6 +96,7 @@ class TTableRegistry {
   std::map<std::pair<char, char>, Factory> factories_;
   std::vector<std::pair<std::string, ModuleFactory>> modules_;
   std::map<char, TableDumpFormat> dump_formats_;
+  std::vector<std::pair<char, InitialRows>> initial_rows_;
 };
 
 }  // namespace korvan::data

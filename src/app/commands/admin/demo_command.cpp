@@ -40,10 +40,9 @@ struct SampleCurrency {
   int32_t id_land;
 };
 
-// The euro keeps the id of the built-in list; the others use their country number.
+// Currencies beside the built-in list a new installation starts with (the euro and its
+// former national currencies), under their country numbers.
 constexpr SampleCurrency kSampleCurrencies[] = {
-    {boq::kEuroCurrencyId, "Europäische Währungsunion", "Euro", "EUR", 1.0, true, true,
-     boq::kEuroCurrencyId},
     {41, "Schweiz", "Schweizer Franken", "CHF", 0.94, false, false, 41},
     {1, "Vereinigte Staaten", "US-Dollar", "USD", 1.08, false, false, 1},
     {44, "Vereinigtes Königreich", "Pfund Sterling", "GBP", 0.85, false, false, 44},

@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <ostream>
 #include <system_error>
@@ -15,7 +16,10 @@
 #include "app/program/current_project.h"
 #include "app/program/data_dir.h"
 #include "app/program/installation.h"
+#include "app/program/program_tables.h"
 #include "data/db/db_types.h"
+#include "data/tables/std_db.h"
+#include "storage/result_codes.h"
 
 namespace korvan::app {
 namespace fs = std::filesystem;
@@ -96,6 +100,39 @@ data::DatabaseCreation CreateAllDatabases(const data::TMachineConfig& machine) {
   return creation;
 }
 
+// The databases created just now get the rows their tables start with (the built-in
+// currency list, for one). Nobody else can be signed in to a database this young.
+std::vector<std::string> FillNewDatabases(const data::TMachineConfig& machine,
+                                          const data::DatabaseCreation& creation) {
+  std::vector<std::string> reports;
+  const data::DatabaseFiles files(machine.ToDatabaseDirectories());
+  for (const data::DatabaseFile& file : files.all()) {
+    if (std::find(creation.created.begin(), creation.created.end(), file.DataFileName()) ==
+        creation.created.end()) {
+      continue;
+    }
+    data::TCollectedMessages messages;
+    data::TStdDb db(file);
+    db.SetMessages(&messages);
+    db.SetModifiedById(machine.SystemUserName());
+    int result = db.DbOpen(true);
+    data::TInitialRowsResult filled;
+    if (result == storage::kOk) {
+      filled = ProgramTables().FillInitialRows(db);
+      result = filled.result;
+      const int closed = db.DbClose();
+      if (result == storage::kOk) result = closed;
+    }
+    if (result != storage::kOk) {
+      throw CommandError(file.DataFileName() + ": die ersten Datensätze können nicht eingetragen " +
+                         "werden: " + ResultCodeText(result) +
+                         (filled.report.empty() ? "" : " (" + filled.report + ")"));
+    }
+    if (!filled.report.empty()) reports.push_back(filled.report);
+  }
+  return reports;
+}
+
 void WriteConfiguration(Installation& installation, const std::string& project,
                         std::vector<std::string>& written) {
   std::error_code error;
@@ -135,6 +172,7 @@ InstallationSetup SetUpInstallation(const std::string& base_dir, const std::stri
 
   CreateMachineFolders(installation.machine, setup.directories);
   setup.databases = CreateAllDatabases(installation.machine);
+  setup.initial_rows = FillNewDatabases(installation.machine, setup.databases);
   WriteConfiguration(installation, setup.project_name, setup.config_files);
   return setup;
 }
@@ -149,6 +187,7 @@ void PrintInstallationSetup(const InstallationSetup& setup, std::ostream& out) {
     PrintList("Datenbanken angelegt (Daten- und Schlüsseldatei)", base, setup.databases.created,
               out);
     PrintList("Steuerdateien angelegt", base, setup.databases.control_files, out);
+    for (const std::string& report : setup.initial_rows) out << report << "\n";
     PrintList("Konfiguration geschrieben", base, setup.config_files, out);
     if (!setup.databases.existing.empty()) {
       out << "Bereits vorhanden: " << setup.databases.existing.size() << " Datenbanken\n";

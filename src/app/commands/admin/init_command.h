@@ -17,6 +17,7 @@ struct InstallationSetup {
   std::vector<std::string> directories;   // folders created now
   data::DatabaseCreation databases;       // databases and control files created now
   std::vector<std::string> config_files;  // configuration files written now
+  std::vector<std::string> initial_rows;  // what the new databases were filled with
 
   bool Changed() const {
     return !directories.empty() || !databases.created.empty() || !databases.control_files.empty() ||
