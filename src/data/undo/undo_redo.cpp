@@ -346,6 +346,20 @@ TUndoOutcome TUndoRedo::PopRedo() {
   return Transfer(*FRedoStack, *FUndoStack);
 }
 
+TUndoOutcome TUndoRedo::AbandonStep(int steps_before) {
+  if (FUndoStack->TransactionCount() <= steps_before) return {};
+  TUndoOutcome outcome = PopUndo();
+  if (!outcome.ok()) return outcome;
+  try {
+    FRedoStack->DropLastTransaction();
+  } catch (const UndoJournalError& error) {
+    outcome.code = kUndoDamaged;
+    outcome.error = error.what();
+  }
+  Notify();
+  return outcome;
+}
+
 namespace {
 
 // The change that applying `item` makes, as an undo item: reversing it takes the change

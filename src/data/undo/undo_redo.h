@@ -87,6 +87,10 @@ class TUndoRedo : public TableChangeObserver {
   // stay as they were.
   TUndoOutcome PopUndo();
   TUndoOutcome PopRedo();
+  // Takes back the step a command recorded but could not finish, and forgets it, so
+  // that redo cannot make half of it again. Nothing when the undo stack holds no more
+  // than `steps_before` steps, i.e. no step was recorded.
+  TUndoOutcome AbandonStep(int steps_before);
   void Clear();
   bool Empty() const { return FUndoStack->TransactionCount() == 0; }
   bool CanRedo() const { return FRedoStack->TransactionCount() > 0; }

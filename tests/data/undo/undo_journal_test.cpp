@@ -75,6 +75,22 @@ TEST_F(UndoJournalTest, NestedTransactionsMakeOneStepAndNewStepsEmptyRedo) {
   EXPECT_EQ(journal_.UndoCaptions(), Captions{"b"});
 }
 
+// A command that fails half-way takes its step back; neither undo nor redo may offer the
+// half step afterwards.
+TEST_F(UndoJournalTest, AbandonedStepIsTakenBackAndCannotBeRedone) {
+  InsertStep("kept", 1);
+  const FakeTables::State before = tables_.Snapshot();
+  const int steps_before = journal_.UndoStack().TransactionCount();
+  InsertStep("half", 2);
+  ASSERT_TRUE(journal_.AbandonStep(steps_before).ok());
+  EXPECT_EQ(tables_.Snapshot(), before);
+  EXPECT_EQ(journal_.UndoCaptions(), Captions{"kept"});
+  EXPECT_FALSE(journal_.CanRedo());
+  // Nothing was recorded since: nothing to abandon, the older step stays.
+  ASSERT_TRUE(journal_.AbandonStep(steps_before).ok());
+  EXPECT_EQ(journal_.UndoCaptions(), Captions{"kept"});
+}
+
 TEST_F(UndoJournalTest, EmptyActionsLocksAndSwitchingOffRecordNothing) {
   Begin("nothing changed");
   journal_.EndTransaction();

@@ -210,6 +210,7 @@ int RunCurrencyConvert(const CurrencyConvertRequest& request, Streams& streams) 
 
   boq::TWaeConvertReport report;
   int failed = 0;
+  const int steps_before = journal->UndoStack().TransactionCount();
   {
     ProgressLine progress(streams.err);
     const auto show = [&](const std::string& database, int64_t done, int64_t total) {
@@ -231,7 +232,7 @@ int RunCurrencyConvert(const CurrencyConvertRequest& request, Streams& streams) 
   if (failed != 0) {
     const std::string why = (report.lines.empty() ? ResultCodeText(failed) : report.lines.back()) +
                             LastMessage(messages);
-    if (report.records > 0 && !journal->PopUndo().ok()) {
+    if (!journal->AbandonStep(steps_before).ok()) {
       throw CommandError("Währungskonvertierung abgebrochen: " + why +
                          "; die schon umgerechneten Datensätze stehen als letzter Schritt im "
                          "Journal (\"korvan undo\")");

@@ -55,12 +55,9 @@ int LvDeleteCommand::Run(Streams& streams) {
     // What was deleted before the failure comes back at once: an LV is deleted whole
     // or not at all.
     std::string outcome = "es wurde nichts gelöscht";
-    if (journal.UndoStack().TransactionCount() > steps_before) {
-      const data::TUndoOutcome undone = journal.PopUndo();
-      if (!undone.ok()) {
-        outcome = "die bis dahin gelöschten Datensätze konnten nicht zurückgeholt werden: " +
-                  undone.error;
-      }
+    if (const data::TUndoOutcome undone = journal.AbandonStep(steps_before); !undone.ok()) {
+      outcome =
+          "die bis dahin gelöschten Datensätze konnten nicht zurückgeholt werden: " + undone.error;
     }
     throw CommandError(failure + "; " + outcome);
   }

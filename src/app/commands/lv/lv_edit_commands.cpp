@@ -61,11 +61,8 @@ class LvEditOperation : public LvOperation {
     }
     if (!failure.empty()) {
       std::string undone_text = "es wurde nichts geändert";
-      if (journal.UndoStack().TransactionCount() > steps_before) {
-        const data::TUndoOutcome undone = journal.PopUndo();
-        if (!undone.ok())
-          undone_text = "die Änderung konnte nicht zurückgenommen werden: " + undone.error;
-      }
+      if (const data::TUndoOutcome undone = journal.AbandonStep(steps_before); !undone.ok())
+        undone_text = "die Änderung konnte nicht zurückgenommen werden: " + undone.error;
       throw CommandError(failure + "; " + undone_text);
     }
     if (!journal.LastError().empty()) {
