@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "testing/json_value.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 
@@ -26,13 +27,6 @@ class LvEditCommands : public ::testing::Test {
     return testing::ExpectKorvanOn(base_, std::move(args), exit_code, parts);
   }
   std::string Show() { return Korvan({"lv", "show", "Rohbau", "--json"}).out; }
-  static int Count(const std::string& text, const std::string& part) {
-    int count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
-      ++count;
-    }
-    return count;
-  }
 
   korvan::testing::TempDir dir_;
   std::filesystem::path base_ = dir_.path() / "sample";
@@ -49,20 +43,28 @@ TEST_F(LvEditCommands, BuildNumberRemoveRenumberAndUndo) {
     }
   }
   const std::string built = Show();
-  EXPECT_EQ(Count(built, "\"oz\": "), 25) << built;
-  EXPECT_TRUE(Contains(built,
-                       "{\"oz\": \"01.02.0003\", \"kind\": \"P\", \"level\": 3, "
-                       "\"short_text\": \"Position\", \"qty\": 2, \"unit\": \"m²\", "
-                       "\"unit_price\": 10.5, \"total\": 21}"))
-      << built;
-  EXPECT_TRUE(Contains(built, "\"mask\": \"11.22.PPPP\", \"currency\": null, \"total\": 420}"))
-      << built;
+  const testing::JsonValue shown = testing::ParseJson(built);
+  EXPECT_EQ(shown["lv"]["mask"].String(), "11.22.PPPP");
+  EXPECT_TRUE(shown["lv"]["currency"].IsNull());
+  EXPECT_EQ(shown["lv"]["total"].Number(), 420);
+  const testing::JsonValue::Array& entries = shown["entries"].Items();
+  ASSERT_EQ(entries.size(), 25u) << built;
+  const testing::JsonValue& item = entries[4];  // 01, 01.01, three items of 01.01
+  EXPECT_EQ(item["oz"].String(), "01.01.0003");
+  EXPECT_EQ(item["kind"].String(), "P");
+  EXPECT_EQ(item["level"].Number(), 3);
+  EXPECT_EQ(item["short_text"].String(), "Position");
+  EXPECT_EQ(item["qty"].Number(), 2);
+  EXPECT_EQ(item["unit"].String(), "m²");
+  EXPECT_EQ(item["unit_price"].Number(), 10.5);
+  EXPECT_EQ(item["total"].Number(), 21);
+  EXPECT_TRUE(entries[1]["unit"].IsNull());  // a group
   Korvan({"lv", "show", "Rohbau"}, 0,
          {"    01.04.0005  P  Position  Menge 2,000 m²  EP 10,50  GP 21,00"});
 
   Korvan({"lv", "remove", "Rohbau", "01.02.0002"}, 0, {"entfernt"});
   const std::string removed = Show();
-  EXPECT_EQ(Count(removed, "\"oz\": "), 24);
+  EXPECT_EQ(testing::ParseJson(removed)["entries"].Items().size(), 24u);
   EXPECT_TRUE(Contains(removed, "\"01.02.0004\""));
   EXPECT_FALSE(Contains(removed, "\"01.02.0005\""));
   Korvan({"lv", "renumber", "Rohbau", "--json"}, 0, {"\"renumbered\": 0"});
