@@ -42,7 +42,7 @@ int RegisteredTasks(LockFile& lock_file) {
 // One process can register several tasks; the protocol between them is the same as
 // between processes (the byte-range mutex is tested with real processes elsewhere).
 TEST(LockFile, RegistersTasksAndDeletesTheFileWithTheLastOne) {
-  testing::TempDir dir;
+  korvan::testing::TempDir dir;
   const std::string path = dir.File("DB_Lv.QA2");
   auto lock_file = OpenLockFile(path);
   int tasks[4];
@@ -75,7 +75,7 @@ TEST(LockFile, RegistersTasksAndDeletesTheFileWithTheLastOne) {
 }
 
 TEST(LockFile, RefusesFullTaskTableAndDamagedFiles) {
-  testing::TempDir dir;
+  korvan::testing::TempDir dir;
   const std::string path = dir.File("DB_Lv.QA2");
   auto lock_file = OpenLockFile(path);
   int task = -1;
@@ -119,7 +119,7 @@ TEST(LockFile, RefusesFullTaskTableAndDamagedFiles) {
 }
 
 TEST(LockFile, OpenFailures) {
-  testing::TempDir dir;
+  korvan::testing::TempDir dir;
   std::unique_ptr<LockFile> lock_file;
   EXPECT_EQ(LockFile::Open(dir.File("missing/DB.QA2"), 41, &lock_file), kDkLockFileInitFailed);
   EXPECT_FALSE(lock_file);

@@ -61,7 +61,7 @@ class LockProcesses : public ::testing::Test {
                        handler, LockWaitOptions{});
   }
 
-  testing::TempDir dir_;
+  korvan::testing::TempDir dir_;
   std::string path_ = dir_.File("DB_Lv.QA2");
   std::unique_ptr<LockFile> lock_file_;
   int task_ = -1;

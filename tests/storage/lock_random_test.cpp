@@ -132,7 +132,7 @@ struct LockModel {
 };
 
 TEST(LockRandom, OperationsAgreeWithAModelOfHolders) {
-  testing::TempDir dir;
+  korvan::testing::TempDir dir;
   std::unique_ptr<LockFile> lock_file;
   ASSERT_EQ(LockFile::Open(dir.File("DB_Lv.QA2"), 41, &lock_file), kOk);
   LockModel model;

@@ -108,7 +108,7 @@ TEST(DbFileRegister, GetFilesAndPathTypes) {
 
 // An installation below a temporary folder; the catalog folder is configured but missing.
 struct Installation {
-  testing::TempDir temp;
+  korvan::testing::TempDir temp;
   DatabaseDirectories directories = DirectoriesBelow(temp.path().string() + "/");
 
   Installation() {

@@ -13,7 +13,8 @@ namespace korvan::data {
 namespace {
 
 // A sparse file of the given size: no disk space is used.
-std::string SparseFile(const testing::TempDir& temp, const std::string& name, uintmax_t size) {
+std::string SparseFile(const korvan::testing::TempDir& temp, const std::string& name,
+                       uintmax_t size) {
   const std::string path = temp.File(name);
   std::ofstream{path};
   std::filesystem::resize_file(path, size);
@@ -21,7 +22,7 @@ std::string SparseFile(const testing::TempDir& temp, const std::string& name, ui
 }
 
 TEST(CheckFileSizes, WarnsAboveOneGigabyteAndAtTheHardLimit) {
-  testing::TempDir temp;
+  korvan::testing::TempDir temp;
   const std::string small = SparseFile(temp, "DB_Lv.QA0", 1073741823);
   const std::string at_limit = SparseFile(temp, "DB_Kat.QB0", 1073741824);
   const std::string one_and_a_half = SparseFile(temp, "DB_Texte.QC0", 1610612736);
@@ -49,7 +50,7 @@ TEST(CheckFileSizes, WarnsAboveOneGigabyteAndAtTheHardLimit) {
 }
 
 TEST(CheckFileSizes, SkipBitAndMissingFiles) {
-  testing::TempDir temp;
+  korvan::testing::TempDir temp;
   const std::string big = SparseFile(temp, "big.QA0", 1610612737);
   std::vector<std::string> messages;
   EXPECT_TRUE(CheckFileSizes({big}, kFileSizeWarningLimit, messages, kSkipFileSizeCheck | 0x1));
