@@ -3,62 +3,13 @@
 #include <algorithm>
 #include <array>
 
+#include "data/common/cp1252.h"
+
 namespace korvan::data {
 
 namespace {
 
 constexpr char16_t kEscapeBase = 0xDC00;  // a lone low surrogate carries one raw byte
-
-bool IsContinuation(uint8_t byte) {
-  return (byte & 0xC0) == 0x80;
-}
-
-// The code point of a well-formed UTF-8 sequence at `at`, and its length; 0 as length
-// when the bytes there are not a valid sequence.
-char32_t DecodeUtf8(std::string_view text, size_t at, size_t* length) {
-  const auto byte = [&](size_t i) { return static_cast<uint8_t>(text[at + i]); };
-  const uint8_t lead = byte(0);
-  size_t count = 0;
-  char32_t code = 0;
-  char32_t minimum = 0;
-  if (lead < 0x80) {
-    *length = 1;
-    return lead;
-  } else if ((lead & 0xE0) == 0xC0) {
-    count = 2, code = lead & 0x1F, minimum = 0x80;
-  } else if ((lead & 0xF0) == 0xE0) {
-    count = 3, code = lead & 0x0F, minimum = 0x800;
-  } else if ((lead & 0xF8) == 0xF0) {
-    count = 4, code = lead & 0x07, minimum = 0x10000;
-  }
-  *length = 0;
-  if (count == 0 || at + count > text.size()) return 0;
-  for (size_t i = 1; i < count; ++i) {
-    if (!IsContinuation(byte(i))) return 0;
-    code = (code << 6) | (byte(i) & 0x3F);
-  }
-  if (code < minimum || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) return 0;
-  *length = count;
-  return code;
-}
-
-void AppendUtf8(std::string& out, char32_t code) {
-  if (code < 0x80) {
-    out += static_cast<char>(code);
-  } else if (code < 0x800) {
-    out += static_cast<char>(0xC0 | (code >> 6));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  } else if (code < 0x10000) {
-    out += static_cast<char>(0xE0 | (code >> 12));
-    out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (code >> 18));
-    out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  }
-}
 
 std::array<uint32_t, 256> MakeCrcTable() {
   std::array<uint32_t, 256> table{};
@@ -149,12 +100,13 @@ std::u16string Utf8ToUtf16(std::string_view utf8) {
   out.reserve(utf8.size());
   for (size_t at = 0; at < utf8.size();) {
     size_t length = 0;
-    const char32_t code = DecodeUtf8(utf8, at, &length);
-    if (length == 0) {
+    const std::optional<char32_t> decoded = DecodeUtf8(utf8.substr(at), &length);
+    if (!decoded) {
       out += static_cast<char16_t>(kEscapeBase | static_cast<uint8_t>(utf8[at]));
       ++at;
       continue;
     }
+    const char32_t code = *decoded;
     at += length;
     if (code >= 0x10000) {
       out += static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10));
@@ -173,14 +125,14 @@ std::string Utf16ToUtf8(std::u16string_view utf16) {
     const char16_t unit = utf16[i];
     if (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < utf16.size() && utf16[i + 1] >= 0xDC00 &&
         utf16[i + 1] <= 0xDFFF) {
-      AppendUtf8(out, 0x10000 + ((char32_t{unit} - 0xD800) << 10) + (utf16[i + 1] - 0xDC00));
+      AppendUtf8(0x10000 + ((char32_t{unit} - 0xD800) << 10) + (utf16[i + 1] - 0xDC00), &out);
       ++i;
     } else if (unit >= 0xDC80 && unit <= 0xDCFF) {
       out += static_cast<char>(unit & 0xFF);  // an escaped raw byte
     } else if (unit >= 0xD800 && unit <= 0xDFFF) {
-      AppendUtf8(out, 0xFFFD);  // a lone surrogate from elsewhere
+      AppendUtf8(0xFFFD, &out);  // a lone surrogate from elsewhere
     } else {
-      AppendUtf8(out, unit);
+      AppendUtf8(unit, &out);
     }
   }
   return out;
