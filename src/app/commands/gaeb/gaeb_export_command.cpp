@@ -54,7 +54,7 @@ void GaebExportCommand::Define(CLI::App& app) {
   AddDataDirOption(app, data_dir_);
 }
 
-int GaebExportCommand::Run(Streams& streams) {
+exchange::TGaebExportOptions GaebExportCommand::Options() const {
   exchange::TGaebExportOptions options;
   if (!exchange::ExportPhase(phase_)) {
     throw UsageError("--phase " + std::to_string(phase_) + ": erwartet 81 bis 86");
@@ -80,7 +80,23 @@ int GaebExportCommand::Run(Streams& streams) {
   options.quantity = billing_quantity_ ? exchange::TGaebQtyKind::kAbrechnungsMenge
                                        : exchange::TGaebQtyKind::kVergabeMenge;
   options.vat_on_sections = vat_on_sections_;
+  return options;
+}
 
+void GaebExportCommand::PrintJson(std::ostream& out, const std::string& path, int32_t id,
+                                  const std::string& version,
+                                  const exchange::TGaebExportResult& result) const {
+  out << "{\"file\": " << JsonString(path) << ", \"lv\": " << id << ", \"phase\": " << phase_
+      << ", \"version\": " << JsonString(version) << ", \"entries\": " << result.entries
+      << ", \"warnings\": [";
+  for (size_t i = 0; i < result.warnings.size(); ++i) {
+    out << (i == 0 ? "" : ", ") << JsonString(result.warnings[i]);
+  }
+  out << "]}\n";
+}
+
+int GaebExportCommand::Run(Streams& streams) {
+  const exchange::TGaebExportOptions options = Options();
   LvProject target(data_dir_, project_);
   data::TStdDb& db = target.Db(false);
   const int32_t id = target.ResolveLv(lv_);
@@ -102,13 +118,7 @@ int GaebExportCommand::Run(Streams& streams) {
   for (const std::string& warning : result.warnings) streams.err << "Warnung: " << warning << '\n';
   const std::string version(exchange::FormatInfo(options.format).xml_version);
   if (json_) {
-    streams.out << "{\"file\": " << JsonString(path) << ", \"lv\": " << id
-                << ", \"phase\": " << phase_ << ", \"version\": " << JsonString(version)
-                << ", \"entries\": " << result.entries << ", \"warnings\": [";
-    for (size_t i = 0; i < result.warnings.size(); ++i) {
-      streams.out << (i == 0 ? "" : ", ") << JsonString(result.warnings[i]);
-    }
-    streams.out << "]}\n";
+    PrintJson(streams.out, path, id, version, result);
     return kExitOk;
   }
   streams.out << "LV " << id << " \"" << source.lv.FLv().Name.Get() << "\" als GAEB DA XML "

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstdint>
+#include <iosfwd>
 #include <string>
 
 #include "app/cli/command.h"
+#include "exchange/gaeb_export/gaeb_export.h"
 
 namespace CLI {
 class App;
@@ -21,6 +24,11 @@ class GaebExportCommand {
   int Run(Streams& streams);
 
  private:
+  // The export options the arguments ask for; a wrong call is refused before any file opens.
+  exchange::TGaebExportOptions Options() const;
+  void PrintJson(std::ostream& out, const std::string& path, int32_t id, const std::string& version,
+                 const exchange::TGaebExportResult& result) const;
+
   std::string lv_;
   int phase_ = 0;
   std::string version_ = "3.3";
