@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "boq/units/currency_records.h"
+#include "boq/units/qty_notation.h"
 #include "boq/units/rounding.h"
 #include "data/common/message_format.h"
 #include "data/records/null_values.h"
@@ -176,6 +177,15 @@ std::string TAvaUiValueConverter::QtyToStringNull(double value, int decimals) co
 std::string TAvaUiValueConverter::QtyToStringQU(double value, int decimals,
                                                 std::string_view unit) const {
   return QtyToString(value, decimals) + " " + std::string(unit);
+}
+
+std::string TAvaUiValueConverter::QtyToStringFmt(double value, int decimals,
+                                                 TValFormat format) const {
+  return IsImperial(format) ? FormatImperialQty(value, format) : QtyToString(value, decimals);
+}
+
+std::optional<double> TAvaUiValueConverter::StrToQtyQU(std::string_view text, TValFormat format) {
+  return IsImperial(format) ? ParseImperialQty(text, format) : StrToQty(text);
 }
 
 }  // namespace korvan::boq

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "boq/units/currency_list.h"
+#include "boq/units/unit_record.h"
 #include "data/records/rounding_type.h"
 #include "data/records/wae_betrag.h"
 
@@ -82,6 +83,9 @@ class TAvaUiValueConverter {
   // With the unit symbol: "12,500 m2".
   std::string QtyToStringQU(double value, int decimals, std::string_view unit) const;
   static std::optional<double> StrToQty(std::string_view text) { return StrToCurrencyValue(text); }
+  // In the unit's notation: decimal, or feet and inches / inch fractions (qty_notation.h).
+  std::string QtyToStringFmt(double value, int decimals, TValFormat format) const;
+  static std::optional<double> StrToQtyQU(std::string_view text, TValFormat format);
 
  private:
   data::TRoundingType CurrencyRounding() const;
