@@ -29,6 +29,9 @@ TEST(CurrencyCommand, ConvertsTheProjectAndAppendsToItsProtocol) {
       {"currency", "convert", "-d", base.string(), "--von", "CHF", "EUR"}, 0,
       {"Währungskonvertierung CHF nach EUR: 0 Datensätze, 0 Beträge in ", "Protokoll: "});
   ExpectKorvan({"currency", "convert", "-d", base.string(), "--project", "Beispiel", "USD"}, 0);
+  // The master database is opened once although it is both the currency source and converted.
+  ExpectKorvan({"currency", "convert", "-d", base.string(), "--with-master-data", "EUR"}, 0,
+               {" und den gemeinsamen Stammdaten, Katalogen und Ablagen umgerechnet"});
   const std::string log = testing::ReadFile(base / "PROJEKTE/Beispiel/WaeKonv.LOG");
   EXPECT_EQ(log.front(), '[');
   EXPECT_TRUE(testing::Contains(log, " - CHF - EUR\r\n0 Datensätze, 0 Beträge umgerechnet\r\n"))

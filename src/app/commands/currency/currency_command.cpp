@@ -1,5 +1,6 @@
 #include "app/commands/currency/currency_command.h"
 
+#include <algorithm>
 #include <ctime>
 #include <filesystem>
 #include <memory>
@@ -126,6 +127,23 @@ class OpenDatabases {
   std::vector<std::unique_ptr<data::TStdDb>> dbs_;
 };
 
+// The project's databases, and with `shared` those every project shares, in the order
+// of the database table.
+std::vector<const data::DatabaseFile*> FilesToConvert(const data::DatabaseFiles& files,
+                                                      bool shared) {
+  const auto is_shared = [](char type) {
+    return type == data::kPathStammdaten || type == data::kPathKatalog || type == data::kPathClip ||
+           type == data::kPathClipBlock;
+  };
+  std::vector<const data::DatabaseFile*> chosen;
+  for (const data::DatabaseFile& file : files.all()) {
+    const bool wanted =
+        file.path_type() == data::kPathObjekt || (shared && is_shared(file.path_type()));
+    if (wanted && file.Exists()) chosen.push_back(&file);
+  }
+  return chosen;
+}
+
 std::string LastMessage(const data::TCollectedMessages& messages) {
   return messages.errors.empty() ? std::string() : " (" + messages.errors.back() + ")";
 }
@@ -141,6 +159,8 @@ void CurrencyCommand::Define(CLI::App& app) {
   convert_->add_option("--von", request_.source,
                        "Währung der Beträge, die in der Projektwährung stehen (sonst die "
                        "Basiswährung der Installation)");
+  convert_->add_flag("--with-master-data", request_.with_master_data,
+                     "auch Stammdaten, Kataloge und Ablagen umrechnen, die alle Projekte teilen");
   convert_->add_option("waehrung", request_.target, "neue Währung: Symbol (EUR) oder Id")
       ->required();
 }
@@ -157,13 +177,15 @@ int RunCurrencyConvert(const CurrencyConvertRequest& request, Streams& streams) 
   const data::DatabaseFiles files(installation.machine.ToDatabaseDirectories());
   const data::DatabaseFile* stamm = files.Find("DB_Stamm", data::kPathStammdaten);
   if (stamm == nullptr) throw CommandError("die Installation hat kein Stammdatenverzeichnis");
-  std::vector<const data::DatabaseFile*> project_files;
-  for (const data::DatabaseFile& file : files.all()) {
-    if (file.path_type() == data::kPathObjekt && file.Exists()) project_files.push_back(&file);
-  }
+  const std::vector<const data::DatabaseFile*> project_files =
+      FilesToConvert(files, request.with_master_data);
+  std::vector<std::string> directories = {stamm->directory(), project_dir};
+  for (const data::DatabaseFile* file : project_files) directories.push_back(file->directory());
+  std::sort(directories.begin(), directories.end());
+  directories.erase(std::unique(directories.begin(), directories.end()), directories.end());
 
-  const auto sign_in = SignInToDirectories(CommandUser(user), {stamm->directory(), project_dir},
-                                           false, "Währungskonvertierung");
+  const auto sign_in =
+      SignInToDirectories(CommandUser(user), directories, false, "Währungskonvertierung");
   // The journal is taken before the databases are opened, as every writer does.
   const std::unique_ptr<data::TUndoRedo> journal =
       OpenJournal(request.data_dir, data::TDamagedFile::kReport);
@@ -173,7 +195,7 @@ int RunCurrencyConvert(const CurrencyConvertRequest& request, Streams& streams) 
   std::vector<data::TStdDb*> project_dbs;
   data::TStdDb* glob = nullptr;
   for (const data::DatabaseFile* file : project_files) {
-    project_dbs.push_back(&dbs.Open(*file));
+    project_dbs.push_back(file == stamm ? &stamm_db : &dbs.Open(*file));
     if (file->group_name() == "DB_GlobData") glob = project_dbs.back();
   }
   data::TTableRecordRestorer restorer(dbs.All(), ProgramTables(), request.data_dir);
@@ -243,7 +265,11 @@ int RunCurrencyConvert(const CurrencyConvertRequest& request, Streams& streams) 
   for (const std::string& line : report.lines) streams.out << line << '\n';
   streams.out << "Währungskonvertierung " << source.symbol << " nach " << target.symbol << ": "
               << report.records << " Datensätze, " << report.amounts << " Beträge in "
-              << project_dbs.size() << " Datenbanken von " << project_dir << " umgerechnet\n";
+              << project_dbs.size() << " Datenbanken von " << project_dir
+              << (request.with_master_data
+                      ? " und den gemeinsamen Stammdaten, Katalogen und Ablagen"
+                      : "")
+              << " umgerechnet\n";
   if (report.tables == 0) {
     streams.out << "Hinweis: in diesen Datenbanken ist noch keine Tabelle mit Beträgen "
                    "eingetragen; es gab nichts umzurechnen\n";

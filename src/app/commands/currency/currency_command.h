@@ -16,11 +16,14 @@ struct CurrencyConvertRequest {
   std::string project;  // empty: the user's current project
   std::string target;   // symbol or id of the new currency
   std::string source;   // of amounts kept in "the project's currency"; empty: the base
+  // Also the databases shared by every project: master data, catalogs, clip folders.
+  bool with_master_data = false;
 };
 
-// `korvan currency convert [--project P] [--von W] <to>`: converts every stored amount of
-// a project's databases into another currency as one undo step, appending the run to
-// "WaeKonv.LOG" in the project folder.
+// `korvan currency convert [--project P] [--von W] [--with-master-data] <to>`: converts
+// every stored amount of a project's databases (with the option also those of the master
+// data, catalog and clip folders) into another currency as one undo step, appending the
+// run to "WaeKonv.LOG" in the project folder.
 class CurrencyCommand : public Command {
  public:
   std::string Name() const override { return "currency"; }
