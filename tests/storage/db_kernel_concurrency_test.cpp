@@ -9,8 +9,7 @@ using DbKernelConcurrency = DbKernelTest;
 
 // Another user (a child process) rewrites, and perhaps then deletes, a record.
 int OtherUser(const std::string& base, int32_t position, const std::string& user, bool erase) {
-  return ResultInChild([&] {
-    ForgetInheritedDatabases();
+  return InFreshChild([&] {
     int handle = 0;
     if (int opened = iDK_DbOpen('S', base, true, true, &handle); opened != 0) return opened;
     std::vector<uint8_t> record(100);

@@ -80,7 +80,7 @@ TEST_F(DbKernelFiles, DirectoriesAndPipesInPlaceOfDatabaseFilesAreNoDatabaseFile
   ASSERT_EQ(iDK_DbClose(Create("db")), 0);
   auto open_in_child = [this] {
     // A hang would stop the whole suite: the child gives up after a few seconds.
-    return ResultInChild([this] {
+    return InFreshChild([this] {
       alarm(5);
       int handle = 0;
       return iDK_DbOpen('T', Base("db"), true, false, &handle);
@@ -96,7 +96,7 @@ TEST_F(DbKernelFiles, DirectoriesAndPipesInPlaceOfDatabaseFilesAreNoDatabaseFile
   std::filesystem::remove(DataFile("db"));
   ASSERT_EQ(mkfifo(DataFile("db").c_str(), 0600), 0);
   EXPECT_EQ(open_in_child(), 4309);
-  EXPECT_EQ(ResultInChild([this] {
+  EXPECT_EQ(InFreshChild([this] {
               alarm(5);
               return iDK_DbCheckFile('T', DataFile("db"));
             }),
@@ -222,8 +222,7 @@ TEST_F(DbKernelFiles, ShareModesBetweenProcesses) {
   const int exclusive = Create("excl");  // type not shared: read/write, deny write
   ASSERT_EQ(iDK_DbFlush(exclusive), 0);
   auto open_in_child = [this](const std::string& name, bool write, bool shared) {
-    return ResultInChild([&] {
-      ForgetInheritedDatabases();
+    return InFreshChild([&] {
       int handle = 0;
       return iDK_DbOpen('T', Base(name), write, shared, &handle);
     });

@@ -1,9 +1,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstring>
 #include <fstream>
@@ -16,6 +13,7 @@
 #include "storage/db_handle_table.h"
 #include "storage/db_kernel.h"
 #include "storage/file/file_names.h"
+#include "testing/child_process.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::storage::testing {
@@ -62,48 +60,20 @@ inline void ForgetInheritedDatabases() {
   }
 }
 
-// Runs `body` in a forked child and returns its result (-9999 when the child died).
-inline int ResultInChild(const std::function<int()>& body) {
-  int channel[2];
-  if (pipe(channel) != 0) return -9999;
-  const pid_t pid = fork();
-  if (pid == 0) {
-    int result = -9998;
-    try {
-      result = body();
-    } catch (...) {
-    }
-    _exit(write(channel[1], &result, sizeof result) == ssize_t{sizeof result} ? 0 : 1);
-  }
-  close(channel[1]);
-  int result = -9999;  // stays when the child dies before writing
-  [[maybe_unused]] const ssize_t n = read(channel[0], &result, sizeof result);
-  close(channel[0]);
-  waitpid(pid, nullptr, 0);
-  return result;
+// What `work` returns when run in a child that opens its databases anew.
+inline int32_t InFreshChild(const std::function<int32_t()>& work) {
+  return korvan::testing::ResultInChild([&] {
+    ForgetInheritedDatabases();
+    return work();
+  });
 }
 
-// Runs `work` in a child that then waits to be killed; returns once the child has said
-// that its work returned, with the child killed.
-inline void KillAfter(const std::function<int()>& work) {
-  int channel[2];
-  ASSERT_EQ(pipe(channel), 0);
-  const pid_t child = fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
+// The same, with the child killed as soon as `work` has returned.
+inline int32_t KilledAfter(const std::function<int32_t()>& work) {
+  return korvan::testing::ResultThenKill([&] {
     ForgetInheritedDatabases();
-    const int result = work();
-    if (write(channel[1], &result, sizeof result) != ssize_t{sizeof result}) _exit(3);
-    for (;;) pause();
-  }
-  close(channel[1]);
-  int result = -1;
-  const bool told = read(channel[0], &result, sizeof result) == ssize_t{sizeof result};
-  kill(child, SIGKILL);
-  waitpid(child, nullptr, 0);
-  close(channel[0]);
-  ASSERT_TRUE(told) << "the child died before its work returned";
-  ASSERT_EQ(result, 0) << "the child's work failed";
+    return work();
+  });
 }
 
 // Creates databases in a fresh directory and closes whatever a test left open. Type 'S'

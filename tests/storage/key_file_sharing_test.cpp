@@ -1,7 +1,6 @@
 // Key files shared between processes and key files whose writer was killed: every
 // record a writer was told is stored is found by its key afterwards.
 #include <gtest/gtest.h>
-#include <signal.h>
 
 #include <algorithm>
 #include <map>
@@ -59,58 +58,65 @@ bool ClosedCleanly(const std::string& key_file) {
   return clean;
 }
 
-class KeyFileKilledWriter : public DbKernelTest {};
+class KeyFileKilledWriter : public DbKernelTest {
+ protected:
+  // A writer that inserts `count` numbered records into a new database, inside a held
+  // tree lock or not, and is killed before it closes; returns where the records are
+  // (positions follow from the order of appends).
+  Positions InsertThenKill(const std::string& name, int32_t count, bool hold) {
+    EXPECT_EQ(iDK_DbClose(Create(name, 'T', 24)), 0);
+    const std::string base = Base(name);
+    EXPECT_EQ(KilledAfter([&] {
+                int handle = 0;
+                if (iDK_DbOpen('T', base, true, false, &handle) != 0) return 1;
+                if (hold && iDK_TreeLock(handle, true) != 0) return 2;
+                for (int32_t index = 0; index < count; ++index) {
+                  int32_t position = 0;
+                  if (InsertNumbered(handle, index, &position) != 0) return 3;
+                }
+                return 0;
+              }),
+              0);
+    Positions written;
+    int64_t position = kFirstBlockPosition;
+    for (int32_t index = 0; index < count; ++index) {
+      written[index] = static_cast<int32_t>(position);
+      position += static_cast<int64_t>(NumberedRecord(index).size());
+    }
+    EXPECT_FALSE(ClosedCleanly(KeyFile(name)));
+    return written;
+  }
+};
 
 TEST_F(KeyFileKilledWriter, AcknowledgedKeysAreFoundAfterTheWriterIsKilled) {
-  const std::string base = Base("killed");
-  ASSERT_EQ(iDK_DbClose(Create("killed", 'T', 24)), 0);
-  Positions acknowledged;
-  KillAfter([&] {
+  for (const bool hold : {false, true}) {
+    SCOPED_TRACE(hold ? "inside a held tree lock" : "without a hold");
+    const std::string name = hold ? "held" : "killed";
+    const Positions acknowledged = InsertThenKill(name, hold ? 200 : 500, hold);
     int handle = 0;
-    if (iDK_DbOpen('T', base, true, false, &handle) != 0) return 1;
-    for (int32_t index = 0; index < 500; ++index) {
-      int32_t position = 0;
-      if (InsertNumbered(handle, index, &position) != 0) return 2;
-    }
-    return 0;
-  });
-  // Positions follow from the order of appends: the same inserts here tell them.
-  int64_t position = kFirstBlockPosition;
-  for (int32_t index = 0; index < 500; ++index) {
-    acknowledged[index] = static_cast<int32_t>(position);
-    position += static_cast<int64_t>(NumberedRecord(index).size());
+    // Nobody knows the records' keys: the key file is not trusted, nor touched.
+    EXPECT_EQ(iDK_DbOpen('T', Base(name), false, true, &handle), kDkFatalRegenerateOk);
+    EXPECT_FALSE(ClosedCleanly(KeyFile(name)));
+
+    NumberedKeySource source;
+    ASSERT_EQ(iDK_DbOpen('T', Base(name), false, true, &handle), 0);
+    ASSERT_EQ(source.told.size(), 1u);
+    EXPECT_NE(source.told[0].find("nicht sauber geschlossen"), std::string::npos) << source.told[0];
+    EXPECT_NE(source.told[0].find(std::to_string(acknowledged.size()) + " Datensätze"),
+              std::string::npos)
+        << source.told[0];
+    ExpectAllFound(handle, acknowledged);
+    ASSERT_EQ(iDK_DbClose(handle), 0);
+    EXPECT_TRUE(ClosedCleanly(KeyFile(name)));
+    ASSERT_EQ(iDK_DbOpen('T', Base(name), true, false, &handle), 0);
+    EXPECT_EQ(source.told.size(), 1u) << "a clean key file is rebuilt again";
+    ASSERT_EQ(iDK_DbClose(handle), 0);
   }
-  EXPECT_FALSE(ClosedCleanly(KeyFile("killed")));
-
-  int handle = 0;
-  // Nobody knows the records' keys: the key file is not trusted, nor touched.
-  EXPECT_EQ(iDK_DbOpen('T', base, false, true, &handle), kDkFatalRegenerateOk);
-  EXPECT_FALSE(ClosedCleanly(KeyFile("killed")));
-
-  NumberedKeySource source;
-  ASSERT_EQ(iDK_DbOpen('T', base, false, true, &handle), 0);
-  ASSERT_EQ(source.told.size(), 1u);
-  EXPECT_NE(source.told[0].find("nicht sauber geschlossen"), std::string::npos) << source.told[0];
-  EXPECT_NE(source.told[0].find("500 Datensätze"), std::string::npos) << source.told[0];
-  ExpectAllFound(handle, acknowledged);
-  ASSERT_EQ(iDK_DbClose(handle), 0);
-  EXPECT_TRUE(ClosedCleanly(KeyFile("killed")));
-  ASSERT_EQ(iDK_DbOpen('T', base, true, false, &handle), 0);
-  EXPECT_EQ(source.told.size(), 1u) << "a clean key file is rebuilt again";
 }
 
 TEST_F(KeyFileKilledWriter, ADamagedDataFileBehindAnUncleanKeyFileIsLeftToTheRebuild) {
+  InsertThenKill("damaged", 20, false);
   const std::string base = Base("damaged");
-  ASSERT_EQ(iDK_DbClose(Create("damaged", 'T', 24)), 0);
-  KillAfter([&] {
-    int handle = 0;
-    if (iDK_DbOpen('T', base, true, false, &handle) != 0) return 1;
-    for (int32_t index = 0; index < 20; ++index) {
-      int32_t position = 0;
-      if (InsertNumbered(handle, index, &position) != 0) return 2;
-    }
-    return 0;
-  });
   // The fifth record's length is gone: keys for the four in front would hide the rest.
   int64_t fifth = kFirstBlockPosition;
   for (int32_t index = 0; index < 4; ++index) {
@@ -141,12 +147,13 @@ TEST_F(KeyFileKilledWriter, MergedFreeSpaceOfAKilledWriterIsNotHandedOutInPieces
   ASSERT_EQ(iDK_DbClose(created), 0);
   // The writer frees record 2, writes its keys back, then frees record 1, which merges
   // both blocks into one, and is killed before it writes the keys back.
-  KillAfter([&] {
-    int handle = 0;
-    if (iDK_DbOpen('T', base, true, false, &handle) != 0) return 1;
-    if (DeleteNumbered(handle, 2, stored[2]) != 0 || iDK_DbFlush(handle) != 0) return 2;
-    return DeleteNumbered(handle, 1, stored[1]);
-  });
+  ASSERT_EQ(KilledAfter([&] {
+              int handle = 0;
+              if (iDK_DbOpen('T', base, true, false, &handle) != 0) return 1;
+              if (DeleteNumbered(handle, 2, stored[2]) != 0 || iDK_DbFlush(handle) != 0) return 2;
+              return DeleteNumbered(handle, 1, stored[1]);
+            }),
+            0);
   stored.erase(1);
   stored.erase(2);
 
@@ -181,21 +188,16 @@ TEST_F(KeyFileTwoWriters, InsertingAtOnceBothAreFoundByAllKeys) {
   const std::string base = Base("shared");
   ASSERT_EQ(iDK_DbClose(Create("shared", 'S', 24)), 0);
   constexpr int kEach = 400;
-  std::vector<pid_t> writers;
-  for (int32_t first : {0, 100000}) {
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
+  const auto writer = [&](int32_t first) {
+    return [&base, first](const korvan::testing::Channel&) {
       ForgetInheritedDatabases();
-      _exit(WriteNumbers(base, first, kEach));
-    }
-    writers.push_back(child);
-  }
-  for (pid_t writer : writers) {
-    int status = 0;
-    waitpid(writer, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "writer status " << status;
-  }
+      return WriteNumbers(base, first, kEach);
+    };
+  };
+  korvan::testing::ChildProcess low(writer(0));
+  korvan::testing::ChildProcess high(writer(100000));
+  ASSERT_EQ(low.Wait(), 0);
+  ASSERT_EQ(high.Wait(), 0);
   EXPECT_TRUE(ClosedCleanly(KeyFile("shared")));
 
   int handle = 0;
@@ -226,34 +228,25 @@ TEST_F(KeyFileHeldTreeLock, AnotherProcessWaitsForTheUnlockAndThenSeesEveryChang
   for (int32_t index = 0; index < 50; ++index) {
     ASSERT_EQ(InsertNumbered(handle, index, &stored[index]), 0);
   }
-  int channel[2];
-  ASSERT_EQ(pipe(channel), 0);
-  const pid_t reader = fork();
-  ASSERT_GE(reader, 0);
-  if (reader == 0) {
+  korvan::testing::ChildProcess reader([&](const korvan::testing::Channel& parent) {
     ForgetInheritedDatabases();
     int own = 0;
-    if (iDK_DbOpen('S', base, false, true, &own) != 0) _exit(1);
+    if (iDK_DbOpen('S', base, false, true, &own) != 0) return 1;
     int32_t found = 0;
     for (int32_t index = 0; index < 50; ++index) found += FindNumbered(own, index) >= 0 ? 1 : 0;
-    _exit(write(channel[1], &found, sizeof found) == ssize_t{sizeof found} ? 0 : 2);
-  }
-  close(channel[1]);
+    return parent.Send(found) ? 0 : 2;
+  });
   // While the hold lasts the reader's first search waits.
   usleep(200 * 1000);
-  EXPECT_EQ(waitpid(reader, nullptr, WNOHANG), 0) << "the reader did not wait for the unlock";
+  EXPECT_TRUE(reader.Running()) << "the reader did not wait for the unlock";
   ASSERT_EQ(iDK_TreeUnlock(handle), 0);
-  int32_t found = -1;
-  EXPECT_EQ(read(channel[0], &found, sizeof found), ssize_t{sizeof found});
-  close(channel[0]);
-  int status = 0;
-  waitpid(reader, &status, 0);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "reader status " << status;
+  const int32_t found = reader.Receive();
+  EXPECT_EQ(reader.Wait(), 0);
   EXPECT_EQ(found, 50) << "keys written inside the hold are not all seen after it";
   ExpectAllFound(handle, stored);
 }
 
-TEST_F(KeyFileHeldTreeLock, HoldsNestAndRefuseWhatTheyCannotCover) {
+TEST_F(KeyFileHeldTreeLock, HoldsNestEndWithACloseAndRefuseWhatTheyCannotCover) {
   const int handle = Create("nest", 'S', 24);
   EXPECT_EQ(iDK_TreeUnlock(handle), kDkIoError) << "nothing is held";
   ASSERT_EQ(iDK_TreeLock(handle, false), 0);
@@ -270,52 +263,15 @@ TEST_F(KeyFileHeldTreeLock, HoldsNestAndRefuseWhatTheyCannotCover) {
   ASSERT_EQ(iDK_TreeUnlock(handle), 0);
   EXPECT_EQ(iDK_TreeUnlock(handle), kDkIoError);
 
+  // A close ends a hold and keeps its changes.
+  ASSERT_EQ(iDK_TreeLock(handle, true), 0);
+  ASSERT_EQ(InsertNumbered(handle, 2, &position), 0);
   ASSERT_EQ(iDK_DbClose(handle), 0);
+  EXPECT_TRUE(ClosedCleanly(KeyFile("nest")));
   int reader = 0;
   ASSERT_EQ(iDK_DbOpen('S', Base("nest"), false, true, &reader), 0);
+  EXPECT_EQ(FindNumbered(reader, 2), position);
   EXPECT_EQ(iDK_TreeLock(reader, true), kDkIoError) << "a change hold on a read-only handle";
-}
-
-TEST_F(KeyFileHeldTreeLock, ACloseEndsTheHoldAndKeepsItsChanges) {
-  const std::string base = Base("closed");
-  const int handle = Create("closed", 'S', 24);
-  ASSERT_EQ(iDK_TreeLock(handle, true), 0);
-  Positions stored;
-  for (int32_t index = 0; index < 30; ++index) {
-    ASSERT_EQ(InsertNumbered(handle, index, &stored[index]), 0);
-  }
-  ASSERT_EQ(iDK_DbClose(handle), 0);
-  EXPECT_TRUE(ClosedCleanly(KeyFile("closed")));
-  int reopened = 0;
-  ASSERT_EQ(iDK_DbOpen('S', base, false, true, &reopened), 0);
-  ExpectAllFound(reopened, stored);
-}
-
-TEST_F(KeyFileHeldTreeLock, AWriterKilledInsideAHoldLosesNoAcknowledgedKey) {
-  const std::string base = Base("killed");
-  ASSERT_EQ(iDK_DbClose(Create("killed", 'T', 24)), 0);
-  KillAfter([&] {
-    int handle = 0;
-    if (iDK_DbOpen('T', base, true, false, &handle) != 0) return 1;
-    if (iDK_TreeLock(handle, true) != 0) return 2;
-    for (int32_t index = 0; index < 200; ++index) {
-      int32_t position = 0;
-      if (InsertNumbered(handle, index, &position) != 0) return 3;
-    }
-    return 0;
-  });
-  Positions acknowledged;
-  int64_t position = kFirstBlockPosition;
-  for (int32_t index = 0; index < 200; ++index) {
-    acknowledged[index] = static_cast<int32_t>(position);
-    position += static_cast<int64_t>(NumberedRecord(index).size());
-  }
-  EXPECT_FALSE(ClosedCleanly(KeyFile("killed")));
-  NumberedKeySource source;
-  int handle = 0;
-  ASSERT_EQ(iDK_DbOpen('T', base, false, true, &handle), 0);
-  EXPECT_EQ(source.told.size(), 1u) << "the key file of the killed writer is rebuilt";
-  ExpectAllFound(handle, acknowledged);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "storage/cache_monitoring.h"
 #include "storage/key_file_test_support.h"
 #include "storage/key_tree_check.h"
 #include "storage/result_codes.h"
@@ -403,6 +404,88 @@ TEST(KeyFileCapacity, NearlyFullAndFullAreReported) {
     EXPECT_EQ(KeyInsert(file.reg(), MakeEntry("A", 1, 20)), kKeyFileFull);
     found = MakeEntry("A", 0, 20);
     EXPECT_EQ(KeyFirstMatch(file.reg(), found), kKeyIndexEmpty);
+  }
+}
+
+// The block in which this process last stepped may be something else entirely by the
+// next step: here another process has rebuilt the file, and the leaf in which the hint
+// points is now the root and holds the cursor's pair, followed by the separator of the
+// next leaf. The in-order successor is the first entry of that leaf.
+TEST(KeyFileWalk, AHintedLeafThatAnotherProcessMadeAnInnerNodeIsNotUsed) {
+  ScratchKeyFile file(64);
+  file.OpenOther(64);
+  constexpr int kOwn = ScratchKeyFile::kRegistration;
+  constexpr int kOther = ScratchKeyFile::kOther;
+  constexpr int kKeyLength = 90;  // 20 entries per node, 9 the underflow limit
+  auto entry = [](int number) { return MakeEntry("K" + std::to_string(number), 0, kKeyLength); };
+
+  // This process: a root split (leaves 1 and 2, root 3), a merge that frees 2 and 3, and
+  // a split that takes node 3 back as the new right leaf.
+  ASSERT_EQ(KeyFileInit(3, kOwn, kKeyLength), kOk);
+  for (int i = 101; i <= 121; ++i) ASSERT_EQ(KeyInsert(kOwn, entry(i)), kOk);
+  ASSERT_EQ(KeyDelete(kOwn, entry(121)), kOk);
+  ASSERT_EQ(KeyDelete(kOwn, entry(120)), kOk);
+  for (int i = 120; i <= 122; ++i) ASSERT_EQ(KeyInsert(kOwn, entry(i)), kOk);
+  file.Flush();
+  std::vector<uint8_t> node = file.DiskBlock(3);
+  ASSERT_EQ(Load32(node, 2), 0u) << "node 3 is not a leaf";
+  ASSERT_GE(Load16(node, 0), 3);
+  KeyEntry cursor = entry(112);  // first entry of node 3
+  ASSERT_EQ(KeyNext(kOwn, cursor), kOk);
+  EXPECT_EQ(KeyText(cursor, kKeyLength), "K113");
+
+  // Another process starts the file afresh: leaves 1, 2 and 4 under root 3, which holds
+  // K1011 and K1022.
+  file.HandOver(kOwn, kOther);
+  ASSERT_EQ(KeyFileInit(3, kOther, kKeyLength), kOk);
+  for (int i = 1001; i <= 1032; ++i) ASSERT_EQ(KeyInsert(kOther, entry(i)), kOk);
+  file.HandOver(kOther, kOwn);
+  node = file.DiskBlock(3);
+  ASSERT_NE(Load32(node, 2), 0u) << "node 3 is not an inner node";
+  ASSERT_EQ(Load16(node, 0), 2);
+
+  cursor = entry(1011);
+  ASSERT_EQ(KeyNext(kOwn, cursor), kOk);
+  EXPECT_EQ(KeyText(cursor, kKeyLength), "K1012");
+  cursor = entry(1022);
+  ASSERT_EQ(KeyPrev(kOwn, cursor), kOk);
+  EXPECT_EQ(KeyText(cursor, kKeyLength), "K1021");
+  cursor = entry(113);  // the cursor of before is gone
+  EXPECT_EQ(KeyNext(kOwn, cursor), kKeyNoMatch);
+}
+
+// A walk along a leaf reads the header and that leaf only, instead of every node on the
+// way down from the root; the tree here is three levels deep. A descent (header and
+// three nodes) comes once per leaf of at least nine entries.
+TEST(KeyFileWalk, StepsAlongALeafReadTwoBlocks) {
+  ScratchKeyFile file(1024, false, CacheKind::kRandomAccess, true);
+  constexpr int kReg = ScratchKeyFile::kRegistration;
+  constexpr int kKeyLength = 90;
+  constexpr int kEntries = 3000;
+  ASSERT_EQ(KeyFileInit(3, kReg, kKeyLength), kOk);
+  for (uint32_t i = 0; i < kEntries; ++i) {
+    const uint32_t number = i * 7919u % kEntries;
+    ASSERT_EQ(KeyInsert(kReg, MakeEntry(std::to_string(number + 10000), number, kKeyLength)), kOk);
+  }
+  const CacheMonitor* monitor = BlockCache::Instance().Find(kReg)->Monitoring();
+  ASSERT_NE(monitor, nullptr);
+  for (bool forward : {true, false}) {
+    SCOPED_TRACE(forward ? "forward" : "backward");
+    KeyEntry cursor = MakeEntry("", 0, kKeyLength);
+    ASSERT_EQ(forward ? KeyFirstMatch(kReg, cursor) : KeyLastMatch(kReg, cursor), kOk);
+    const uint32_t reads_before = monitor->figures(MonitoredFunction::kRead).Si;
+    int steps = 0;
+    for (int rc = kOk; rc == kOk; ++steps) {
+      ASSERT_EQ(KeyText(cursor, kKeyLength),
+                std::to_string((forward ? steps : kEntries - 1 - steps) + 10000));
+      rc = forward ? KeyNext(kReg, cursor) : KeyPrev(kReg, cursor);
+      if (rc != kOk) {
+        ASSERT_EQ(rc, kKeyNoMatch);
+      }
+    }
+    EXPECT_EQ(steps, kEntries);
+    EXPECT_LT(monitor->figures(MonitoredFunction::kRead).Si - reads_before,
+              static_cast<uint32_t>(steps) * 5 / 2);
   }
 }
 

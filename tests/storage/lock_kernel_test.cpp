@@ -5,17 +5,17 @@
 #include <filesystem>
 
 #include "db_kernel_fixture.h"
-#include "lock_test_process.h"
 #include "storage/db_kernel_codes.h"
 #include "storage/db_kernel_locks.h"
 #include "storage/file/file_names.h"
 #include "storage/lock_file.h"
 #include "storage/result_codes.h"
+#include "testing/child_process.h"
 
 namespace korvan::storage::testing {
 namespace {
 
-using korvan::testing::TestProcess;
+using korvan::testing::ChildProcess;
 using std::chrono::milliseconds;
 using LockKernel = DbKernelTest;
 
@@ -81,7 +81,7 @@ TEST_F(LockKernel, WaitsForAnotherProcessAndMapsTheResults) {
   ASSERT_EQ(iDK_DbLock(handle, 1, false, &task), kOk);
 
   // Another user locks "R1" exclusively and holds it until told 'Q'.
-  TestProcess holder([&](const korvan::testing::Channel& channel) {
+  ChildProcess holder([&](const korvan::testing::Channel& channel) {
     ForgetInheritedDatabases();
     int other = 0;
     int other_task = -1;

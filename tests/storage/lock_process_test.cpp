@@ -10,42 +10,36 @@
 #include <string>
 #include <thread>
 
-#include "lock_test_process.h"
 #include "storage/db_kernel_codes.h"
 #include "storage/lock_entry_keys.h"
 #include "storage/lock_file.h"
 #include "storage/lock_file_mutex.h"
 #include "storage/lock_wait.h"
 #include "storage/result_codes.h"
+#include "testing/child_process.h"
 #include "testing/temp_dir.h"
 
 namespace korvan::storage {
 namespace {
 
 using korvan::testing::Channel;
-using korvan::testing::TestProcess;
+using korvan::testing::ChildProcess;
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// A user (identity 7000 + registration) that registers, locks `name` `times` times and
-// reports its task number, then serves commands: 'R' releases once (answer 'r'), 'Q'
-// unregisters and ends. The exit status names the step that failed.
+// A user (identity 7000 + registration) that registers, locks `name` and reports its task
+// number, then unregisters when told. The exit status names the step that failed.
 int LockingChild(const Channel& channel, const std::string& path, int registration, LockMode mode,
-                 const std::string& name, int times) {
+                 const std::string& name) {
   std::unique_ptr<LockFile> lock_file;
   if (LockFile::Open(path, registration, &lock_file) != kOk) return 1;
   int task = -1;
   auto busy = [&](auto operation) { return RepeatWhileBusy(operation) != kOk; };
   if (busy([&] { return lock_file->RegisterTask(7000 + registration, false, &task); })) return 2;
   LockHolder holder;
-  for (int i = 0; i < times; ++i) {
-    if (busy([&] { return lock_file->LockSet(task, mode, name, &holder); })) return 3;
-  }
-  channel.Send(static_cast<char>(task));
-  for (char command = channel.Receive(); command == 'R'; command = channel.Receive()) {
-    if (busy([&] { return lock_file->LockRelease(task, name); })) return 4;
-    channel.Send('r');
-  }
+  if (busy([&] { return lock_file->LockSet(task, mode, name, &holder); })) return 3;
+  channel.Send(task);
+  if (channel.Receive() != 'Q') return 4;
   return busy([&] { return lock_file->UnregisterTask(task); }) ? 5 : 0;
 }
 
@@ -68,15 +62,16 @@ class LockProcesses : public ::testing::Test {
 };
 
 // Waiting out a holder in another process is tested through the kernel in
-// lock_kernel_test.cpp.
+// lock_kernel_test.cpp. Every answer depends on the other processes' changes being read
+// afresh, although this process's cache held the file's blocks from its previous operation.
 TEST_F(LockProcesses, SharedLocksOfOtherProcessesRefuseOnlyExclusiveRequests) {
   auto shared_user = [&](int registration) {
     return [this, registration](const Channel& channel) {
-      return LockingChild(channel, path_, registration, LockMode::kShared, "Pos7", 1);
+      return LockingChild(channel, path_, registration, LockMode::kShared, "Pos7");
     };
   };
-  TestProcess first(shared_user(42));
-  TestProcess second(shared_user(43));
+  ChildProcess first(shared_user(42));
+  ChildProcess second(shared_user(43));
   const char first_task = first.Receive();
   ASSERT_NE(first_task, second.Receive()) << "both users registered and locked shared";
   EXPECT_EQ(LockSet(LockMode::kShared, "Pos7"), kOk) << "a third shared lock is no conflict";
@@ -94,30 +89,10 @@ TEST_F(LockProcesses, SharedLocksOfOtherProcessesRefuseOnlyExclusiveRequests) {
   EXPECT_FALSE(std::filesystem::exists(path_));
 }
 
-TEST_F(LockProcesses, NestedLockMustBeReleasedTwice) {
-  TestProcess other([&](const Channel& channel) {
-    return LockingChild(channel, path_, 42, LockMode::kExclusive, "Rec", 2);
-  });
-  const int other_task = other.Receive();
-  LockHolder holder;
-  EXPECT_EQ(lock_file_->LockSet(task_, LockMode::kExclusive, "Rec", &holder), kLockNameExclusive);
-  EXPECT_EQ(holder.task, other_task);
-  // Every answer below depends on the other process's changes being read afresh,
-  // although this process's cache held the file's blocks from its previous operation.
-  other.Send('R');
-  ASSERT_EQ(other.Receive(), 'r');
-  EXPECT_EQ(LockSet(LockMode::kShared, "Rec"), kDkRecordLocked) << "still held once";
-  other.Send('R');
-  ASSERT_EQ(other.Receive(), 'r');
-  EXPECT_EQ(LockSet(LockMode::kExclusive, "Rec"), kOk);
-  other.Send('Q');
-  EXPECT_EQ(other.Wait(), 0);
-}
-
 TEST_F(LockProcesses, LocksOfAKilledUserAreRemovedInsteadOfBlocking) {
   char dead_task = 0;
   {
-    TestProcess killed([&](const Channel& channel) {
+    ChildProcess killed([&](const Channel& channel) {
       std::unique_ptr<LockFile> file;
       int task = -1;
       LockHolder holder;
@@ -128,7 +103,7 @@ TEST_F(LockProcesses, LocksOfAKilledUserAreRemovedInsteadOfBlocking) {
           RepeatWhileBusy([&] { return file->WriteLockSet(task, "Tabelle", &holder); }) != kOk) {
         return 1;
       }
-      channel.Send(static_cast<char>(task));
+      channel.Send(task);
       channel.Receive();  // killed while it waits here
       return 0;
     });
@@ -153,7 +128,7 @@ TEST_F(LockProcesses, LocksOfAKilledUserAreRemovedInsteadOfBlocking) {
 
 TEST_F(LockProcesses, LockFileDisappearsWithTheLastTaskAndReturns) {
   // A user that opened the file before the last task left registers in a new file.
-  TestProcess late([&](const Channel& channel) {
+  ChildProcess late([&](const Channel& channel) {
     std::unique_ptr<LockFile> late_file;
     if (LockFile::Open(path_, 43, &late_file) != kOk) return 1;
     channel.Send('O');
@@ -178,7 +153,7 @@ TEST_F(LockProcesses, LockFileDisappearsWithTheLastTaskAndReturns) {
 }
 
 TEST_F(LockProcesses, BusyMutexIsRetriedUntilTheOtherProcessLetsGo) {
-  TestProcess mutex_holder([&](const Channel& channel) {
+  ChildProcess mutex_holder([&](const Channel& channel) {
     const int fd = open(path_.c_str(), O_RDWR);
     if (fd < 0) return 1;
     LockFileMutex mutex(fd);

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <memory>
+
 #include "db_kernel_fixture.h"
 #include "numbered_records.h"
 #include "storage/db_kernel_exception.h"
@@ -46,60 +48,33 @@ class RecordCacheTest : public DbKernelTest {
   // Another process, open for writing and past its first change (the one that marks it
   // as a writer), updates the record to `fill` once this one has read it again under
   // the lock. With `killed` it is killed before it lets go of its lock; otherwise it
-  // stays open until FinishOtherProcess, so that its close changes nothing seen here.
+  // stays open until the test ends, so that its close changes nothing seen here.
   void UpdateInOtherProcess(uint8_t fill, bool killed) {
-    ASSERT_EQ(pipe(to_child_), 0);
-    ASSERT_EQ(pipe(from_child_), 0);
-    child_ = fork();
-    ASSERT_GE(child_, 0);
-    if (child_ == 0) RunOtherProcess(fill, killed);
-    int result = -1;
-    ASSERT_EQ(read(from_child_[0], &result, sizeof result), ssize_t{sizeof result});
-    ASSERT_EQ(result, 0) << "the other process's first change";
+    other_ = std::make_unique<korvan::testing::ChildProcess>(
+        [&](const korvan::testing::Channel& parent) {
+          ForgetInheritedDatabases();
+          int own = 0;
+          std::vector<uint8_t> record = MakeRecord('A', kLength, 0x11);
+          int result = iDK_DbOpen('S', Base("cached"), true, true, &own);
+          if (result == 0)
+            result = iDK_RecordUpdate(own, record.data(), kLength, position_, kLength);
+          parent.Send(result);
+          if (parent.Receive() != 'g') return 4;
+          if (killed && iDK_TreeLock(own, true) != 0) return 5;
+          record = MakeRecord('A', kLength, fill);
+          parent.Send(iDK_RecordUpdate(own, record.data(), kLength, position_, kLength));
+          for (;;) pause();
+        });
+    ASSERT_EQ(other_->Receive(), 0) << "the other process's first change";
     EXPECT_EQ(FillByteUnderLock(), 0x11);
-    ASSERT_EQ(write(to_child_[1], "g", 1), 1);
-    ASSERT_EQ(read(from_child_[0], &result, sizeof result), ssize_t{sizeof result});
-    EXPECT_EQ(result, 0) << "the other process's update";
-    if (killed) FinishOtherProcess();
-  }
-
-  void FinishOtherProcess() {
-    if (child_ <= 0) return;
-    kill(child_, SIGKILL);
-    waitpid(child_, nullptr, 0);
-    child_ = 0;
-    for (int fd : {to_child_[0], to_child_[1], from_child_[0], from_child_[1]}) close(fd);
-  }
-  void TearDown() override {
-    FinishOtherProcess();
-    DbKernelTest::TearDown();
+    other_->Send('g');
+    EXPECT_EQ(other_->Receive(), 0) << "the other process's update";
+    if (killed) other_->Kill();
   }
 
   int handle_ = 0;
   int32_t position_ = 0;
-
- private:
-  [[noreturn]] void RunOtherProcess(uint8_t fill, bool killed) {
-    ForgetInheritedDatabases();
-    const auto tell = [&](int result) {
-      if (write(from_child_[1], &result, sizeof result) != ssize_t{sizeof result}) _exit(3);
-    };
-    int own = 0;
-    std::vector<uint8_t> record = MakeRecord('A', kLength, 0x11);
-    int result = iDK_DbOpen('S', Base("cached"), true, true, &own);
-    if (result == 0) result = iDK_RecordUpdate(own, record.data(), kLength, position_, kLength);
-    tell(result);
-    char go = 0;
-    if (read(to_child_[0], &go, 1) != 1) _exit(4);
-    if (killed && iDK_TreeLock(own, true) != 0) _exit(5);
-    record = MakeRecord('A', kLength, fill);
-    tell(iDK_RecordUpdate(own, record.data(), kLength, position_, kLength));
-    for (;;) pause();
-  }
-
-  pid_t child_ = 0;
-  int to_child_[2] = {-1, -1};
-  int from_child_[2] = {-1, -1};
+  std::unique_ptr<korvan::testing::ChildProcess> other_;
 };
 
 TEST_F(RecordCacheTest, ARecordReadAgainUnderTheLockComesFromMemory) {

@@ -1,7 +1,6 @@
 #include "data/db/control_list.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "data/config/config_test_support.h"
+#include "testing/child_process.h"
 #include "testing/files.h"
 #include "testing/temp_dir.h"
 
@@ -23,41 +23,33 @@ using testing::Contains;
 // Another program, in a child process, signed into a directory until it leaves.
 class OtherProgram {
  public:
-  OtherProgram(const std::string& directory, const std::string& user, bool exclusive) {
-    EXPECT_EQ(::pipe(signed_in_), 0);
-    EXPECT_EQ(::pipe(leave_), 0);
-    pid_ = ::fork();
-    if (pid_ == 0) {
-      TControlList list(directory);
-      if (!list.Open({user, "child-pc"}, exclusive)) ::_exit(2);
-      (void)!::write(signed_in_[1], "x", 1);
-      char end = 0;
-      (void)!::read(leave_[0], &end, 1);
-      if (end == 's') list.Close();
-      ::_exit(0);  // no destructors: after a crash the entry stays behind
-    }
-    ::close(signed_in_[1]);  // a child that fails to sign in ends the wait
-    char byte = 0;
-    EXPECT_EQ(::read(signed_in_[0], &byte, 1), 1);
+  OtherProgram(const std::string& directory, const std::string& user, bool exclusive)
+      : child_([&](const korvan::testing::Channel& parent) {
+          TControlList list(directory);
+          if (!list.Open({user, "child-pc"}, exclusive)) return 2;
+          parent.Send('x');
+          if (parent.Receive() == 's') list.Close();
+          _exit(0);  // no destructors: after a crash the entry stays behind
+        }) {
+    child_.Receive();  // signed in, or failed to
   }
   ~OtherProgram() {
-    if (pid_ > 0) Leave();
-    for (int fd : {signed_in_[0], leave_[0], leave_[1]}) ::close(fd);
+    if (!left_) Leave();
   }
-  pid_t pid() const { return pid_; }
+  OtherProgram(const OtherProgram&) = delete;
+  OtherProgram& operator=(const OtherProgram&) = delete;
 
-  // Ends the program, signing off or as a crash would; returns its exit status.
+  pid_t pid() const { return child_.pid(); }
+  // Ends the other program, signed off or as after a crash; its exit status.
   int Leave(bool sign_off = true) {
-    (void)!::write(leave_[1], sign_off ? "s" : "c", 1);
-    int status = 0;
-    ::waitpid(std::exchange(pid_, 0), &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    left_ = true;
+    child_.Send(sign_off ? 's' : 'c');
+    return child_.Wait();
   }
 
  private:
-  int signed_in_[2] = {-1, -1};
-  int leave_[2] = {-1, -1};
-  pid_t pid_ = 0;
+  korvan::testing::ChildProcess child_;
+  bool left_ = false;
 };
 
 TEST(ControlListProcesses, ExclusiveAndSharedUseAcrossProcesses) {

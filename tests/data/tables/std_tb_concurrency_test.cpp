@@ -1,18 +1,20 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
+
+#include <memory>
 
 #include "data/tables/std_tb_test_support.h"
 #include "data/tables/table_change_journal.h"
 #include "storage/db_kernel_codes.h"
 #include "storage/db_kernel_fixture.h"
 #include "storage/db_kernel_locks.h"
+#include "testing/child_process.h"
 
 namespace korvan::data::testing {
 namespace {
 
 using storage::testing::ForgetInheritedDatabases;
-using storage::testing::ResultInChild;
+using storage::testing::InFreshChild;
 
 // Hears of a change before it is written, and lets another process try to read the
 // database's keys meanwhile: that reader must wait until the change is done.
@@ -21,36 +23,31 @@ class KeyReaderDuringChange : public TableChangeObserver {
   KeyReaderDuringChange(std::string base, char db_type, int key_length)
       : base_(std::move(base)), db_type_(db_type), key_length_(key_length) {}
   void RecordWillChange(const TableTarget&, JournalImage, JournalImage) override {
-    reader_ = fork();
-    if (reader_ == 0) {
+    reader_ = std::make_unique<korvan::testing::ChildProcess>([&](const korvan::testing::Channel&) {
       ForgetInheritedDatabases();
       int handle = 0;
-      if (storage::iDK_DbOpen(db_type_, base_, false, true, &handle) != 0) _exit(1);
+      if (storage::iDK_DbOpen(db_type_, base_, false, true, &handle) != 0) return 1;
       storage::KeyEntry entry =
           MakeKeyEntry(std::string(static_cast<size_t>(key_length_), kKeyPadChar));
       uint32_t position = 0;
       const int found = storage::iDK_KeyFirstMatch(handle, entry, &position);
-      _exit(found == 0 || found == storage::kDkKeyNotFound ? 0 : 2);
-    }
+      return found == 0 || found == storage::kDkKeyNotFound ? 0 : 2;
+    });
     usleep(300 * 1000);
-    reader_waited_ = waitpid(reader_, nullptr, WNOHANG) == 0;
+    reader_waited_ = reader_->Running();
   }
   void RecordInserted(const TableTarget&, JournalImage) override {}
   void RecordUpdated(const TableTarget&, JournalImage, JournalImage) override {}
   void RecordDeleted(const TableTarget&, JournalImage) override {}
 
   // Whether the reader waited for the change and then read.
-  bool ReaderWaitedAndRead() {
-    int status = -1;
-    waitpid(reader_, &status, 0);
-    return reader_waited_ && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-  }
+  bool ReaderWaitedAndRead() { return reader_waited_ && reader_->Wait() == 0; }
 
  private:
   std::string base_;
   char db_type_;
   int key_length_;
-  pid_t reader_ = -1;
+  std::unique_ptr<korvan::testing::ChildProcess> reader_;
   bool reader_waited_ = false;
 };
 
@@ -71,8 +68,7 @@ class TableConcurrency : public TableTest {
   int AsOtherUser(Work work) {
     EXPECT_EQ(db_->Flush(), 0);
     const std::string base = db_->BasePath();
-    return ResultInChild([&] {
-      ForgetInheritedDatabases();
+    return InFreshChild([&] {
       int handle = 0;
       if (int opened = storage::iDK_DbOpen(kDbType, base, true, true, &handle); opened != 0) {
         return opened;
