@@ -22,8 +22,12 @@ using storage::TDbRecordHeader;
 
 namespace {
 
+// The kernel stamps the change time on every write and the creation time on an insert,
+// after the journal took the image: an inserted record is found with a creation time
+// its image does not have.
 constexpr size_t kStampBegin = offsetof(TDbRecordHeader, LastModified);
-constexpr size_t kStampEnd = kStampBegin + sizeof(double);
+constexpr size_t kStampEnd = offsetof(TDbRecordHeader, CreationDate) + sizeof(double);
+static_assert(offsetof(TDbRecordHeader, CreationDate) == kStampBegin + sizeof(double));
 constexpr size_t kLengthEnd = sizeof(int32_t);
 constexpr size_t kMaxSlack = 3;
 

@@ -60,7 +60,7 @@ class TTableRecordRestorer : public RecordRestorer {
 TableTarget TableTargetOf(const TStdTB& table);
 
 // Whether a stored record equals an image, leaving out what the kernel sets on every
-// write: the length field (a slot may be up to three bytes longer) and the time stamp.
+// write: the length field (a slot may be up to three bytes longer) and the time stamps.
 bool SameRecordContent(JournalImage stored, JournalImage image);
 
 }  // namespace korvan::data
