@@ -87,11 +87,14 @@ void GaebCommand::Define(CLI::App& app) {
   check_->add_flag("--json", json_, "Ausgabe als JSON");
   export_ = app.add_subcommand("export", "gibt ein LV als GAEB-DA-XML-Datei einer Phase aus");
   export_command_.Define(*export_);
+  import_ = app.add_subcommand("import", "liest ein LV aus einer GAEB-DA-XML-Datei ein");
+  import_command_.Define(*import_);
 }
 
 int GaebCommand::Run(Streams& streams) {
   if (export_->parsed()) return export_command_.Run(streams);
-  if (!check_->parsed()) throw UsageError("ein Unterbefehl fehlt (export oder check)");
+  if (import_->parsed()) return import_command_.Run(streams);
+  if (!check_->parsed()) throw UsageError("ein Unterbefehl fehlt (export, import oder check)");
   std::optional<std::string> schemas;
   if (!schemas_.empty()) {
     if (!std::filesystem::is_directory(schemas_)) {
