@@ -54,6 +54,8 @@ class TBodyReader {
       } else if (child.name == "Itemlist") {
         context_.Use(child);
         for (const TGaebElement& member : child.children) Member(member, parent);
+      } else {
+        Member(child, parent);  // remarks may stand beside the sections
       }
     }
   }
@@ -100,7 +102,9 @@ class TBodyReader {
       context_.Warn(line, "Ordnungszahl " + Joined(parts) + " hat " + std::to_string(parts.size()) +
                               " Teile, die Gliederung " + std::to_string(wanted));
     }
-    while (item && parts.size() < wanted) parts.insert(parts.end() - 1, "_");
+    while (item && parts.size() < wanted) {
+      parts.insert(parts.end() - 1, std::string(GroupWidth(parts.size() - 1), '_'));
+    }
     std::string oz = Joined(parts);
     if (!index.empty()) oz += "." + index;
     const std::string formatted = boq::FormLvOZ(oz, mask_);
@@ -108,6 +112,13 @@ class TBodyReader {
       context_.Warn(line, "Ordnungszahl " + oz + " ist länger als 30 Zeichen");
     }
     return formatted.substr(0, boq::kMaxOzLength);
+  }
+
+  // The width of the group level at `depth` (0-based) in the mask.
+  size_t GroupWidth(size_t depth) const {
+    size_t start = 0;
+    for (size_t i = 0; i < depth; ++i) start = mask_.find('.', start) + 1;
+    return mask_.find('.', start) - start;
   }
 
   static std::string Joined(const std::vector<std::string>& parts) {
@@ -149,7 +160,9 @@ class TBodyReader {
     Told();
     const std::string part = RNoPart(item);
     const std::string index = item.Attribute("RNoIndex").value_or("");
-    const bool lead = context_.TakeYes(item, "SumDescr");
+    // An item with sub-descriptions is their lead description, also where the phase's
+    // file does not say so (a bid has no SumDescr).
+    const bool lead = context_.TakeYes(item, "SumDescr") || item.Child("SubDescr") != nullptr;
     std::vector<std::string> parts = chain_;
     parts.push_back(part);
     boq::TLvPos& entry = Append(lead ? 'L' : 'P', parent);
@@ -160,10 +173,6 @@ class TBodyReader {
     const std::string oz(entry.Oz());
     for (const TGaebElement& sub : item.children) {
       if (sub.name != "SubDescr") continue;
-      if (!lead) {
-        context_.ReadNo(sub.line, "UnterBeschr",
-                        "SubDescr in einer Position ohne SumDescr: gelesen als Unterbeschreibung");
-      }
       context_.Use(sub);
       context_.TakeText(sub, "SubDNo");
       boq::TLvPos& child = Append('U', parent);
@@ -184,10 +193,9 @@ class TBodyReader {
     context_.Use(element);
     boq::TLvPos& entry = Append(kind, parent);
     ReadEntryDescription(element, entry);
-    if (entry.ShortText.empty()) {
-      if (std::optional<std::string> label = context_.TakeText(element, "PerfLbl")) {
-        entry.ShortText = *label;
-      }
+    // A performance description is named by its label.
+    if (std::optional<std::string> label = context_.TakeText(element, "PerfLbl")) {
+      entry.ShortText = *label;
     }
     ++context_.Result().texts;
   }

@@ -84,9 +84,10 @@ void ReadInformation(TImportContext& context, const TGaebElement& root, const TG
                      const TGaebElement& boq);
 
 // --- Breakdown (gaeb_import_mask.cpp) -----------------------------------------------
-// The LV's OZ mask from the BoQ's breakdown (BoQBkdn); EGaebImportError when it cannot
-// number an LV.
-std::string MaskOfBreakdown(TImportContext& context, const TGaebElement& boq_info);
+// The LV's OZ mask from the BoQ's breakdown (BoQBkdn), completed from the numbers of the
+// body (none: the breakdown alone); EGaebImportError when it cannot number an LV.
+std::string MaskOfBreakdown(TImportContext& context, const TGaebElement& boq_info,
+                            const TGaebElement* body);
 
 // --- Texts (gaeb_import_texts.cpp) --------------------------------------------------
 // The short and long text of a Description (or of its OutlineText alone).

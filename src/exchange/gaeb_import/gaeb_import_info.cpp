@@ -141,7 +141,7 @@ void ReadComponentLabels(TImportContext& context, const TGaebElement& info) {
   }
 }
 
-void ReadBoQInfo(TImportContext& context, const TGaebElement& info) {
+void ReadBoQInfo(TImportContext& context, const TGaebElement& info, const TGaebElement* body) {
   context.Use(info);
   TGaebImport& result = context.Result();
   TAvaGXmlBoQInfo& data = result.data.FBoQInfo;
@@ -160,7 +160,7 @@ void ReadBoQInfo(TImportContext& context, const TGaebElement& info) {
                                                               : data.LblBoQ.value_or("");
   context.Store(lv.Name, name, "Name des LV", info.line);
   lv.Datum = data.Date.value_or(0);
-  lv.PosMaske.Set(MaskOfBreakdown(context, info));
+  lv.PosMaske.Set(MaskOfBreakdown(context, info, body));
   lv.PreisAnteile = static_cast<uint8_t>(data.NoUPComps.value_or(0));
   if (data.CONo) {
     if (const std::optional<int> number = context.TakeInteger(info, "CONo", 1, 999)) {
@@ -197,7 +197,7 @@ void ReadInformation(TImportContext& context, const TGaebElement& root, const TG
     throw EGaebImportError(context.File() + ":" + std::to_string(boq.line) +
                            ": BoQ ohne BoQInfo: erwartet Name und Gliederung (BoQBkdn) des LV");
   }
-  ReadBoQInfo(context, *info);
+  ReadBoQInfo(context, *info, boq.Child("BoQBody"));
 }
 
 }  // namespace korvan::exchange::gaeb_import
