@@ -6,10 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "exchange/gaeb_export/gaeb_export.h"
 #include "exchange/gaeb_import/gaeb_import.h"
 #include "exchange/gaeb_xml/gaeb_decimal.h"
+#include "exchange/gaeb_xml/gaeb_file_check.h"
 #include "exchange/gaeb_xml/gaeb_reader.h"
 #include "exchange/gaeb_xml/gaeb_test_files.h"
+#include "testing/temp_dir.h"
 
 namespace korvan::exchange {
 namespace {
@@ -60,7 +63,26 @@ void ExpectEveryEntryArrived(const fs::path& file, const TGaebImport& import) {
   EXPECT_EQ(import.groups + import.items, static_cast<int>(wanted.size()));
 }
 
+// The imported LV written again as a file of its phase is valid for the official schema.
+void ExpectExportedAgainValid(const TGaebImport& import, const std::string& path) {
+  if (gaeb_xml::testing::SchemaDir().empty()) return;
+  TGaebExportSource source;
+  source.lv = import.lv;
+  source.header = import.header;
+  source.project_name = import.data.FPrjInfo.NamePrj.value_or("");
+  TGaebExportOptions options;
+  options.phase = import.phase;
+  ExportGaebFile(source, options, path);
+  const gaeb_xml::TGaebFileCheck check =
+      gaeb_xml::CheckGaebFile(path, gaeb_xml::testing::SchemaDir().string());
+  EXPECT_TRUE(check.schema_checked);
+  EXPECT_FALSE(gaeb_xml::HasErrors(check.findings)) << Listed(check.findings);
+}
+
+// Every sample of an LV arrives whole and, exported again, validates; the others are
+// refused naming the file.
 TEST(GaebImportFiles, EverySampleOfAnLvArrivesWholeTheOthersAreRefused) {
+  const korvan::testing::TempDir dir;
   if (gaeb_xml::testing::SampleDir().empty()) GTEST_SKIP() << gaeb_xml::testing::kNoSamples;
   const std::vector<std::string> refused = {"confirmation.x87", "description.x80", "invoice.x89",
                                             "minimal.x83", "supporting.x89b"};
@@ -84,6 +106,7 @@ TEST(GaebImportFiles, EverySampleOfAnLvArrivesWholeTheOthersAreRefused) {
     const TGaebImport import = ImportGaebFile(sample.path().string(), options);
     EXPECT_FALSE(gaeb_xml::HasErrors(import.findings)) << Listed(import.findings);
     ExpectEveryEntryArrived(sample.path(), import);
+    ExpectExportedAgainValid(import, dir.File(name));
     ++imported;
   }
   EXPECT_EQ(imported, 8);
