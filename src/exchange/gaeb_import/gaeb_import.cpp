@@ -47,7 +47,8 @@ void ReadAddTexts(TImportContext& context, const TGaebElement& root) {
     boq::TLvPos entry = boq::NewLvPos('T');
     entry.Struktur.IdBgBeschr = context.NextTemporaryId();
     if (const TGaebElement* outline = context.Take(add_text, "OutlineAddText")) {
-      entry.ShortText = gaeb_import::PlainTextOf(*outline);
+      entry.ShortText =
+          gaeb_import::FitShortText(context, outline->line, gaeb_import::PlainTextOf(*outline));
     }
     if (const TGaebElement* detail = context.Take(add_text, "DetailAddText")) {
       entry.LongText = gaeb_import::RtfOf(*detail);

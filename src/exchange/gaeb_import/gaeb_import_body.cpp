@@ -134,7 +134,7 @@ class TBodyReader {
     boq::TLvPos& entry = Append('B', parent);
     entry.SetOz(OzOf(chain_, false, {}, section.line));
     if (const TGaebElement* label = context_.Take(section, "LblTx")) {
-      entry.ShortText = PlainTextOf(*label);
+      entry.ShortText = FitShortText(context_, label->line, PlainTextOf(*label));
     }
     const std::optional<int> group = context_.TakeInteger(section, "ALNBGroupNo", 1, 999);
     const std::optional<int> serial = context_.TakeInteger(section, "ALNBSerNo", 0, 9);
@@ -186,6 +186,7 @@ class TBodyReader {
   void ReadEntryDescription(const TGaebElement& element, boq::TLvPos& entry) {
     if (const TGaebElement* description = element.Child("Description")) {
       ReadDescription(context_, *description, entry);
+      entry.ShortText = FitShortText(context_, description->line, entry.ShortText);
     }
   }
 
@@ -195,7 +196,7 @@ class TBodyReader {
     ReadEntryDescription(element, entry);
     // A performance description is named by its label.
     if (std::optional<std::string> label = context_.TakeText(element, "PerfLbl")) {
-      entry.ShortText = *label;
+      entry.ShortText = FitShortText(context_, element.line, *label);
     }
     ++context_.Result().texts;
   }

@@ -92,6 +92,9 @@ std::string MaskOfBreakdown(TImportContext& context, const TGaebElement& boq_inf
 // --- Texts (gaeb_import_texts.cpp) --------------------------------------------------
 // The short and long text of a Description (or of its OutlineText alone).
 void ReadDescription(TImportContext& context, const TGaebElement& description, boq::TLvPos& entry);
+// A short text as the LV can store it: lines of at most 70 characters of Windows-1252
+// (longer lines wrapped, other characters "?"), each change reported at `line`.
+std::string FitShortText(TImportContext& context, int line, const std::string& text);
 // The plain text of an element of text markup (LblTx, OutlineAddText).
 std::string PlainTextOf(const TGaebElement& markup);
 // The rich text of an element of text markup, stored as RTF.

@@ -136,6 +136,11 @@ TEST(GaebImportFiles, DeviationsOfRealFilesAreReadWithAFindingNamingTheLine) {
       {"a name longer than an LV's", SmallFile("", "Rohbau Schule Nord Bauabschnitt 2"),
        "3: Name des LV \"Rohbau Schule Nord Bauabschnitt 2\" passt nicht ganz"},
       {"an unknown element", SmallFile("<Farbe>grün</Farbe>"), "8: Element \"Farbe\" nicht"},
+      {"a short text longer than a line",
+       SmallFile("<Description><OutlineText><OutlTxt><TextOutlTxt><p><span>" +
+                 std::string(50, 'a') + " " + std::string(50, 'b') +
+                 "</span></p></TextOutlTxt></OutlTxt></OutlineText></Description>"),
+       "8: Kurztext mit Zeilen über 70 Zeichen: auf mehrere Zeilen umbrochen"},
       {"a value that is no decimal", SmallFile("<PredQty>1,5</PredQty>"), "8: PredQty \"1,5\""},
       {"another encoding",
        SmallFile("", "Rohbau", "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>"),
