@@ -1,6 +1,7 @@
 // PrjInfo, AwardInfo, the parties and BoQInfo of an imported file: into the options data
 // (what the file says) and, unless left out, into the LV header and its GAEB header
 // record, the same fields the export writes them from.
+#include <filesystem>
 #include <string>
 
 #include "exchange/gaeb_import/gaeb_import_context.h"
@@ -155,9 +156,14 @@ void ReadBoQInfo(TImportContext& context, const TGaebElement& info, const TGaebE
   }
   ReadComponentLabels(context, info);
   boq::t_Lv_DB_VERSION_3100 lv = result.lv.FLv();
-  const std::string name = !context.Options().lv_name.empty() ? context.Options().lv_name
-                           : data.Name                        ? *data.Name
-                                                              : data.LblBoQ.value_or("");
+  std::string name = !context.Options().lv_name.empty() ? context.Options().lv_name
+                     : data.Name                        ? *data.Name
+                                                        : data.LblBoQ.value_or("");
+  if (name.empty()) {
+    name = std::filesystem::path(context.File()).stem().string();
+    context.ReadNo(info.line, "BoQInfo/Name",
+                   "BoQInfo ohne Name: das LV heißt nach der Datei \"" + name + "\"");
+  }
   context.Store(lv.Name, name, "Name des LV", info.line);
   lv.Datum = data.Date.value_or(0);
   lv.PosMaske.Set(MaskOfBreakdown(context, info, body));

@@ -153,6 +153,14 @@ TEST(GaebImportFiles, DeviationsOfRealFilesAreReadWithAFindingNamingTheLine) {
     EXPECT_EQ(import.lv.Count(), 2);
     EXPECT_EQ(import.lv[1].Oz(), "01.0010");
   }
+  // A value that cannot be read is a "Read: Bad" line of the protocol.
+  EXPECT_NE(ImportProtocolText(ImportGaebXml(SmallFile("<PredQty>1,5</PredQty>"), "a.x83", {}))
+                .find("Read: Bad PredQty (Zeile 8)"),
+            std::string::npos);
+  // Without BoQInfo/Name the LV is named after the file.
+  const TGaebImport unnamed = ImportGaebXml(SmallFile("", ""), "dir/Schule.x83", {});
+  EXPECT_EQ(unnamed.lv.FLv().Name.Get(), "Schule");
+  EXPECT_TRUE(Mentions(unnamed.findings, "3: BoQInfo ohne Name")) << Listed(unnamed.findings);
   // The declared encoding is the one read: "ä" in Latin-1 is one byte.
   const TGaebImport latin = ImportGaebXml(
       SmallFile("<Description><OutlineText><OutlTxt><TextOutlTxt><p><span>M\xE4hen</span></p>"
