@@ -1,5 +1,6 @@
 #include "exchange/gaeb_import/gaeb_import_context.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "data/records/int_date.h"
@@ -119,14 +120,21 @@ void TImportContext::ReadBad(int line, const std::string& element, const std::st
 }
 
 void TImportContext::ReportUnused(const TGaebElement& root) {
+  for (std::vector<const TGaebElement*>* list : {&used_, &whole_}) {
+    std::sort(list->begin(), list->end());
+  }
+  ReportUnusedBelow(root);
+}
+
+void TImportContext::ReportUnusedBelow(const TGaebElement& root) {
   for (const TGaebElement& child : root.children) {
-    if (whole_.count(&child) != 0) continue;
-    if (used_.count(&child) == 0) {
+    if (std::binary_search(whole_.begin(), whole_.end(), &child)) continue;
+    if (!std::binary_search(used_.begin(), used_.end(), &child)) {
       if (child.IsTextNode()) continue;
       Hint(child.line, "Element \"" + child.name + "\" nicht übernommen");
       continue;
     }
-    ReportUnused(child);
+    ReportUnusedBelow(child);
   }
 }
 
