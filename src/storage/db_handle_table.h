@@ -46,6 +46,7 @@ struct DbHandleSlot {
   bool tree_lock_exclusive = false;
   int tree_holds = 0;         // levels of tree_lock_depth held over several operations
   bool stamp_raised = false;  // the exclusive lock held now has raised the stamp on disk
+  uint64_t change_mark = 0;   // goes up with every change this handle sees (iDK_ChangeMark)
 
   bool InUse() const { return !file_name.empty(); }
   bool IsWritable() const { return (open_mode & 2) != 0; }

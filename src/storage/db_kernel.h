@@ -67,6 +67,13 @@ int iDK_TreeLock(int handle, bool change);
 // 4320 when the handle holds nothing.
 int iDK_TreeUnlock(int handle);
 
+// A mark of the database's state as this handle sees it, taken inside a hold: two marks
+// taken in two holds are equal only when nobody changed the database in between. Another
+// process's change is noticed by its stamp when the tree lock is taken, this process's
+// own with each change. Without a hold, or for a key file without a change stamp, every
+// call gives a new mark. 0 or 4288.
+int iDK_ChangeMark(int handle, uint64_t* mark);
+
 // --- Records ---------------------------------------------------------------------
 
 // Reads the record at a position into buffer. *length: in the buffer size, out the
@@ -74,6 +81,13 @@ int iDK_TreeUnlock(int handle);
 // With read_whole false only the stored length is returned (negative for free space).
 // Raises EDbKernelException ("Read") on every failure.
 int iDK_RecordRead(int handle, int32_t position, void* buffer, int32_t* length, bool read_whole);
+// Reads the whole records at several positions, in file order, nearby ones with one
+// system call: (*records)[i] receives the record at positions[i]. Records longer than
+// length_hint are read on their own. Take a hold around it (and around the reads of the
+// keys that named the positions) to read one state of the files. 0, or the code
+// iDK_RecordRead raises for the first position that fails (*failed receives its index).
+int iDK_RecordReadMany(int handle, const std::vector<int32_t>& positions, int32_t length_hint,
+                       std::vector<std::vector<uint8_t>>* records, size_t* failed);
 // Writes a new record (at least the 48-byte header; dates set by the kernel). With
 // reuse_free_space the largest free block is split when it is big enough. Raises
 // EDbKernelException 4357 ("Insert") when an append would pass 2 GB.

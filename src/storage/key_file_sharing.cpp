@@ -196,7 +196,11 @@ TreeLock::TreeLock(int handle, DbHandleSlot& slot, TreeAccess access)
     held_ = true;
     return;
   }
-  if (!IsVersion3(slot_)) return;
+  if (!IsVersion3(slot_)) {
+    // Unguarded: nothing tells this process whether another one changed the file.
+    ++slot_.change_mark;
+    return;
+  }
   if (LockByte(slot_.key_file, kTreeLockByte, exclusive ? F_WRLCK : F_RDLCK, true) != 0) {
     result_ = kDkIoError;
     return;
@@ -212,6 +216,7 @@ TreeLock::TreeLock(int handle, DbHandleSlot& slot, TreeAccess access)
   if (stamp != slot_.cached_change_stamp) {
     DropCachedBlocks(handle_, slot_);
     slot_.cached_change_stamp = stamp;
+    ++slot_.change_mark;
   }
 }
 
@@ -246,6 +251,7 @@ int EndTreeHold(int handle, DbHandleSlot& slot) {
 // its next lock, also when this process is killed halfway through its change.
 int BeginChange(int handle, DbHandleSlot& slot, TreeLock& lock) {
   if (lock.result() != kOk) return lock.result();
+  ++slot.change_mark;
   if (!IsVersion3(slot) || slot.stamp_raised) return kOk;
   const bool mark_writer = !slot.writer_marked && slot.writer_slot >= 0;
   int result = kOk;

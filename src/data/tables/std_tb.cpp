@@ -171,6 +171,10 @@ int TStdTB::ReadStored(int32_t position, StoredRecord& stored, const char* funct
   if (int result = FDbOwner.ReadRaw(position, stored.raw); result != kOk) {
     return Fail("Read", result);
   }
+  return DecodeStored(position, stored, function);
+}
+
+int TStdTB::DecodeStored(int32_t position, StoredRecord& stored, const char* function) {
   const TDbRecordHeader header = HeaderOf(stored.raw);
   const auto report = [&](const std::string& what) {
     FailWithText(storage::kDkBadRecordLength,
@@ -214,6 +218,10 @@ bool TStdTB::GetRec(int32_t position) {
     FFailedPosition = position;
     return false;
   }
+  return TakeStored(position, std::move(stored));
+}
+
+bool TStdTB::TakeStored(int32_t position, StoredRecord stored) {
   FCurrentRecord = std::move(stored.current);
   FLastReadConverted = stored.converted;
   FLastRecord = FCurrentRecord;

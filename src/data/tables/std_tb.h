@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
@@ -182,6 +183,10 @@ class TStdTB {
     bool converted = false;
   };
   int ReadStored(int32_t position, StoredRecord& stored, const char* function);
+  // Checks and converts a record read as stored.raw into stored.current.
+  int DecodeStored(int32_t position, StoredRecord& stored, const char* function);
+  // Makes a decoded record the current record.
+  bool TakeStored(int32_t position, StoredRecord stored);
   void SetHeaderForWrite(std::vector<uint8_t>& record) const;
   // Shows and keeps an error in the "Error in Database Operation" text.
   int Fail(std::string_view operation, int code);
@@ -219,8 +224,17 @@ class TStdTB {
   enum class Direction { kForward, kBackward };
   bool StartWalk(std::string_view pattern, char index, Direction direction);
   bool StepWalk(std::string_view pattern, char index, Direction direction);
-  int Reseek(Direction direction, uint32_t* position);
+  int Reseek(Direction direction, storage::KeyEntry* cursor, uint32_t* position);
+  int StepKey(Direction direction, storage::KeyEntry* cursor, uint32_t* position);
   bool LoadFound(uint32_t position);
+  int GetBatchOneByOne(const std::vector<int32_t>& positions,
+                       std::vector<std::vector<uint8_t>>& records);
+  // Read-ahead of a walk: the pairs that follow the current one, with their records.
+  bool AheadIsCurrent(Direction direction);
+  int FillAhead(Direction direction);
+  void ReadAheadRecords();
+  bool ServeAhead();
+  void DropAhead();
   int InsertCurrent();
   int UpdateCurrent();
   int MoveRecord(const StoredRecord& stored, const TRecordKeys& old_keys,
@@ -237,6 +251,21 @@ class TStdTB {
   std::string FWalkPattern;  // the full key pattern of the running walk
   storage::KeyEntry FWalkCursor;
   uint32_t FWalkPosition = 0;
+
+  // The next pairs of the walk and their records, read under one hold. They answer the
+  // following steps while the database's change mark is the one they were read under;
+  // any change (by this process or another) drops them and the walk steps on from the
+  // last pair it returned, as a walk without read-ahead would.
+  struct AheadPair {
+    storage::KeyEntry cursor;
+    uint32_t position = 0;
+    std::vector<uint8_t> raw;  // empty: read when it is returned (its read failed ahead)
+  };
+  std::deque<AheadPair> FAhead;
+  Direction FAheadDirection = Direction::kForward;
+  bool FAheadReachesEnd = false;  // no pair of the walk follows the last one in FAhead
+  uint64_t FAheadMark = 0;
+  size_t FAheadWindow = 1;  // pairs the next read-ahead reads; grows while nothing changes
 };
 
 // A table whose records are one packed layout T: typed access to the current record.

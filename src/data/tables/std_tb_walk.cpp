@@ -16,6 +16,9 @@ using storage::kOk;
 
 namespace {
 
+// Pairs one read-ahead of a walk reads at most.
+constexpr size_t kMaxReadAhead = 256;
+
 // Index characters are 7-bit.
 char IndexChar(char index) {
   return static_cast<char>(index & 0x7F);
@@ -74,6 +77,7 @@ bool TStdTB::GetPreviousKeyEx(std::string_view pattern, char index, std::string&
 bool TStdTB::StartWalk(std::string_view pattern, char index, Direction direction) {
   FLastFilterKey.clear();
   FWalkActive = false;
+  DropAhead();
   FCurrentFilterKey = std::string(pattern);
   FFilterIndex = IndexChar(index);
   ClearTbRecord();
@@ -96,6 +100,10 @@ bool TStdTB::StartWalk(std::string_view pattern, char index, Direction direction
   if (!LoadFound(position)) return false;
   FLastFilterKey = FCurrentFilterKey;
   FWalkActive = true;
+  // A walk that goes on reads ahead; one that stops at its first record read nothing more.
+  FAheadWindow = 2;
+  FAheadDirection = direction;
+  storage::iDK_ChangeMark(FDbOwner.Handle(), &FAheadMark);
   return true;
 }
 
@@ -103,33 +111,112 @@ bool TStdTB::StepWalk(std::string_view pattern, char index, Direction direction)
   if (!FWalkActive || pattern != FLastFilterKey || IndexChar(index) != FFilterIndex) return false;
   FLastRecord.clear();
   ClearTbRecord();
-  uint32_t position = FWalkPosition;
-  storage::KeyEntry cursor = FWalkCursor;
   TTreeHold hold(FDbOwner, false);
-  int result = direction == Direction::kForward
-                   ? storage::iDK_KeyNext(FDbOwner.Handle(), cursor, &position)
-                   : storage::iDK_KeyPrev(FDbOwner.Handle(), cursor, &position);
-  if (result == kDkKeyNotFound)
-    result = Reseek(direction, &position);
-  else if (result == kOk)
-    FWalkCursor = cursor;
+  if (!AheadIsCurrent(direction)) {
+    DropAhead();
+  } else if (FAhead.empty() && FAheadReachesEnd) {
+    FWalkActive = false;
+    return false;
+  }
+  if (FAhead.empty()) {
+    if (int result = FillAhead(direction); result != kOk) {
+      FWalkActive = false;
+      if (result != kDkKeyNotFound) Fail("KeyMatch", result);
+      return false;
+    }
+    if (FAhead.empty()) {
+      FWalkActive = false;
+      return false;
+    }
+  }
+  return ServeAhead();
+}
+
+// Whether the pairs read ahead still are what a step would find: read for this direction
+// and nothing changed since.
+bool TStdTB::AheadIsCurrent(Direction direction) {
+  uint64_t mark = 0;
+  storage::iDK_ChangeMark(FDbOwner.Handle(), &mark);
+  return direction == FAheadDirection && mark == FAheadMark;
+}
+
+void TStdTB::DropAhead() {
+  FAhead.clear();
+  FAheadReachesEnd = false;
+  FAheadWindow = 1;
+}
+
+int TStdTB::StepKey(Direction direction, storage::KeyEntry* cursor, uint32_t* position) {
+  return direction == Direction::kForward
+             ? storage::iDK_KeyNext(FDbOwner.Handle(), *cursor, position)
+             : storage::iDK_KeyPrev(FDbOwner.Handle(), *cursor, position);
+}
+
+// Under the caller's hold: the pairs that follow the last one returned, as many as the
+// window allows, and their records. 0 also when the walk has ended (nothing read).
+int TStdTB::FillAhead(Direction direction) {
+  storage::KeyEntry cursor = FWalkCursor;
+  uint32_t position = FWalkPosition;
+  int result = StepKey(direction, &cursor, &position);
+  if (result == kDkKeyNotFound) result = Reseek(direction, &cursor, &position);
+  while (result == kOk) {
+    if (!KeyMatchesPattern(KeyOf(cursor, FDbOwner.KeyLength()), FWalkPattern)) break;
+    FAhead.push_back({cursor, position, {}});
+    if (FAhead.size() >= FAheadWindow) break;
+    result = StepKey(direction, &cursor, &position);
+  }
+  FAheadReachesEnd = result == kOk ? FAhead.size() < FAheadWindow : result == kDkKeyNotFound;
+  // A failing step after good pairs fails again when the walk gets there.
+  if (result != kOk && result != kDkKeyNotFound && FAhead.empty()) return result;
+  ReadAheadRecords();
+  FAheadDirection = direction;
+  FAheadWindow = std::min(FAheadWindow * 2, kMaxReadAhead);
+  storage::iDK_ChangeMark(FDbOwner.Handle(), &FAheadMark);
+  return kOk;
+}
+
+// The records of the pairs read ahead, in file order. From a record whose read fails on,
+// the pairs are dropped but that one, whose read is made again (and reported) when the
+// walk returns it.
+void TStdTB::ReadAheadRecords() {
+  std::vector<int32_t> positions;
+  for (const AheadPair& pair : FAhead) positions.push_back(static_cast<int32_t>(pair.position));
+  std::vector<std::vector<uint8_t>> records;
+  size_t failed = 0;
+  const int result =
+      storage::iDK_RecordReadMany(FDbOwner.Handle(), positions, FTbPhysRecLen, &records, &failed);
+  const size_t good = result == kOk ? FAhead.size() : failed;
+  for (size_t i = 0; i < good; ++i) FAhead[i].raw = std::move(records[i]);
   if (result != kOk) {
+    FAhead.resize(failed + 1);
+    FAheadReachesEnd = false;
+  }
+}
+
+// Returns the next pair read ahead as the walk's current record.
+bool TStdTB::ServeAhead() {
+  AheadPair pair = std::move(FAhead.front());
+  FAhead.pop_front();
+  FWalkCursor = pair.cursor;
+  FWalkPosition = pair.position;
+  const auto position = static_cast<int32_t>(pair.position);
+  if (pair.raw.empty()) return LoadFound(pair.position);
+  sFilterResultKey = KeyOf(FWalkCursor, FDbOwner.KeyLength());
+  StoredRecord stored;
+  stored.raw = std::move(pair.raw);
+  if (DecodeStored(position, stored, "GetRec") != kOk) {
+    FFailedPosition = position;
     FWalkActive = false;
-    if (result != kDkKeyNotFound) Fail("KeyMatch", result);
+    sFilterResultKey.clear();
     return false;
   }
-  FWalkPosition = position;
-  if (!KeyMatchesPattern(KeyOf(FWalkCursor, FDbOwner.KeyLength()), FWalkPattern)) {
-    FWalkActive = false;
-    return false;
-  }
-  return LoadFound(position);
+  return TakeStored(position, std::move(stored));
 }
 
 // The step found no neighbour. Either the walk is at its end, or the pair it stood on
 // is gone (the current record was deleted or its key changed meanwhile): then the walk
 // continues at the first pair beyond the old one.
-int TStdTB::Reseek(Direction direction, uint32_t* position) {
+int TStdTB::Reseek(Direction direction, storage::KeyEntry* cursor, uint32_t* position) {
   const int handle = FDbOwner.Handle();
   const int key_length = FDbOwner.KeyLength();
   storage::KeyEntry probe = FWalkCursor;
@@ -152,11 +239,10 @@ int TStdTB::Reseek(Direction direction, uint32_t* position) {
     entry.position = at;
     const int order = ComparePairs(entry, old, key_length);
     if (forward ? order > 0 : order < 0) break;
-    result = forward ? storage::iDK_KeyNext(handle, entry, &at)
-                     : storage::iDK_KeyPrev(handle, entry, &at);
+    result = StepKey(direction, &entry, &at);
   }
   if (result != kOk) return result;
-  FWalkCursor = entry;
+  *cursor = entry;
   *position = at;
   return kOk;
 }
@@ -221,7 +307,26 @@ int TStdTB::GetKeyBatch(std::string_view pattern, char index, std::vector<std::s
 
 int TStdTB::GetBatchFromPositions(const std::vector<int32_t>& positions,
                                   std::vector<std::vector<uint8_t>>& records) {
-  // Read in file order to spare seeks, hand out in the order asked for.
+  // Read in file order, nearby records together; handed out in the order asked for.
+  std::vector<std::vector<uint8_t>> raws;
+  size_t failed = 0;
+  if (storage::iDK_RecordReadMany(FDbOwner.Handle(), positions, FTbPhysRecLen, &raws, &failed) !=
+      kOk) {
+    // Once more record by record: the failing read reports what is wrong the usual way.
+    return GetBatchOneByOne(positions, records);
+  }
+  records.assign(positions.size(), {});
+  for (size_t i = 0; i < positions.size(); ++i) {
+    StoredRecord stored;
+    stored.raw = std::move(raws[i]);
+    if (int result = DecodeStored(positions[i], stored, "GetBatch"); result != kOk) return result;
+    records[i] = std::move(stored.current);
+  }
+  return kOk;
+}
+
+int TStdTB::GetBatchOneByOne(const std::vector<int32_t>& positions,
+                             std::vector<std::vector<uint8_t>>& records) {
   std::vector<size_t> order(positions.size());
   for (size_t i = 0; i < order.size(); ++i) order[i] = i;
   std::sort(order.begin(), order.end(),

@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <iterator>
+#include <set>
+
 #include "data/tables/std_tb_test_support.h"
 #include "data/tables/table_key.h"
 #include "data/tables/tb_counter.h"
 #include "data/test_tables.h"
+#include "storage/db_kernel_fixture.h"
 
 namespace korvan::data::testing {
 namespace {
@@ -138,6 +142,157 @@ TEST_F(TableWalk, DeletingTheCurrentRecordDoesNotEndTheWalk) {
   EXPECT_EQ(visited, (std::vector<int32_t>{1, 2, 3, 4, 5, 6}));
   EXPECT_EQ(Walk(table, "", '1'), (std::vector<int32_t>{1, 3, 5}));
   EXPECT_TRUE(StorageProblems().empty());
+}
+
+// Walks that read ahead: long enough for several read-aheads, changed between steps. What
+// a step returns must be the first record beyond the last one returned, in the table as
+// it is at that step.
+class TableWalkReadAhead : public TableWalk {
+ protected:
+  static constexpr int kRecords = 700;
+  void SetUp() override {
+    TableWalk::SetUp();
+    TTbTestRate table(*db_);
+    for (int i = 1; i <= kRecords; ++i) {
+      AddRate(table, 10 * i, 1);
+      ids_.insert(10 * i);
+    }
+  }
+  // The step a walk without read-ahead makes from `last`.
+  int32_t Following(int32_t last, bool forward) const {
+    if (forward) {
+      const auto next = ids_.upper_bound(last);
+      return next == ids_.end() ? 0 : *next;
+    }
+    const auto next = ids_.lower_bound(last);
+    return next == ids_.begin() ? 0 : *std::prev(next);
+  }
+  // Deletes a rate through the table layer of this process.
+  void Delete(TTbTestRate& other, int32_t id) {
+    ASSERT_TRUE(other.GetKey(KeyNumber(id), '1'));
+    ASSERT_EQ(other.DeleteRec(), 0);
+    ids_.erase(id);
+  }
+  void Insert(TTbTestRate& other, int32_t id) {
+    AddRate(other, id, 1);
+    ids_.insert(id);
+  }
+
+  std::set<int32_t> ids_;
+};
+
+TEST_F(TableWalkReadAhead, ChangesOfThisProcessBetweenStepsAreSeenAtTheNextStep) {
+  for (bool forward : {true, false}) {
+    SCOPED_TRACE(forward ? "forward" : "backward");
+    TTbTestRate table(*db_);
+    TTbTestRate other(*db_);
+    int32_t expected = forward ? *ids_.begin() : *ids_.rbegin();
+    bool found = forward ? table.GetFirstKey("", '1') : table.GetLastKey("", '1');
+    for (int step = 0; found; ++step) {
+      ASSERT_EQ(table.Rec().Id, expected) << "step " << step;
+      const int32_t id = table.Rec().Id;
+      const int32_t ahead = forward ? id + 30 : id - 30;
+      if (step % 7 == 3) {
+        ASSERT_EQ(table.DeleteRec(), 0);  // the current record, as a cleaning loop does
+        ids_.erase(id);
+      } else if (step % 11 == 5 && ids_.contains(ahead)) {
+        Delete(other, ahead);
+      } else if (step % 13 == 6 && !ids_.contains(forward ? id + 5 : id - 5)) {
+        Insert(other, forward ? id + 5 : id - 5);
+      } else if (step % 17 == 8 && ids_.contains(ahead) &&
+                 !ids_.contains(forward ? id - 3 : id + 3)) {
+        ASSERT_TRUE(other.GetKey(KeyNumber(ahead), '1'));  // moved behind the walk
+        other.Rec().Id = forward ? id - 3 : id + 3;
+        ASSERT_EQ(other.UpDateRec(), 0);
+        ids_.erase(ahead);
+        ids_.insert(other.Rec().Id);
+      }
+      expected = Following(id, forward);
+      found = forward ? table.GetNextKey() : table.GetPreviousKey();
+    }
+    EXPECT_EQ(expected, 0) << "the walk ended early";
+  }
+  EXPECT_TRUE(StorageProblems().empty());
+}
+
+TEST_F(TableWalkReadAhead, TurningBackAndStartingAgainLeaveNothingReadAheadBehind) {
+  TTbTestRate table(*db_);
+  ASSERT_TRUE(table.GetFirstKey("", '1'));
+  for (int step = 0; step < 40; ++step) ASSERT_TRUE(table.GetNextKey());
+  EXPECT_EQ(table.Rec().Id, 410);
+  ASSERT_TRUE(table.GetPreviousKey());
+  EXPECT_EQ(table.Rec().Id, 400);
+  ASSERT_TRUE(table.GetNextKey());
+  EXPECT_EQ(table.Rec().Id, 410);
+  ASSERT_TRUE(table.GetFirstKey(KeyNumber(1), '2'));
+  EXPECT_EQ(table.Rec().Id, 10);
+  EXPECT_FALSE(table.GetNextKey(KeyNumber(1), '1'));  // not the running walk's index
+}
+
+TEST_F(TableWalkReadAhead, ChangesOfAnotherProcessBetweenStepsAreSeenAtTheNextStep) {
+  TTbTestRate table(*db_);
+  ASSERT_TRUE(table.GetFirstKey("", '1'));
+  for (int step = 1; step < 100; ++step) ASSERT_TRUE(table.GetNextKey());
+  const int32_t current = table.Rec().Id;
+  ASSERT_EQ(current, 1000);
+  // The other process deletes the next record, puts one in before the one after it and
+  // gives a later one a new group; this walk has read all of them ahead.
+  TTbTestRate builder(*db_);
+  builder.InitRecord();
+  builder.Rec().Id = 1015;
+  builder.Rec().Group = 2;
+  const std::vector<uint8_t> inserted = builder.CurrentRecord();
+  const TRecordKeys inserted_keys = builder.BuildKeys(inserted);
+  ASSERT_TRUE(builder.GetKey(KeyNumber(1010), '1'));
+  const int32_t deleted_at = builder.CurrentRecordPos();
+  const TRecordKeys deleted_keys = builder.BuildKeys(builder.CurrentRecord());
+  ASSERT_TRUE(builder.GetKey(KeyNumber(1040), '1'));
+  const int32_t updated_at = builder.CurrentRecordPos();
+  std::vector<uint8_t> updated = builder.CurrentRecord();
+  reinterpret_cast<t_TestRate*>(updated.data())->Group = 7;
+  const TRecordKeys old_keys = builder.BuildKeys(builder.CurrentRecord());
+  const TRecordKeys new_keys = builder.BuildKeys(updated);
+  ASSERT_EQ(db_->Flush(), 0);
+  const std::string base = db_->BasePath();
+  const int other = storage::testing::InFreshChild([&] {
+    int handle = 0;
+    if (int opened = storage::iDK_DbOpen(kDbType, base, true, true, &handle); opened != 0)
+      return opened;
+    const auto keys = [&](const TRecordKeys& of, int32_t position, bool insert) {
+      for (const std::string& key : of.keys) {
+        const storage::KeyEntry entry = MakeKeyEntry(key, static_cast<uint32_t>(position));
+        const int result =
+            insert ? storage::iDK_KeyInsert(handle, entry) : storage::iDK_KeyDelete(handle, entry);
+        if (result != 0) return result;
+      }
+      return 0;
+    };
+    storage::TDbRecordHeader header{};
+    std::vector<uint8_t> record = inserted;
+    int32_t position = 0;
+    int result = storage::iDK_RecordDelete(handle, &header, deleted_at);
+    if (result == 0) result = keys(deleted_keys, deleted_at, false);
+    if (result == 0)
+      result = storage::iDK_RecordInsert(handle, record.data(), static_cast<int32_t>(record.size()),
+                                         false, &position);
+    if (result == 0) result = keys(inserted_keys, position, true);
+    if (result == 0) {
+      result =
+          storage::iDK_RecordUpdate(handle, updated.data(), static_cast<int32_t>(updated.size()),
+                                    updated_at, static_cast<int32_t>(updated.size()));
+    }
+    if (result == 0) result = keys(old_keys, updated_at, false);
+    if (result == 0) result = keys(new_keys, updated_at, true);
+    storage::iDK_DbClose(handle);
+    return result;
+  });
+  ASSERT_EQ(other, 0);
+  std::vector<std::pair<int32_t, int32_t>> next;
+  for (int step = 0; step < 4 && table.GetNextKey(); ++step) {
+    next.emplace_back(table.Rec().Id, table.Rec().Group);
+  }
+  EXPECT_EQ(next,
+            (std::vector<std::pair<int32_t, int32_t>>{{1015, 2}, {1020, 1}, {1030, 1}, {1040, 7}}));
 }
 
 TEST_F(TableWalk, KeysOfTheFirstTables) {
