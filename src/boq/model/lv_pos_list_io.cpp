@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <sstream>
+#include <unordered_map>
 
 #include "boq/lv/project_lvs.h"
 #include "boq/lv/tb_beschr.h"
@@ -62,23 +63,6 @@ std::vector<std::string> SplitLines(const std::string& text) {
 std::string RowName(const t_Struktur& row) {
   return "Strukturzeile " + std::to_string(row.IdBgBeschr) + " (Art " +
          std::string(1, row.KzBgBeschr == '\0' ? '?' : row.KzBgBeschr) + ")";
-}
-
-// The group or item data of a row into the entry; false when the record is missing.
-bool ReadEntryData(TTbLvBg& groups, TTbLvBeschr& items, TLvPos& entry) {
-  const std::string key = KeyNumber(entry.Struktur.IdBgBeschr);
-  if (entry.IsGroup()) {
-    if (!groups.GetKey(key, '1')) return false;
-    entry.DatenHeader = groups.Rec().Header;
-    entry.LvBgBeschr = groups.Rec().LvBgBeschr1;
-    entry.LvBg = groups.Rec().LvBg2;
-    return true;
-  }
-  if (!items.GetKey(key, '1')) return false;
-  entry.DatenHeader = items.Rec().Header;
-  entry.LvBgBeschr = items.Rec().LvBgBeschr1;
-  entry.LvBeschr = items.Rec().LvBeschr2;
-  return true;
 }
 
 // Stores the table's current record when its data (everything after the header)
@@ -320,6 +304,131 @@ class ListWriter {
 
 }  // namespace
 
+namespace {
+
+// The ids' shared leading key characters: one walk of that part of an index finds every
+// record of the ids (and, when they are spread, others it passes over).
+std::string SharedKeyPrefix(const std::set<int32_t>& ids) {
+  if (ids.empty()) return {};
+  const std::string low = KeyNumber(*ids.begin());
+  const std::string high = KeyNumber(*ids.rbegin());
+  std::size_t shared = 0;
+  while (shared < low.size() && low[shared] == high[shared]) ++shared;
+  return low.substr(0, shared);
+}
+
+// The records of a table whose unique index starts with the id of one of `ids`, read in
+// one walk under one hold, by id.
+template <class Table, class Id>
+std::unordered_map<int32_t, std::vector<uint8_t>> RecordsOf(const data::TStdDb& db, Table& table,
+                                                            const std::set<int32_t>& ids, Id id_of,
+                                                            const std::string& what) {
+  std::unordered_map<int32_t, std::vector<uint8_t>> found;
+  if (ids.empty()) return found;
+  std::vector<std::vector<uint8_t>> records;
+  if (int result = table.GetBatch(SharedKeyPrefix(ids), '1', records); result != storage::kOk) {
+    Fail(db, what + " können nicht gelesen werden", result, &table);
+  }
+  for (std::vector<uint8_t>& record : records) {
+    const int32_t id = id_of(Table::Of(record));
+    if (ids.contains(id)) found.emplace(id, std::move(record));
+  }
+  return found;
+}
+
+// The short texts of the descriptions, each as the lines in their order.
+std::unordered_map<int32_t, std::vector<std::string>> ShortTextsOf(
+    data::TStdDb& text_db, const std::set<int32_t>& descriptions) {
+  TTbTexte texts(text_db);
+  std::unordered_map<int32_t, std::vector<std::string>> lines;
+  const auto records = [&] {
+    std::vector<std::vector<uint8_t>> all;
+    if (descriptions.empty()) return all;
+    if (int result = texts.GetBatch(SharedKeyPrefix(descriptions), '1', all);
+        result != storage::kOk) {
+      Fail(text_db, "die Kurztexte können nicht gelesen werden", result, &texts);
+    }
+    return all;
+  }();
+  for (const std::vector<uint8_t>& record : records) {
+    const t_Texte line = TTbTexte::Of(record);
+    if (line.KzBezug != kShortTextKind || line.IdLang != kEntryTextLanguage ||
+        !descriptions.contains(line.IdBezug)) {
+      continue;
+    }
+    lines[line.IdBezug].push_back(line.Text.Get());
+  }
+  return lines;
+}
+
+// The tables of an LV's entries, each read once in key order: groups, items, their
+// descriptions and short texts.
+class StoredEntries {
+ public:
+  StoredEntries(data::TStdDb& lv_db, data::TStdDb* text_db,
+                const std::vector<std::vector<uint8_t>>& rows)
+      : db_(lv_db) {
+    std::set<int32_t> group_ids;
+    std::set<int32_t> item_ids;
+    for (const std::vector<uint8_t>& record : rows) {
+      const t_Struktur row = TTbStruktur::Of(record);
+      (row.KzBgBeschr == 'B' ? group_ids : item_ids).insert(row.IdBgBeschr);
+    }
+    TTbLvBg groups(lv_db);
+    TTbLvBeschr items(lv_db);
+    const auto entry_id = [](const auto& record) { return record.LvBgBeschr1.ID; };
+    groups_ = RecordsOf(lv_db, groups, group_ids, entry_id, "die Gruppen");
+    items_ = RecordsOf(lv_db, items, item_ids, entry_id, "die Einträge");
+    std::set<int32_t> description_ids;
+    const auto add_description = [&](int32_t description) {
+      if (description != kNullId) description_ids.insert(description);
+    };
+    for (const auto& [id, record] : groups_)
+      add_description(TTbLvBg::Of(record).LvBgBeschr1.IDBeschr);
+    for (const auto& [id, record] : items_)
+      add_description(TTbLvBeschr::Of(record).LvBgBeschr1.IDBeschr);
+    TTbBeschr descriptions(lv_db);
+    descriptions_ = RecordsOf(
+        lv_db, descriptions, description_ids, [](const auto& record) { return record.Id; },
+        "die Beschreibungen");
+    if (text_db != nullptr) short_texts_ = ShortTextsOf(*text_db, description_ids);
+  }
+
+  // The group or item data of a row, its unit and short text into the entry; false when
+  // the group or item record is missing.
+  bool Fill(TLvPos& entry) const {
+    const auto& records = entry.IsGroup() ? groups_ : items_;
+    const auto found = records.find(entry.Struktur.IdBgBeschr);
+    if (found == records.end()) return false;
+    if (entry.IsGroup()) {
+      const t_LVBg_3000 group = TTbLvBg::Of(found->second);
+      entry.DatenHeader = group.Header;
+      entry.LvBgBeschr = group.LvBgBeschr1;
+      entry.LvBg = group.LvBg2;
+    } else {
+      const t_LVBeschr_3000 item = TTbLvBeschr::Of(found->second);
+      entry.DatenHeader = item.Header;
+      entry.LvBgBeschr = item.LvBgBeschr1;
+      entry.LvBeschr = item.LvBeschr2;
+    }
+    const int32_t description = entry.LvBgBeschr.IDBeschr;
+    if (const auto unit = descriptions_.find(description); unit != descriptions_.end())
+      entry.Unit = TTbBeschr::Of(unit->second).Einheit.Get();
+    if (const auto text = short_texts_.find(description); text != short_texts_.end())
+      entry.ShortText = JoinLines(text->second);
+    return true;
+  }
+
+ private:
+  data::TStdDb& db_;
+  std::unordered_map<int32_t, std::vector<uint8_t>> groups_;
+  std::unordered_map<int32_t, std::vector<uint8_t>> items_;
+  std::unordered_map<int32_t, std::vector<uint8_t>> descriptions_;
+  std::unordered_map<int32_t, std::vector<std::string>> short_texts_;
+};
+
+}  // namespace
+
 TLVPosList LoadLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, int32_t lv_id,
                          bool long_texts) {
   TTbLV headers(lv_db);
@@ -332,30 +441,18 @@ TLVPosList LoadLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, int32_t lv_
     Fail(lv_db, "die Einträge des LV " + std::to_string(lv_id) + " können nicht gelesen werden",
          result, &rows);
   }
-  TTbLvBg groups(lv_db);
-  TTbLvBeschr items(lv_db);
-  TTbBeschr descriptions(lv_db);
-  std::optional<TTbTexte> short_texts;
+  const StoredEntries stored(lv_db, text_db, records);
   std::optional<TLongTextStore> long_text_store;
-  if (text_db != nullptr) {
-    short_texts.emplace(*text_db);
-    if (long_texts) long_text_store.emplace(*text_db);
-  }
+  if (text_db != nullptr && long_texts) long_text_store.emplace(*text_db);
   list.Entries().reserve(records.size());
   for (const std::vector<uint8_t>& record : records) {
     TLvPos entry;
     entry.Struktur = TTbStruktur::Of(record);
-    if (!ReadEntryData(groups, items, entry)) {
+    if (!stored.Fill(entry)) {
       Fail(lv_db, RowName(entry.Struktur) + ": " +
                       (entry.IsGroup() ? "die Gruppe" : "der Eintrag") + " fehlt");
     }
     const int32_t description = entry.LvBgBeschr.IDBeschr;
-    if (description != kNullId && descriptions.GetKey(KeyNumber(description), '1'))
-      entry.Unit = descriptions.Rec().Einheit.Get();
-    if (short_texts && description != kNullId) {
-      entry.ShortText =
-          JoinLines(short_texts->ReadLines(description, kShortTextKind, kEntryTextLanguage));
-    }
     if (long_text_store && description != kNullId) {
       entry.LongText =
           long_text_store->Read(description, kLongTextKind, kEntryTextLanguage).rich_text;

@@ -1,14 +1,18 @@
 // Random edit sequences (add, move, remove, renumber) on random LVs under random masks:
 // after every renumbering the numbers fit the mask, are unique, begin with their group's
-// number and grow among siblings; a second renumbering changes nothing.
+// number and grow among siblings; a second renumbering changes nothing. Saved and loaded
+// again, an edited LV keeps its tree.
 #include <gtest/gtest.h>
 
 #include <map>
 #include <random>
 #include <set>
 
+#include "../lv/lv_test_support.h"
 #include "../oz/oz_test_support.h"
+#include "boq/lv/project_lvs.h"
 #include "boq/model/lv_editing.h"
+#include "boq/model/lv_pos_list_io.h"
 #include "boq/oz/oz_format.h"
 
 namespace korvan::boq {
@@ -81,6 +85,39 @@ int RandomParent(std::mt19937& random, const TLVPosList& list, int group_levels,
   return candidates[random() % candidates.size()];
 }
 
+// One random edit: add a group or an item (with texts), remove, move, or renumber (true).
+bool RandomEdit(std::mt19937& random, TLVPosList& list, int group_levels) {
+  const int action = static_cast<int>(random() % 10);
+  if (action < 3 || list.Count() == 0) {
+    const int parent = random() % 3 == 0 ? -1 : RandomParent(random, list, group_levels, false);
+    const int added = AddEntry(list, NewLvPos('B'),
+                               parent < 0 ? TLvPlace{} : TLvPlace{TLvPlace::Kind::kUnder, parent});
+    list[added].ShortText = "Gruppe " + std::to_string(list.Count());
+  } else if (action < 6) {
+    const int parent = RandomParent(random, list, group_levels, true);
+    if (parent < 0) return false;
+    const int added = AddEntry(list, NewLvPos('P'), {TLvPlace::Kind::kUnder, parent});
+    list[added].ShortText = "Position " + std::to_string(list.Count()) + "\nzweite Zeile";
+    list[added].Unit = list.Count() % 2 == 0 ? "m2" : "Stk";
+    list[added].UnitChanged = true;
+    list[added].LvBeschr.FMenge = list.Count() * 1.5;
+  } else if (action < 7) {
+    RemoveEntry(list, static_cast<int>(random() % list.Count()));
+  } else if (action < 8) {
+    // An item behind another item, a group behind a group of the same depth.
+    const Shape shape = ShapeOf(list);
+    const int from = static_cast<int>(random() % list.Count());
+    const int to = static_cast<int>(random() % list.Count());
+    const bool same_kind = list[from].IsGroup() == list[to].IsGroup();
+    if (same_kind && (!list[from].IsGroup() || shape.depth[from] == shape.depth[to])) {
+      MoveEntry(list, from, to);
+    }
+  } else {
+    return true;
+  }
+  return false;
+}
+
 TEST(LvEditProperty, RandomEditSequencesKeepTheNumberingWhole) {
   for (unsigned seed = 1; seed <= 60; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -89,26 +126,7 @@ TEST(LvEditProperty, RandomEditSequencesKeepTheNumberingWhole) {
     const std::string mask = MaskOf(group_levels);
     TLVPosList list(testing::NumberedLvHeader(mask, {1, 1, 1, 1}));
     for (int step = 0; step < 60; ++step) {
-      const int action = static_cast<int>(random() % 10);
-      if (action < 3 || list.Count() == 0) {
-        const int parent = random() % 3 == 0 ? -1 : RandomParent(random, list, group_levels, false);
-        AddEntry(list, NewLvPos('B'),
-                 parent < 0 ? TLvPlace{} : TLvPlace{TLvPlace::Kind::kUnder, parent});
-      } else if (action < 6) {
-        const int parent = RandomParent(random, list, group_levels, true);
-        if (parent >= 0) AddEntry(list, NewLvPos('P'), {TLvPlace::Kind::kUnder, parent});
-      } else if (action < 7) {
-        RemoveEntry(list, static_cast<int>(random() % list.Count()));
-      } else if (action < 8) {
-        // An item behind another item, a group behind a group of the same depth.
-        const Shape shape = ShapeOf(list);
-        const int from = static_cast<int>(random() % list.Count());
-        const int to = static_cast<int>(random() % list.Count());
-        const bool same_kind = list[from].IsGroup() == list[to].IsGroup();
-        if (same_kind && (!list[from].IsGroup() || shape.depth[from] == shape.depth[to])) {
-          MoveEntry(list, from, to);
-        }
-      } else {
+      if (RandomEdit(random, list, group_levels)) {
         RenumberLv(list);
         ExpectWellNumbered(list, mask);
         const std::vector<std::string> once = testing::OzsOf(list);
@@ -116,6 +134,50 @@ TEST(LvEditProperty, RandomEditSequencesKeepTheNumberingWhole) {
         EXPECT_EQ(testing::OzsOf(list), once);
       }
       if (::testing::Test::HasFailure()) return;
+    }
+  }
+}
+
+// The tree as a round trip through the databases must keep it: per entry its kind, OZ,
+// parent, short text, unit and quantity.
+std::vector<std::string> TreeOf(const TLVPosList& list) {
+  const Shape shape = ShapeOf(list);
+  std::vector<std::string> tree;
+  for (int i = 0; i < list.Count(); ++i) {
+    tree.push_back(std::string(1, list[i].Kind()) + " " + std::string(list[i].Oz()) + " under " +
+                   std::to_string(shape.parent[i]) + " \"" + list[i].ShortText + "\" " +
+                   list[i].Unit + " " + std::to_string(list[i].LvBeschr.FMenge));
+  }
+  return tree;
+}
+
+class LvEditRoundTrip : public testing::LvDbTest {
+ protected:
+  void SetUp() override {
+    LvDbTest::SetUp();
+    CreateTexts();
+  }
+};
+
+// Two LVs edited in turns, so that their entries, descriptions and texts lie mixed in the
+// tables a load reads.
+TEST_F(LvEditRoundTrip, LoadSaveLoadAfterRandomEditsGivesTheSameTree) {
+  const std::vector<std::pair<int32_t, int>> lvs = {{CreateLv(*db_, {"Rohbau", MaskOf(2)}), 2},
+                                                    {CreateLv(*db_, {"Dach", MaskOf(1)}), 1}};
+  std::mt19937 random(7);
+  for (int round = 0; round < 8; ++round) {
+    for (const auto& [lv, group_levels] : lvs) {
+      SCOPED_TRACE("round " + std::to_string(round) + ", LV " + std::to_string(lv));
+      TLVPosList list = LoadLvPosList(*db_, texts_.get(), lv);
+      for (int step = 0; step < 12; ++step) {
+        if (RandomEdit(random, list, group_levels)) RenumberLv(list);
+      }
+      RenumberLv(list);
+      SaveLvPosList(*db_, texts_.get(), list);
+      TLVPosList loaded = LoadLvPosList(*db_, texts_.get(), lv);
+      ASSERT_EQ(TreeOf(loaded), TreeOf(list));
+      SaveLvPosList(*db_, texts_.get(), loaded);
+      ASSERT_EQ(TreeOf(LoadLvPosList(*db_, texts_.get(), lv)), TreeOf(list));
     }
   }
 }
