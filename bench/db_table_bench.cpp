@@ -35,10 +35,11 @@
 // Environment: KORVAN_BENCH_RECORDS (default 20000), KORVAN_BENCH_CHANGES (default 4000
 // durable updates and as many deletes), KORVAN_BENCH_ROUNDS (default 7),
 // KORVAN_BENCH_CACHE_BLOCKS (default 1000), KORVAN_BENCH_DIR (default /tmp),
-// KORVAN_BENCH_JOURNAL (default WAL), KORVAN_BENCH_KEY_SYNC=0 leaves out "kernel+keys",
-// KORVAN_BENCH_ENGINES (e.g. "sqlite": only the engines named) and KORVAN_BENCH_LAST_PHASE
-// (insert, lookup, walk, update or delete: the phases after it are skipped) for counting
-// system calls per phase with strace.
+// KORVAN_BENCH_JOURNAL (default WAL), KORVAN_BENCH_WALK_BATCH (default 0: a walk reads all
+// its records as one batch; 256: as the table layer's read-ahead), KORVAN_BENCH_KEY_SYNC=0 leaves
+// out "kernel+keys", KORVAN_BENCH_ENGINES (e.g. "sqlite": only the engines named) and
+// KORVAN_BENCH_LAST_PHASE (insert, lookup, walk, update or delete: the phases after it are skipped)
+// for counting system calls per phase with strace.
 #include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/vfs.h>
@@ -75,7 +76,6 @@ constexpr int kNameLength = 16;
 constexpr int kPayloadSize = kRecordSize - kRecordHeaderSize - 4 - kNameLength;
 constexpr int kSyncWritesPerRound = 200;
 constexpr char kTableType = 'T';
-constexpr size_t kWalkBatch = 256;  // the table layer's largest read-ahead
 constexpr uint32_t kBenchUser = 4711;
 
 int EnvCount(const char* name, int fallback) {
@@ -169,6 +169,13 @@ class Table {
   virtual void EndBatch() = 0;
 };
 
+// Records a walk reads at once: 256 as a walk step of the table layer reads ahead at
+// most, 0 the whole walk as one batch (as the table layer's GetBatch).
+size_t WalkBatch() {
+  static const size_t batch = static_cast<size_t>(EnvCount("KORVAN_BENCH_WALK_BATCH", 0));
+  return batch;
+}
+
 std::string Locking() {
   return EnvText("KORVAN_BENCH_LOCKING", "operation");
 }
@@ -250,7 +257,7 @@ class KernelTable : public Table {
     for (int rc = iDK_KeyFirstMatch(handle_, entry, &position); rc == 0 && entry.key[0] == 'S';
          rc = iDK_KeyNext(handle_, entry, &position)) {
       positions.push_back(static_cast<int32_t>(position));
-      if (positions.size() == kWalkBatch) read();
+      if (positions.size() == WalkBatch()) read();
     }
     read();
     return count;
