@@ -83,44 +83,17 @@ int64_t RecordPosition(const std::string& stamm, char letter, int nth) {
 }
 
 // A list that cannot show every record of its table says so and where the damage is,
-// instead of showing a shorter list.
+// instead of showing a shorter list. (Which damage the walk finds is the data layer's.)
 TEST_F(ListEditUndo, ListOfADamagedTableReportsTheDamageAndExitsWithOne) {
   const fs::path data_file = stamm_ + "0";
-  const fs::path key_file = stamm_ + "1";
   const std::string data = ReadFile(data_file);
-  const std::string keys = ReadFile(key_file);
   const int64_t second = RecordPosition(stamm_, 'W', 2);
-  struct Case {
-    const char* name;
-    int64_t offset;  // into the data file; -1: the key file is cut short
-    std::string bytes;
-    std::vector<std::string> named;
-  };
-  const Case cases[] = {
-      {"record with a foreign type letter",
-       second + 4,
-       "X",
-       {"Position " + std::to_string(second), data_file.string(), "beschädigt"}},
-      {"record with a length that fits no record",
-       second,
-       std::string("\x05\0\0\0", 4),
-       {"Position " + std::to_string(second), data_file.string(), "beschädigt"}},
-      {"key file cut short", -1, "", {key_file.string(), "beschädigt"}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    if (c.offset < 0) {
-      WriteFile(key_file, keys.substr(0, 2048));
-    } else {
-      testing::PatchFile(data_file, c.offset, c.bytes);
-    }
-    std::vector<std::string> named = c.named;
-    named.insert(named.end(), {"DB_Stamm", "korvan rebuild"});
-    const ProgramResult listed = Korvan({"list", "waehrung"}, 1, named);
-    EXPECT_TRUE(listed.out.empty()) << listed.out;
-    WriteFile(data_file, data);
-    WriteFile(key_file, keys);
-  }
+  testing::PatchFile(data_file, second + 4, "X");
+  const ProgramResult listed = Korvan({"list", "waehrung"}, 1,
+                                      {"Position " + std::to_string(second), data_file.string(),
+                                       "beschädigt", "DB_Stamm", "korvan rebuild"});
+  EXPECT_TRUE(listed.out.empty()) << listed.out;
+  WriteFile(data_file, data);
   Korvan({"list", "waehrung"}, 0, {"Schweizer Franken"});
 }
 
@@ -187,15 +160,6 @@ TEST_F(ListEditUndo, ADamagedJournalIsReportedAndSetAsideByTheNextEdit) {
   Korvan({"undo"});
   EXPECT_EQ(DumpCurrencies(), before);
   Korvan({"undo"}, 1);  // the damaged steps are gone
-  fs::remove(redo_file_);
-
-  // --list and redo report a damaged journal too.
-  WriteFile(undo_file_, header);
-  Korvan({"undo", "--list"}, 1, {"ist beschädigt"});
-  Korvan({"redo"}, 1, {"ist beschädigt"});
-  // An empty file is an empty journal (a crash right after creating it leaves one).
-  WriteFile(undo_file_, {});
-  Korvan({"undo"}, 1, {"Es gibt nichts rückgängig zu machen"});
   // A damaged redo file is named as such; --clear deletes damaged files without reading.
   WriteFile(redo_file_, header);
   Korvan({"redo"}, 1, {"REDO.QUJ"});

@@ -2,8 +2,6 @@
 // in, waits for the other as long as the configured LOCK_TIMEOUT, and then either goes
 // ahead or refuses saying who is in the way. Nothing a command acknowledged is lost.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -18,6 +16,7 @@
 #include "data/db/control_list.h"
 #include "data/tables/std_db.h"
 #include "storage/result_codes.h"
+#include "testing/child_process.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 
@@ -42,39 +41,7 @@ std::string RowLine(const std::string& listing, int row) {
   return {};
 }
 
-// A korvan run in the background; its result once it has ended.
-class Background {
- public:
-  explicit Background(const std::vector<std::string>& args) : args_(args) {
-    pid_ = testing::StartKorvanBinary(args, io_);
-  }
-  ~Background() {
-    if (pid_ > 0) Finish();
-  }
-  Background(const Background&) = delete;
-  Background& operator=(const Background&) = delete;
-
-  ProgramResult Finish() {
-    int status = 0;
-    waitpid(pid_, &status, 0);
-    pid_ = 0;
-    ProgramResult result;
-    result.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    result.out = ReadFile(io_.File("out"));
-    result.err = ReadFile(io_.File("err"));
-    return result;
-  }
-  std::string Name() const {
-    std::string name;
-    for (const std::string& arg : args_) name += arg + " ";
-    return name;
-  }
-
- private:
-  std::vector<std::string> args_;
-  korvan::testing::TempDir io_;
-  pid_t pid_ = 0;
-};
+using Background = testing::KorvanInBackground;
 
 class SharedDirectory : public ::testing::Test {
  protected:
@@ -160,24 +127,15 @@ TEST_F(SharedDirectory, RebuildAndReorgWaitForOtherUsersThenRefuseNamingThem) {
 
 // A user whose program was killed never signed off; the entry must not block anybody.
 TEST_F(SharedDirectory, TheEntryOfAKilledUserDoesNotBlock) {
-  int ready[2];
-  ASSERT_EQ(pipe(ready), 0);
-  const pid_t killed = fork();
-  ASSERT_GE(killed, 0);
-  if (killed == 0) {
-    data::TControlList list(stamm_dir_);
-    const char signed_in = list.Open({"Weg", "buero-4"}, true) ? 'y' : 'n';
-    if (write(ready[1], &signed_in, 1) != 1) _exit(1);
-    pause();
-    _exit(0);
-  }
-  char signed_in = 0;
-  ASSERT_EQ(read(ready[0], &signed_in, 1), 1);
-  ASSERT_EQ(signed_in, 'y');
-  kill(killed, SIGKILL);
-  waitpid(killed, nullptr, 0);
-  close(ready[0]);
-  close(ready[1]);
+  {
+    testing::ChildProcess killed([&](const testing::Channel& parent) {
+      data::TControlList list(stamm_dir_);
+      parent.Send(list.Open({"Weg", "buero-4"}, true) ? 'y' : 'n');
+      for (;;) pause();
+      return 0;
+    });
+    ASSERT_EQ(killed.Receive(), 'y');
+  }  // killed: its process ends without signing off
   ASSERT_TRUE(Contains(ReadFile(stamm_dir_ + data::kControlFileName), "Weg"));
 
   const int row = ListRowOf(Currencies(), "Schweizer Franken");

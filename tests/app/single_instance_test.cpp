@@ -2,7 +2,6 @@
 
 #include <signal.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -31,55 +30,7 @@ using korvan::testing::Contains;
 using korvan::testing::ExpectKorvan;
 using korvan::testing::TempDir;
 
-constexpr auto kPollInterval = 5ms;
-constexpr auto kProcessLimit = 20s;
-
-// The korvan binary running in the background, its output going to files.
-class KorvanProcess {
- public:
-  explicit KorvanProcess(const std::vector<std::string>& args)
-      : pid_(korvan::testing::StartKorvanBinary(args, io_)) {}
-  ~KorvanProcess() {
-    if (!exit_code_) {
-      kill(pid_, SIGKILL);
-      waitpid(pid_, nullptr, 0);
-    }
-  }
-
-  std::string Out() const { return korvan::testing::ReadFile(io_.File("out")); }
-  std::string Err() const { return korvan::testing::ReadFile(io_.File("err")); }
-
-  // True as soon as the output holds `text`; false when the limit passes first or the
-  // process ends without writing it.
-  bool WaitForOutput(const std::string& text) {
-    WaitUntil([&] { return Contains(Out(), text) || Exited(); });
-    return Contains(Out(), text);
-  }
-  // The exit code, or nullopt when the process still runs after the limit.
-  std::optional<int> WaitForExit() {
-    WaitUntil([&] { return Exited(); });
-    return exit_code_;
-  }
-  void Signal(int signal) { kill(pid_, signal); }
-
- private:
-  template <typename Done>
-  static void WaitUntil(Done done) {
-    const auto deadline = Clock::now() + kProcessLimit;
-    while (!done() && Clock::now() < deadline) std::this_thread::sleep_for(kPollInterval);
-  }
-  bool Exited() {
-    if (exit_code_) return true;
-    int status = 0;
-    if (waitpid(pid_, &status, WNOHANG) != pid_) return false;
-    exit_code_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return true;
-  }
-
-  TempDir io_;
-  pid_t pid_ = -1;
-  std::optional<int> exit_code_;
-};
+using KorvanProcess = korvan::testing::KorvanInBackground;
 
 constexpr const char* kRunning = "Korvan läuft";
 
@@ -104,7 +55,7 @@ TEST(SingleInstance, SecondStartHandsItsParametersToTheRunningInstance) {
   EXPECT_FALSE(fs::exists(runtime.path() / kQParamsFileName));
   EXPECT_FALSE(Contains(skipping.Out(), "Parameterübergabe"));
   skipping.Signal(SIGTERM);
-  EXPECT_EQ(skipping.WaitForExit(), 0) << skipping.Err();
+  EXPECT_EQ(skipping.Finish(20s).exit_code, 0) << skipping.Err();
 
   // A hung instance: the hand-over times out and is withdrawn.
   first.Signal(SIGSTOP);
@@ -123,7 +74,7 @@ TEST(SingleInstance, SecondStartHandsItsParametersToTheRunningInstance) {
 
   // A hand-over asking for the end stops the running instance.
   ExpectKorvan({"serve", "-d", base, "--stop"}, 0);
-  EXPECT_EQ(first.WaitForExit(), 0) << first.Err();
+  EXPECT_EQ(first.Finish(20s).exit_code, 0) << first.Err();
   EXPECT_TRUE(Contains(first.Out(), "--stop"));
   EXPECT_TRUE(Contains(first.Out(), "Korvan beendet."));
   // With no instance left, a stop request starts nothing.

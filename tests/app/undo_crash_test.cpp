@@ -71,10 +71,6 @@ class UndoCrash : public ::testing::Test {
     // Step "A": the Swiss franc's factor; it stays below every step the tests kill.
     ExpectKorvanOn(base_, {"edit", "waehrung", kDemoFrancRow, "Faktor=0,97"});
   }
-  // Step "B": the pound from 0,85 to 1,11.
-  void EditPound(const fs::path& base) {
-    ExpectKorvanOn(base, {"edit", "waehrung", kDemoPoundRow, "Faktor=1,11"}, 0);
-  }
   // A copy of the installation as it is now, for one killed run.
   fs::path Copy(int run) {
     const fs::path copy = dir_.path() / ("run" + std::to_string(run));
@@ -133,20 +129,23 @@ class UndoCrash : public ::testing::Test {
   fs::path base_ = dir_.path() / "base";
 };
 
-TEST_F(UndoCrash, AKilledEditLeavesItsStepWholeOrNotAtAll) {
-  KillAtEveryWrite({"edit", "waehrung", kDemoPoundRow, "Faktor=1,11"}, {1, 0, "0,85"},
-                   {2, 0, "1,11"});
-}
-
-TEST_F(UndoCrash, AKilledUndoLeavesItsStepMovedWholeOrNotAtAll) {
-  EditPound(base_);
-  KillAtEveryWrite({"undo"}, {2, 0, "1,11"}, {1, 1, "0,85"});
-}
-
-TEST_F(UndoCrash, AKilledRedoLeavesItsStepMovedWholeOrNotAtAll) {
-  EditPound(base_);
-  ExpectKorvanOn(base_, {"undo"});
-  KillAtEveryWrite({"redo"}, {1, 1, "0,85"}, {2, 0, "1,11"});
+// Steps on the stacks (undo, redo) and the pound before and after each command.
+TEST_F(UndoCrash, AKilledEditUndoOrRedoLeavesItsStepWholeOrNotAtAll) {
+  struct Case {
+    std::vector<std::string> command;
+    JournalState before, after;
+  };
+  const Case cases[] = {
+      {{"edit", "waehrung", kDemoPoundRow, "Faktor=1,11"}, {1, 0, "0,85"}, {2, 0, "1,11"}},
+      {{"undo"}, {2, 0, "1,11"}, {1, 1, "0,85"}},
+      {{"redo"}, {1, 1, "0,85"}, {2, 0, "1,11"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.command.front());
+    KillAtEveryWrite(c.command, c.before, c.after);
+    // The command done for real brings the installation to where the next one begins.
+    ExpectKorvanOn(base_, c.command);
+  }
 }
 
 // The records of the whole installation as `korvan info` counts them.

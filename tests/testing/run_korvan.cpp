@@ -1,6 +1,7 @@
 #include "testing/run_korvan.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -35,27 +36,50 @@ namespace {
 }
 }  // namespace
 
-pid_t StartKorvanBinary(const std::vector<std::string>& args, const TempDir& io,
-                        const std::string& input) {
+KorvanInBackground::KorvanInBackground(const std::vector<std::string>& args,
+                                       const std::string& input) {
   const char* binary = std::getenv("KORVAN_BINARY");
   if (binary == nullptr) throw std::runtime_error("KORVAN_BINARY is not set (run through ctest)");
-  std::ofstream(io.File("in"), std::ios::binary) << input;
-  pid_t pid = fork();
-  if (pid < 0) throw std::runtime_error("fork failed");
-  if (pid == 0) ExecChild(binary, args, io);
-  return pid;
+  std::ofstream(io_.File("in"), std::ios::binary) << input;
+  pid_ = fork();
+  if (pid_ < 0) throw std::runtime_error("fork failed");
+  if (pid_ == 0) ExecChild(binary, args, io_);
+}
+
+KorvanInBackground::~KorvanInBackground() {
+  if (Ended()) return;
+  kill(pid_, SIGKILL);
+  waitpid(pid_, nullptr, 0);
+}
+
+bool KorvanInBackground::Ended() {
+  if (exit_code_) return true;
+  int status = 0;
+  if (waitpid(pid_, &status, WNOHANG) != pid_) return false;
+  exit_code_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  return true;
+}
+
+ProgramResult KorvanInBackground::Finish(std::chrono::milliseconds limit) {
+  const auto deadline = std::chrono::steady_clock::now() + limit;
+  while (!Ended() && std::chrono::steady_clock::now() < deadline) usleep(2000);
+  return {exit_code_.value_or(-1), Out(), Err()};
+}
+
+bool KorvanInBackground::WaitForOutput(const std::string& text, std::chrono::milliseconds limit) {
+  const auto deadline = std::chrono::steady_clock::now() + limit;
+  while (!Contains(Out(), text) && !Ended() && std::chrono::steady_clock::now() < deadline) {
+    usleep(5000);
+  }
+  return Contains(Out(), text);
+}
+
+void KorvanInBackground::Signal(int signal) const {
+  kill(pid_, signal);
 }
 
 ProgramResult RunKorvanBinary(const std::vector<std::string>& args, const std::string& input) {
-  TempDir io;
-  const pid_t pid = StartKorvanBinary(args, io, input);
-  int status = 0;
-  waitpid(pid, &status, 0);
-  ProgramResult result;
-  result.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  result.out = ReadFile(io.File("out"));
-  result.err = ReadFile(io.File("err"));
-  return result;
+  return KorvanInBackground(args, input).Finish();
 }
 
 bool Crashed(const ProgramResult& result) {

@@ -2,13 +2,16 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "testing/files.h"
+#include "testing/temp_dir.h"
 
 namespace korvan::testing {
 
@@ -23,12 +26,32 @@ struct ProgramResult {
 // with the given arguments and optional standard input.
 ProgramResult RunKorvanBinary(const std::vector<std::string>& args, const std::string& input = "");
 
-class TempDir;
+// The korvan binary running in the background, its output going to files; killed when
+// it still runs as the object goes.
+class KorvanInBackground {
+ public:
+  explicit KorvanInBackground(const std::vector<std::string>& args, const std::string& input = "");
+  ~KorvanInBackground();
+  KorvanInBackground(const KorvanInBackground&) = delete;
+  KorvanInBackground& operator=(const KorvanInBackground&) = delete;
 
-// Starts the korvan binary in the background, its standard output and error going to the
-// files "out" and "err" of `io`; returns its process id.
-pid_t StartKorvanBinary(const std::vector<std::string>& args, const TempDir& io,
-                        const std::string& input = "");
+  std::string Out() const { return ReadFile(io_.File("out")); }
+  std::string Err() const { return ReadFile(io_.File("err")); }
+  // Waits for the end, at most `limit`; exit code -1 while it still runs.
+  ProgramResult Finish(std::chrono::milliseconds limit = std::chrono::hours(1));
+  // True as soon as the output holds `text`; false when the limit passes first or the
+  // program ends without writing it.
+  bool WaitForOutput(const std::string& text,
+                     std::chrono::milliseconds limit = std::chrono::seconds(20));
+  void Signal(int signal) const;
+
+ private:
+  bool Ended();
+
+  TempDir io_;
+  pid_t pid_ = -1;
+  std::optional<int> exit_code_;
+};
 
 // Whether a program's output contains `part`.
 inline bool Contains(const std::string& text, const std::string& part) {
