@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "app/program/program_tables.h"
 #include "boq/text/long_text_store.h"
@@ -22,9 +24,20 @@ namespace fs = std::filesystem;
 using testing::ExpectKorvan;
 using testing::ProgramResult;
 
-TEST(CurrencyCommand, ConvertsTheProjectAndAppendsToItsProtocol) {
+TEST(CurrencyCommand, RefusesWhatItDoesNotKnowThenConvertsAndAppendsToTheProtocol) {
   testing::TempDir dir;
   const fs::path base = testing::MakeInstallation(dir, "demo");
+  for (const auto& [args, exit_code, named] :
+       std::vector<std::tuple<std::vector<std::string>, int, std::string>>{
+           {{"XYZ"}, 1, "Währung \"XYZ\" steht nicht in der Währungstabelle (bekannt: "},
+           {{"--von", "ABC", "EUR"}, 1, "\"ABC\""},
+           {{"--project", "Fehlt", "EUR"}, 1, "PROJEKTE/Fehlt/ gibt es nicht"},
+           {{"--project", "a/b", "EUR"}, 2, ""}}) {
+    std::vector<std::string> call = {"currency", "convert", "-d", base.string()};
+    call.insert(call.end(), args.begin(), args.end());
+    ExpectKorvan(call, exit_code, {named});
+  }
+  EXPECT_FALSE(fs::exists(base / "PROJEKTE/Beispiel/WaeKonv.LOG"));
   const ProgramResult run = ExpectKorvan(
       {"currency", "convert", "-d", base.string(), "--von", "CHF", "EUR"}, 0,
       {"Währungskonvertierung CHF nach EUR: 0 Datensätze, 0 Beträge in ", "Protokoll: "});
@@ -51,18 +64,6 @@ TEST(CurrencyCommand, ConvertsTheAmountsOfTheProjectsLvsAsOneUndoStep) {
   ExpectKorvan({"undo", "-d", base.string()}, 0,
                {"Rückgängig gemacht: Währungskonvertierung EUR nach CHF"});
   ExpectKorvan({"db", "dump", lv_db, "--table", "K"}, 0, {"Summe: 0 [-1]\n"});
-}
-
-TEST(CurrencyCommand, RefusesUnknownCurrenciesAndProjects) {
-  testing::TempDir dir;
-  const fs::path base = testing::MakeInstallation(dir, "demo");
-  ExpectKorvan({"currency", "convert", "-d", base.string(), "XYZ"}, 1,
-               {"Währung \"XYZ\" steht nicht in der Währungstabelle (bekannt: "});
-  ExpectKorvan({"currency", "convert", "-d", base.string(), "--von", "ABC", "EUR"}, 1, {"\"ABC\""});
-  ExpectKorvan({"currency", "convert", "-d", base.string(), "--project", "Fehlt", "EUR"}, 1,
-               {"PROJEKTE/Fehlt/ gibt es nicht"});
-  ExpectKorvan({"currency", "convert", "-d", base.string(), "--project", "a/b", "EUR"}, 2);
-  EXPECT_FALSE(fs::exists(base / "PROJEKTE/Beispiel/WaeKonv.LOG"));
 }
 
 TEST(CurrencyCommand, AnEmptyCurrencyTableIsNamed) {
