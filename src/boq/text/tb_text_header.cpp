@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "boq/lv/lv_table_types.h"
 #include "boq/text/tb_text_erg_header.h"
 #include "boq/text/tb_textzeile.h"
 #include "data/common/message_format.h"
@@ -109,6 +110,12 @@ void TTbTextHeader::DoValidateRecord(TDataCheck& check) {
   check.CheckItemForCharSelector("KzBezug", Rec().KzBezug, Rec().KzBezug, kKinds, kKindsExplained,
                                  data::TRepair::kClarify);
   check.CheckItemForCharSelector("RandUnit", Rec().RandUnit, 'Z', "MZ", "M=mm x 100, Z=Zeichen");
+  // The short and long texts of a description whose description is gone are reported, not
+  // deleted: the text may be all that is left of an entry lost to damage.
+  if (Rec().KzBezug == 'K' || Rec().KzBezug == 'L') {
+    check.CheckItemForElementAsPrimaryKeyInTable("IdBezug", Rec().IdBezug, kNullId, kLvDbType,
+                                                 kBeschrTableType, data::TRepair::kClarify);
+  }
 }
 
 }  // namespace korvan::boq

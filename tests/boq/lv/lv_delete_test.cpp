@@ -191,6 +191,15 @@ TEST_F(LvTextsTest, DeletingAnLvDeletesItsTextsAndThoseOfItsDescriptions) {
   EXPECT_EQ(TextRecords(), kept_texts);
 }
 
+// A long text whose description is gone (lost to damage, say) is reported, never deleted.
+TEST_F(LvTextsTest, ALongTextWithoutItsDescriptionIsReportedAndKept) {
+  ASSERT_EQ(TLongTextStore(*texts_).Store(9999, 'L', 49, "Waise", {}), 0);
+  std::string log;
+  EXPECT_EQ(Check(false, &log), 1) << log;
+  EXPECT_NE(log.find("ForeignKey: IdBezug=9999 nicht vorhanden in"), std::string::npos) << log;
+  EXPECT_EQ(TLongTextStore(*texts_).Read(9999, 'L', 49).rich_text, "Waise");
+}
+
 TEST_F(LvDeleteTest, AnLvWithoutBimFolderOrEntriesIsDeletedAlike) {
   const int32_t lv = NewLv("Leer");
   EXPECT_NO_THROW(DeleteLv(*db_, lv));

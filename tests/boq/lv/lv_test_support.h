@@ -132,6 +132,7 @@ class LvDbTest : public ::testing::Test {
     data::TDataIntegrity run(LvTables());
     run.SetOnlyTest(only_test);
     run.Add(*db_);
+    if (texts_) run.Add(*texts_);
     const int problems = run.Execute();
     if (log != nullptr) {
       std::ostringstream text;
