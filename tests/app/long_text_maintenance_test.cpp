@@ -47,11 +47,15 @@ TEST(LongTextMaintenance, CheckAndRebuildKeepLongTextsWhole) {
   testing::TempDir dir;
   const fs::path base = testing::MakeInstallation(dir, "init");
   const size_t lengths[] = {0, 10, 3000, 70000};
+  // The texts are the comments of four LVs (kind "C"), so that every text has its owner.
+  for (int lv = 1; lv <= 4; ++lv) {
+    ExpectKorvan({"lv", "new", "LV " + std::to_string(lv), "-d", base.string()}, 0);
+  }
   {
     ProjectTexts texts(base);
     boq::TLongTextStore store = texts.Store();
     for (int32_t owner = 1; owner <= 4; ++owner) {
-      ASSERT_EQ(store.Store(owner, 'L', 49, TextOfLength(lengths[owner - 1]), {}), 0);
+      ASSERT_EQ(store.Store(owner, 'C', 49, TextOfLength(lengths[owner - 1]), {}), 0);
     }
   }
   ExpectKorvan({"check", "-d", base.string()}, 0, {" 0 Problem(e)"});
@@ -60,7 +64,7 @@ TEST(LongTextMaintenance, CheckAndRebuildKeepLongTextsWhole) {
   ProjectTexts texts(base);
   boq::TLongTextStore store = texts.Store();
   for (int32_t owner = 1; owner <= 4; ++owner) {
-    EXPECT_EQ(store.Read(owner, 'L', 49).rich_text, TextOfLength(lengths[owner - 1])) << owner;
+    EXPECT_EQ(store.Read(owner, 'C', 49).rich_text, TextOfLength(lengths[owner - 1])) << owner;
   }
 }
 
