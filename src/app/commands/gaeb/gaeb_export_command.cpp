@@ -1,7 +1,6 @@
 #include "app/commands/gaeb/gaeb_export_command.h"
 
 #include <filesystem>
-#include <map>
 #include <ostream>
 
 #include <CLI/CLI.hpp>
@@ -9,6 +8,7 @@
 #include "app/cli/command_error.h"
 #include "app/cli/json_text.h"
 #include "app/cli/progress_line.h"
+#include "app/commands/gaeb/gaeb_price_option.h"
 #include "app/commands/lv/lv_project.h"
 #include "app/program/data_dir.h"
 #include "exchange/gaeb/gaeb_file_name.h"
@@ -16,16 +16,6 @@
 
 namespace korvan::app {
 namespace {
-
-using exchange::TUPKind;
-
-const std::map<std::string, TUPKind>& PriceKinds() {
-  static const std::map<std::string, TUPKind> kinds = {{"estimate", TUPKind::upkSchaetz},
-                                                       {"award", TUPKind::upkVergabe},
-                                                       {"bid", TUPKind::upkAngebot},
-                                                       {"billing", TUPKind::upkAbrechnung}};
-  return kinds;
-}
 
 // Progress is worth showing only for LVs that take a moment.
 constexpr int kProgressFromEntries = 2000;
@@ -64,15 +54,12 @@ exchange::TGaebExportOptions GaebExportCommand::Options() const {
   if (!format) throw UsageError("--version " + version_ + ": erwartet 3.1, 3.2 oder 3.3");
   options.format = *format;
   if (!prices_.empty()) {
-    const auto kind = PriceKinds().find(prices_);
-    if (kind == PriceKinds().end()) {
-      throw UsageError("--prices " + prices_ + ": erwartet estimate, award, bid oder billing");
-    }
+    const exchange::TUPKind kind = PriceKindOption(prices_);
     if (!exchange::PhaseCarriesPrices(phase_)) {
       throw UsageError("--prices: die Phase " + exchange::PhaseCaption(phase_) +
                        " enthält keine Preise");
     }
-    options.price_kind = kind->second;
+    options.price_kind = kind;
   }
   options.long_text = !short_texts_only_;
   options.multiline_short_text = multiline_short_text_;

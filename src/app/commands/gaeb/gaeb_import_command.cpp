@@ -1,7 +1,6 @@
 #include "app/commands/gaeb/gaeb_import_command.h"
 
 #include <filesystem>
-#include <map>
 #include <ostream>
 
 #include <CLI/CLI.hpp>
@@ -9,6 +8,7 @@
 #include "app/cli/command_error.h"
 #include "app/cli/json_text.h"
 #include "app/cli/progress_line.h"
+#include "app/commands/gaeb/gaeb_price_option.h"
 #include "app/commands/lv/lv_project.h"
 #include "app/program/data_dir.h"
 #include "boq/lv/project_lvs.h"
@@ -19,20 +19,11 @@
 namespace korvan::app {
 namespace {
 
-using exchange::TUPKind;
 using exchange::gaeb_xml::TGaebFinding;
 
 constexpr const char* kProtocolFile = "Importprotokoll.txt";
 // Progress is worth showing only for files that take a moment.
 constexpr int kProgressFromEntries = 2000;
-
-const std::map<std::string, TUPKind>& PriceKinds() {
-  static const std::map<std::string, TUPKind> kinds = {{"estimate", TUPKind::upkSchaetz},
-                                                       {"award", TUPKind::upkVergabe},
-                                                       {"bid", TUPKind::upkAngebot},
-                                                       {"billing", TUPKind::upkAbrechnung}};
-  return kinds;
-}
 
 std::string_view JsonKind(exchange::gaeb_xml::TGaebFindingKind kind) {
   switch (kind) {
@@ -48,7 +39,7 @@ std::string_view JsonKind(exchange::gaeb_xml::TGaebFindingKind kind) {
 }
 
 // The LV's name must be new in the project and fit an LV.
-void CheckName(data::TStdDb& db, const LvProject& target, const exchange::TGaebImport& import) {
+void CheckName(LvProject& target, const exchange::TGaebImport& import) {
   const boq::NewLv lv{import.lv.FLv().Name.Get(), import.lv.FOzMask().FMask()};
   if (lv.name.empty()) {
     throw CommandError(import.data.FImportPath +
@@ -57,35 +48,33 @@ void CheckName(data::TStdDb& db, const LvProject& target, const exchange::TGaebI
   if (const std::string problem = boq::CheckNewLv(lv); !problem.empty()) {
     throw CommandError(problem + " (--name gibt einen anderen Namen)");
   }
-  if (const std::optional<boq::LvSummary> other = boq::FindLvNamed(db, lv.name)) {
-    throw CommandError("Projekt \"" + target.Name() + "\": es gibt schon ein LV \"" + lv.name +
-                       "\" (Nummer " + std::to_string(other->id) +
-                       "); --name gibt dem eingelesenen LV einen anderen Namen");
+  target.RequireFreeLvName(lv.name, "; --name gibt dem eingelesenen LV einen anderen Namen");
+}
+
+// The whole file is read before anything is stored: a refused file stores nothing.
+exchange::TGaebImport ReadFile(const std::string& file, const exchange::TGaebImportOptions& options,
+                               Streams& streams) {
+  try {
+    ProgressLine progress(streams.err);
+    return exchange::ImportGaebFile(file, options, [&](int done, int total) {
+      if (total >= kProgressFromEntries) progress.Show("GAEB-Einlesen", done, total);
+    });
+  } catch (const exchange::EGaebImportError& error) {
+    throw CommandError(std::string(error.what()) + "; es wurde nichts gespeichert");
   }
 }
 
-// Stores the LV as one step; a failure takes back what was written and forgets the step.
-int32_t Store(LvProject& target, data::TStdDb& db, exchange::TGaebImport& import) {
-  data::TUndoRedo& journal = target.Journal();
-  const int steps_before = journal.UndoStack().TransactionCount();
-  std::string failure;
-  int32_t id = 0;
-  {
-    JournalStep step(journal, data::TOperationKind::okInsert,
-                     "LV \"" + import.lv.FLv().Name.Get() + "\" aus GAEB einlesen");
-    try {
-      id = exchange::StoreImportedLv(db, target.TextDb(), import);
-    } catch (const std::exception& error) {
-      failure = error.what();
-    }
+// The protocol is a help, not the result: a protocol that cannot be written is a warning.
+std::string WriteProtocol(const LvProject& target, const exchange::TGaebImport& import,
+                          Streams& streams) {
+  const std::string protocol = (std::filesystem::path(target.Directory()) / kProtocolFile).string();
+  try {
+    storage::WriteFileAtomically(protocol, exchange::ImportProtocolText(import),
+                                 storage::Durability::kAtomic);
+  } catch (const std::exception& error) {
+    streams.err << "Warnung: " << kProtocolFile << " nicht geschrieben: " << error.what() << '\n';
   }
-  if (failure.empty()) return id;
-  std::string outcome = "es wurde nichts gespeichert";
-  if (const data::TUndoOutcome undone = journal.AbandonStep(steps_before); !undone.ok()) {
-    outcome = "die bis dahin gespeicherten Datensätze konnten nicht zurückgenommen werden: " +
-              undone.error;
-  }
-  throw CommandError(failure + "; " + outcome);
+  return protocol;
 }
 
 void PrintJson(std::ostream& out, const exchange::TGaebImport& import, int32_t id,
@@ -127,63 +116,56 @@ void GaebImportCommand::Define(CLI::App& app) {
   AddDataDirOption(app, data_dir_);
 }
 
-int GaebImportCommand::Run(Streams& streams) {
+exchange::TGaebImportOptions GaebImportCommand::Options() const {
   exchange::TGaebImportOptions options;
   options.prices = !no_prices_;
   if (!prices_.empty()) {
-    const auto kind = PriceKinds().find(prices_);
-    if (kind == PriceKinds().end()) {
-      throw UsageError("--prices " + prices_ + ": erwartet estimate, award, bid oder billing");
-    }
+    const exchange::TUPKind kind = PriceKindOption(prices_);
     if (no_prices_) throw UsageError("--prices und --no-prices schließen sich aus");
-    options.price_kind = kind->second;
+    options.price_kind = kind;
   }
   options.ignore_project_info = ignore_project_info_;
   options.ignore_currency = ignore_currency_;
   options.lv_name = name_;
+  return options;
+}
 
+void GaebImportCommand::PrintText(std::ostream& out, std::ostream& err,
+                                  const exchange::TGaebImport& import, int32_t id) const {
+  for (const TGaebFinding& finding : import.findings) {
+    err << file_ << ':' << finding.line << ": " << exchange::gaeb_xml::FindingKindText(finding.kind)
+        << ": " << finding.message << '\n';
+  }
+  out << "LV " << id << " \"" << import.lv.FLv().Name.Get() << "\" aus " << file_
+      << " eingelesen (GAEB DA XML " << exchange::FormatInfo(import.format).xml_version
+      << ", Phase " << exchange::PhaseCaption(import.phase) << "): " << import.groups
+      << (import.groups == 1 ? " Gruppe, " : " Gruppen, ") << import.items
+      << (import.items == 1 ? " Position, " : " Positionen, ") << import.texts
+      << (import.texts == 1 ? " Text, " : " Texte, ") << import.findings.size()
+      << (import.findings.size() == 1 ? " Befund" : " Befunde") << '\n';
+}
+
+int GaebImportCommand::Run(Streams& streams) {
+  const exchange::TGaebImportOptions options = Options();
   LvProject target(data_dir_, project_);
-  exchange::TGaebImport import;
-  try {
-    ProgressLine progress(streams.err);
-    import = exchange::ImportGaebFile(file_, options, [&](int done, int total) {
-      if (total >= kProgressFromEntries) progress.Show("GAEB-Einlesen", done, total);
-  });
-}
-catch (const exchange::EGaebImportError& error) {
-  throw CommandError(std::string(error.what()) + "; es wurde nichts gespeichert");
-}
-data::TStdDb& db = target.Db(true);
-CheckName(db, target, import);
-const int32_t id = Store(target, db, import);
-if (!target.Journal().LastError().empty()) {
-  streams.err << "Warnung: das Einlesen kann nicht rückgängig gemacht werden: "
-              << target.Journal().LastError() << '\n';
-}
-const std::string protocol = (std::filesystem::path(target.Directory()) / kProtocolFile).string();
-try {
-  storage::WriteFileAtomically(protocol, exchange::ImportProtocolText(import),
-                               storage::Durability::kAtomic);
-} catch (const std::exception& error) {
-  streams.err << "Warnung: " << kProtocolFile << " nicht geschrieben: " << error.what() << '\n';
-}
-if (json_) {
-  PrintJson(streams.out, import, id, target.Name(), protocol);
+  exchange::TGaebImport import = ReadFile(file_, options, streams);
+  data::TStdDb& db = target.Db(true);
+  CheckName(target, import);
+  int32_t id = 0;
+  RunAsOneStep<std::exception>(
+      target.Journal(), data::TOperationKind::okInsert,
+      "LV \"" + import.lv.FLv().Name.Get() + "\" aus GAEB einlesen",
+      {"es wurde nichts gespeichert",
+       "die bis dahin gespeicherten Datensätze konnten nicht zurückgenommen werden",
+       "das Einlesen"},
+      streams.err, [&] { id = exchange::StoreImportedLv(db, target.TextDb(), import); });
+  const std::string protocol = WriteProtocol(target, import, streams);
+  if (json_) {
+    PrintJson(streams.out, import, id, target.Name(), protocol);
+  } else {
+    PrintText(streams.out, streams.err, import, id);
+  }
   return kExitOk;
 }
-for (const TGaebFinding& finding : import.findings) {
-  streams.err << file_ << ':' << finding.line << ": "
-              << exchange::gaeb_xml::FindingKindText(finding.kind) << ": " << finding.message
-              << '\n';
-}
-streams.out << "LV " << id << " \"" << import.lv.FLv().Name.Get() << "\" aus " << file_
-            << " eingelesen (GAEB DA XML " << exchange::FormatInfo(import.format).xml_version
-            << ", Phase " << exchange::PhaseCaption(import.phase) << "): " << import.groups
-            << (import.groups == 1 ? " Gruppe, " : " Gruppen, ") << import.items
-            << (import.items == 1 ? " Position, " : " Positionen, ") << import.texts
-            << (import.texts == 1 ? " Text, " : " Texte, ") << import.findings.size()
-            << (import.findings.size() == 1 ? " Befund" : " Befunde") << '\n';
-return kExitOk;
-}  // namespace korvan::app
 
 }  // namespace korvan::app

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstdint>
+#include <iosfwd>
 #include <string>
 
 #include "app/cli/command.h"
+#include "exchange/gaeb_import/gaeb_import.h"
 
 namespace CLI {
 class App;
@@ -22,6 +25,12 @@ class GaebImportCommand {
   int Run(Streams& streams);
 
  private:
+  // The import options the arguments ask for; a wrong call is refused before the file opens.
+  exchange::TGaebImportOptions Options() const;
+  // The findings (on `err`, with file and line) and the summary line.
+  void PrintText(std::ostream& out, std::ostream& err, const exchange::TGaebImport& import,
+                 int32_t id) const;
+
   std::string file_;
   std::string name_;
   std::string prices_;

@@ -40,31 +40,12 @@ int LvDeleteCommand::Run(Streams& streams) {
   const bool had_bim_folder = std::filesystem::exists(bim_folder, missing);
 
   data::TStdDb* text_db = target.TextDb();
-  data::TUndoRedo& journal = target.Journal();
-  const int steps_before = journal.UndoStack().TransactionCount();
-  std::string failure;
-  {
-    JournalStep step(journal, data::TOperationKind::okDelete, caption);
-    try {
-      boq::DeleteLv(db, lv.id, text_db);
-    } catch (const boq::EStoredLvError& error) {
-      failure = error.what();
-    }
-  }
-  if (!failure.empty()) {
-    // What was deleted before the failure comes back at once: an LV is deleted whole
-    // or not at all.
-    std::string outcome = "es wurde nichts gelöscht";
-    if (const data::TUndoOutcome undone = journal.AbandonStep(steps_before); !undone.ok()) {
-      outcome =
-          "die bis dahin gelöschten Datensätze konnten nicht zurückgeholt werden: " + undone.error;
-    }
-    throw CommandError(failure + "; " + outcome);
-  }
-  if (!journal.LastError().empty()) {
-    streams.err << "Warnung: das Löschen kann nicht rückgängig gemacht werden: "
-                << journal.LastError() << '\n';
-  }
+  // What was deleted before a failure comes back at once: an LV is deleted whole or not at all.
+  RunAsOneStep<boq::EStoredLvError>(
+      target.Journal(), data::TOperationKind::okDelete, caption,
+      {"es wurde nichts gelöscht",
+       "die bis dahin gelöschten Datensätze konnten nicht zurückgeholt werden", "das Löschen"},
+      streams.err, [&] { boq::DeleteLv(db, lv.id, text_db); });
   if (json) {
     streams.out << "{\"id\": " << lv.id << ", \"name\": " << JsonString(lv.name)
                 << ", \"project\": " << JsonString(target.Name()) << ", \"entries\": " << lv.entries

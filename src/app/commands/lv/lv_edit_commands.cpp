@@ -45,30 +45,16 @@ class LvEditOperation : public LvOperation {
     boq::TLVPosList list = boq::LoadLvPosList(db, text_db, id, long_texts);
     if (list.FReadOnly()) throw CommandError("Das LV ist schreibgeschützt.");
     const EditOutcome outcome = edit(list, target);
-    data::TUndoRedo& journal = target.Journal();
-    const int steps_before = journal.UndoStack().TransactionCount();
-    std::string failure;
-    {
-      JournalStep step(journal, data::TOperationKind::okEdit,
-                       caption + " in LV \"" + list.FLv().Name.Get() + "\"");
-      try {
-        boq::SaveLvHeader(db, list);
-        SaveLevels(db, list);
-        boq::SaveLvPosList(db, text_db, list);
-      } catch (const boq::EStoredLvError& error) {
-        failure = error.what();
-      }
-    }
-    if (!failure.empty()) {
-      std::string undone_text = "es wurde nichts geändert";
-      if (const data::TUndoOutcome undone = journal.AbandonStep(steps_before); !undone.ok())
-        undone_text = "die Änderung konnte nicht zurückgenommen werden: " + undone.error;
-      throw CommandError(failure + "; " + undone_text);
-    }
-    if (!journal.LastError().empty()) {
-      streams.err << "Warnung: die Änderung kann nicht rückgängig gemacht werden: "
-                  << journal.LastError() << '\n';
-    }
+    RunAsOneStep<boq::EStoredLvError>(
+        target.Journal(), data::TOperationKind::okEdit,
+        caption + " in LV \"" + list.FLv().Name.Get() + "\"",
+        {"es wurde nichts geändert", "die Änderung konnte nicht zurückgenommen werden",
+         "die Änderung"},
+        streams.err, [&] {
+          boq::SaveLvHeader(db, list);
+          SaveLevels(db, list);
+          boq::SaveLvPosList(db, text_db, list);
+        });
     streams.out << (json ? outcome.json : outcome.text) << '\n';
     return kExitOk;
   }

@@ -24,20 +24,14 @@ int LvNewCommand::Run(Streams& streams) {
   }
   LvProject target(data_dir, project);
   data::TStdDb& db = target.Db(true);
-  if (const std::optional<boq::LvSummary> other = boq::FindLvNamed(db, lv.name)) {
-    throw CommandError("Projekt \"" + target.Name() + "\": es gibt schon ein LV \"" + lv.name +
-                       "\" (Nummer " + std::to_string(other->id) + ")");
-  }
+  target.RequireFreeLvName(lv.name);
   int32_t id = 0;
   {
     JournalStep step(target.Journal(), data::TOperationKind::okInsert,
                      "LV \"" + lv.name + "\" anlegen");
     id = boq::CreateLv(db, lv);
   }
-  if (!target.Journal().LastError().empty()) {
-    streams.err << "Warnung: das Anlegen kann nicht rückgängig gemacht werden: "
-                << target.Journal().LastError() << '\n';
-  }
+  WarnIfNotUndoable(target.Journal(), "das Anlegen", streams.err);
   if (json) {
     streams.out << "{\"id\": " << id << ", \"name\": " << JsonString(lv.name)
                 << ", \"project\": " << JsonString(target.Name()) << "}\n";

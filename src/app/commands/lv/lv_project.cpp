@@ -1,5 +1,7 @@
 #include "app/commands/lv/lv_project.h"
 
+#include <ostream>
+
 #include "app/cli/command_error.h"
 #include "app/program/current_project.h"
 #include "app/program/installation.h"
@@ -67,6 +69,38 @@ int32_t LvProject::ResolveLv(const std::string& name_or_id) {
   const boq::LvLookup lookup = boq::FindLvByIdOrName(Db(false), name_or_id);
   if (!lookup.found()) throw CommandError("Projekt \"" + name_ + "\": " + lookup.problem);
   return lookup.id;
+}
+
+void LvProject::RequireFreeLvName(const std::string& name, const std::string& hint) {
+  if (const std::optional<boq::LvSummary> other = boq::FindLvNamed(Db(false), name)) {
+    throw CommandError("Projekt \"" + name_ + "\": es gibt schon ein LV \"" + name + "\" (Nummer " +
+                       std::to_string(other->id) + ")" + hint);
+  }
+}
+
+void WarnIfNotUndoable(data::TUndoRedo& journal, std::string_view work, std::ostream& warnings) {
+  if (journal.LastError().empty()) return;
+  warnings << "Warnung: " << work
+           << " kann nicht rückgängig gemacht werden: " << journal.LastError() << '\n';
+}
+
+void RunAsOneStep(data::TUndoRedo& journal, data::TOperationKind kind, const std::string& caption,
+                  const StepWords& words, std::ostream& warnings,
+                  const std::function<std::string()>& change) {
+  const int steps_before = journal.UndoStack().TransactionCount();
+  std::string failure;
+  {
+    JournalStep step(journal, kind, caption);
+    failure = change();
+  }
+  if (!failure.empty()) {
+    std::string outcome = words.nothing_done;
+    if (const data::TUndoOutcome undone = journal.AbandonStep(steps_before); !undone.ok()) {
+      outcome = words.not_taken_back + ": " + undone.error;
+    }
+    throw CommandError(failure + "; " + outcome);
+  }
+  WarnIfNotUndoable(journal, words.work, warnings);
 }
 
 }  // namespace korvan::app

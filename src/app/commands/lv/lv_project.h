@@ -1,7 +1,10 @@
 #pragma once
 
+#include <functional>
+#include <iosfwd>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "app/commands/lists/master_data_session.h"
 #include "data/db/db_groups.h"
@@ -33,6 +36,8 @@ class LvProject {
   // The id of the LV that the command line names by id or name; CommandError (in the
   // project's words) when it names none or more than one.
   int32_t ResolveLv(const std::string& name_or_id);
+  // CommandError when the project has an LV of that name already; `hint` is appended.
+  void RequireFreeLvName(const std::string& name, const std::string& hint = {});
 
  private:
   std::string name_;
@@ -56,5 +61,38 @@ class JournalStep {
  private:
   data::TUndoRedo& journal_;
 };
+
+// How a step's messages speak of its work.
+struct StepWords {
+  std::string nothing_done;  // "es wurde nichts gelöscht"
+  std::string
+      not_taken_back;  // "die bis dahin gelöschten Datensätze konnten nicht zurückgeholt werden"
+  std::string work;    // "das Löschen", as in "… kann nicht rückgängig gemacht werden"
+};
+
+// Says on `warnings` when the journal could not record the step just ended, so that the
+// user knows `korvan undo` will not take it back.
+void WarnIfNotUndoable(data::TUndoRedo& journal, std::string_view work, std::ostream& warnings);
+
+// Runs `change` as one step of the journal, whole or not at all: when it fails (returns a
+// failure text), what it wrote is taken back and the step forgotten, and a CommandError
+// names the failure and whether the taking back worked.
+void RunAsOneStep(data::TUndoRedo& journal, data::TOperationKind kind, const std::string& caption,
+                  const StepWords& words, std::ostream& warnings,
+                  const std::function<std::string()>& change);
+
+// The same for a change that fails by throwing `Error`.
+template <typename Error, typename Change>
+void RunAsOneStep(data::TUndoRedo& journal, data::TOperationKind kind, const std::string& caption,
+                  const StepWords& words, std::ostream& warnings, Change&& change) {
+  RunAsOneStep(journal, kind, caption, words, warnings, [&]() -> std::string {
+    try {
+      change();
+      return {};
+    } catch (const Error& error) {
+      return error.what();
+    }
+  });
+}
 
 }  // namespace korvan::app
