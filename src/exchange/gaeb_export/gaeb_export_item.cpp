@@ -4,6 +4,7 @@
 #include <string>
 
 #include "data/records/null_values.h"
+#include "exchange/gaeb/gaeb_price_fields.h"
 #include "exchange/gaeb/gaeb_values.h"
 #include "exchange/gaeb_export/gaeb_export_context.h"
 
@@ -75,17 +76,8 @@ double QuantityOf(const TExportContext& context, const boq::TLvPos& entry) {
 }
 
 double UnitPriceOf(const TExportContext& context, const boq::TLvPos& entry) {
-  const boq::t_LvBeschr2_DB_VERSION_201401& item = entry.LvBeschr;
-  switch (context.price_kind) {
-    case TUPKind::upkSchaetz:
-      return item.SchaetzEP.Betrag;
-    case TUPKind::upkAngebot:
-      return item.AngebotsEP.Betrag;
-    case TUPKind::upkAbrechnung:
-      return item.AbrechnungsEP.Betrag;
-    default:
-      return item.VergabeEP.Betrag;
-  }
+  const data::t_WaeBetrag* field = UnitPriceField(entry.LvBeschr, context.price_kind);
+  return field != nullptr ? field->Betrag : entry.LvBeschr.VergabeEP.Betrag;
 }
 
 // Contingency items without total and alternatives (unless additional items) have no

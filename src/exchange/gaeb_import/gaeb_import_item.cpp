@@ -2,6 +2,7 @@
 // into the record fields the export writes them from.
 #include <string>
 
+#include "exchange/gaeb/gaeb_price_fields.h"
 #include "exchange/gaeb/gaeb_values.h"
 #include "exchange/gaeb_export/gaeb_phase_rules.h"
 #include "exchange/gaeb_import/gaeb_import_context.h"
@@ -10,36 +11,6 @@ namespace korvan::exchange::gaeb_import {
 namespace {
 
 constexpr int kMaxComponents = 6;
-
-data::t_WaeBetrag* UnitPriceField(boq::t_LvBeschr2_DB_VERSION_201401& item, TUPKind kind) {
-  switch (kind) {
-    case TUPKind::upkSchaetz:
-      return &item.SchaetzEP;
-    case TUPKind::upkVergabe:
-      return &item.VergabeEP;
-    case TUPKind::upkAngebot:
-      return &item.AngebotsEP;
-    case TUPKind::upkAbrechnung:
-      return &item.AbrechnungsEP;
-    default:
-      return nullptr;
-  }
-}
-
-data::t_WaeBetrag* TotalField(boq::t_LvBgBeschr_3000& common, TUPKind kind) {
-  switch (kind) {
-    case TUPKind::upkSchaetz:
-      return &common.SchaetzGP;
-    case TUPKind::upkVergabe:
-      return &common.VergabeGP;
-    case TUPKind::upkAngebot:
-      return &common.AngebotsGP;
-    case TUPKind::upkAbrechnung:
-      return &common.AbrechnungsGP;
-    default:
-      return nullptr;
-  }
-}
 
 // "m²" and "m³" are kept as "m2" and "m3": the stored unit has no such characters.
 std::string UnitOf(std::string unit) {
