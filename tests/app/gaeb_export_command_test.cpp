@@ -7,8 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "exchange/gaeb_xml/gaeb_test_files.h"
+#include "gaeb_lv_fixture.h"
 #include "testing/run_korvan.h"
-#include "testing/temp_dir.h"
 
 namespace korvan::app {
 namespace {
@@ -16,42 +17,15 @@ namespace {
 namespace fs = std::filesystem;
 using testing::ProgramResult;
 
-fs::path SchemaDir() {
-  const char* from_environment = std::getenv("KORVAN_GAEB_DIR");
-  const fs::path gaeb =
-      from_environment != nullptr ? fs::path(from_environment) : fs::path(KORVAN_GAEB_DIR);
-  return fs::is_directory(gaeb / "xsd-3.3") ? gaeb / "xsd-3.3" : fs::path();
-}
-
-class GaebExportCommand : public ::testing::Test {
+class GaebExportCommand : public GaebLvFixture {
  protected:
-  void SetUp() override {
-    Korvan({"demo"});
-    Korvan({"lv", "new", "Rohbau", "--mask", "11.22.PPPP"});
-    Korvan({"lv", "add", "Rohbau", "B", "--short", "Rohbau"});
-    Korvan({"lv", "add", "Rohbau", "B", "--under", "01", "--short", "Erdarbeiten"});
-    Korvan({"lv", "add", "Rohbau", "H", "--under", "01.01", "--short", "Hinweis"});
-    Korvan({"lv", "add", "Rohbau", "P", "--under", "01.01", "--short", "Aushub", "--qty", "120",
-            "--up", "12.5", "--unit", "m3"});
-    Korvan({"lv", "add", "Rohbau", "L", "--under", "01.01", "--short", "Verfüllen & Verdichten",
-            "--qty", "80", "--up", "9.99"});
-    Korvan(
-        {"lv", "add", "Rohbau", "U", "--under", "01.01", "--short", "lagenweise", "--qty", "40"});
-  }
-  ProgramResult Korvan(std::vector<std::string> args, int exit_code = 0,
-                       const std::vector<std::string>& parts = {}) {
-    args.insert(args.end(), {"-d", base_.string()});
-    return testing::ExpectKorvan(args, exit_code, parts);
-  }
   // `korvan gaeb check` of a written file, against the schemas when they are here.
   void ExpectNoFindings(const std::string& file) {
     std::vector<std::string> args = {"gaeb", "check", file};
-    if (!SchemaDir().empty()) args.insert(args.end(), {"--schemas", SchemaDir().string()});
+    const fs::path schemas = exchange::gaeb_xml::testing::SchemaDir();
+    if (!schemas.empty()) args.insert(args.end(), {"--schemas", schemas.string()});
     testing::ExpectKorvan(args, 0, {"Fehler: 0, Warnungen: 0"});
   }
-
-  korvan::testing::TempDir dir_;
-  fs::path base_ = dir_.path() / "sample";
 };
 
 TEST_F(GaebExportCommand, AnLvBuiltOnTheCommandLineIsAnX83WithoutFindingsWrongCallsAreNot) {

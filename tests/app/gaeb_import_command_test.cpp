@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "gaeb_lv_fixture.h"
 #include "testing/run_korvan.h"
-#include "testing/temp_dir.h"
 
 namespace korvan::app {
 namespace {
@@ -29,33 +29,16 @@ std::string ShownWithoutIdAndName(const std::string& json) {
   return std::regex_replace(json, header, "");
 }
 
-class GaebImportCommand : public ::testing::Test {
+class GaebImportCommand : public GaebLvFixture {
  protected:
   void SetUp() override {
-    Korvan({"demo"});
-    Korvan({"lv", "new", "Rohbau", "--mask", "11.22.PPPP"});
-    Korvan({"lv", "add", "Rohbau", "B", "--short", "Rohbau"});
-    Korvan({"lv", "add", "Rohbau", "B", "--under", "01", "--short", "Erdarbeiten"});
-    Korvan({"lv", "add", "Rohbau", "H", "--under", "01.01", "--short", "Hinweis"});
-    Korvan({"lv", "add", "Rohbau", "P", "--under", "01.01", "--short", "Aushub", "--qty", "120",
-            "--up", "12.5", "--unit", "m3"});
-    Korvan({"lv", "add", "Rohbau", "L", "--under", "01.01", "--short", "Verfüllen & Verdichten",
-            "--qty", "80", "--up", "9.99"});
-    Korvan(
-        {"lv", "add", "Rohbau", "U", "--under", "01.01", "--short", "lagenweise", "--qty", "40"});
+    GaebLvFixture::SetUp();
     Korvan({"gaeb", "export", "Rohbau", "--phase", "82", "-o", file_});
-  }
-  ProgramResult Korvan(std::vector<std::string> args, int exit_code = 0,
-                       const std::vector<std::string>& parts = {}) {
-    args.insert(args.end(), {"-d", base_.string()});
-    return testing::ExpectKorvan(args, exit_code, parts);
   }
   std::string Shown(const std::string& lv) {
     return ShownWithoutIdAndName(Korvan({"lv", "show", lv, "--json", "--long"}).out);
   }
 
-  korvan::testing::TempDir dir_;
-  fs::path base_ = dir_.path() / "sample";
   std::string file_ = dir_.File("rohbau.X82");
 };
 

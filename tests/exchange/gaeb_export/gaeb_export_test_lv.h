@@ -9,6 +9,17 @@
 
 namespace korvan::exchange::testing {
 
+// Export options with a fixed creation date and time, so that two files compare equal.
+inline TGaebExportOptions FixedDateOptions(TGaebPhase phase,
+                                           TGAEBFormat format = TGAEBFormat::gfXML330) {
+  TGaebExportOptions options;
+  options.phase = phase;
+  options.format = format;
+  options.date = 20261123;
+  options.time = "10:00:00";
+  return options;
+}
+
 // Builds LVs in memory as the export reads them: entries with ids, parents, OZs, texts,
 // quantities and the four kinds of unit price.
 class TestLv {

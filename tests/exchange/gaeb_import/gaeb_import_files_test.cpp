@@ -22,24 +22,14 @@ using gaeb_xml::TGaebElement;
 using gaeb_xml::testing::Listed;
 using gaeb_xml::testing::Mentions;
 
-// Items, sub-descriptions and sections of a document in document order.
-void CollectEntries(const TGaebElement& element, std::vector<const TGaebElement*>& found) {
-  for (const TGaebElement& child : element.children) {
-    if (child.name == "BoQCtgy" || child.name == "Item" || child.name == "MarkupItem" ||
-        child.name == "SubDescr") {
-      found.push_back(&child);
-    }
-    CollectEntries(child, found);
-  }
-}
-
 // Every section, item and sub-description of the file arrives in its order, with its
 // number, quantity and unit.
 void ExpectEveryEntryArrived(const fs::path& file, const TGaebImport& import) {
   const gaeb_xml::TGaebReadResult read = gaeb_xml::ReadGaebXmlFile(file.string());
   ASSERT_TRUE(read.document.has_value());
-  std::vector<const TGaebElement*> wanted;
-  CollectEntries(read.document->root, wanted);
+  // Items, sub-descriptions and sections of the document in document order.
+  const std::vector<const TGaebElement*> wanted =
+      gaeb_xml::testing::All(read.document->root, {"BoQCtgy", "Item", "MarkupItem", "SubDescr"});
   std::vector<const boq::TLvPos*> got;
   for (const boq::TLvPos& entry : import.lv.Entries()) {
     if (entry.IsGroup() || entry.IsQuantityItem()) got.push_back(&entry);

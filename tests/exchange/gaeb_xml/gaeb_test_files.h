@@ -2,8 +2,11 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <initializer_list>
 #include <ostream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "boq/text/rich_text.h"
 #include "exchange/gaeb_xml/gaeb_decimal.h"
@@ -24,6 +27,24 @@ inline void PrintTo(const TGaebElement& element, std::ostream* out, int depth = 
 }  // namespace korvan::exchange::gaeb_xml
 
 namespace korvan::exchange::gaeb_xml::testing {
+
+// Every element of the tree (`root` included) whose name is one of `names`, in document order.
+inline void CollectNamed(const TGaebElement& element, std::initializer_list<std::string_view> names,
+                         std::vector<const TGaebElement*>& found) {
+  for (const std::string_view name : names) {
+    if (element.name == name) found.push_back(&element);
+  }
+  for (const TGaebElement& child : element.children) CollectNamed(child, names, found);
+}
+inline std::vector<const TGaebElement*> All(const TGaebElement& root,
+                                            std::initializer_list<std::string_view> names) {
+  std::vector<const TGaebElement*> found;
+  CollectNamed(root, names, found);
+  return found;
+}
+inline std::vector<const TGaebElement*> All(const TGaebElement& root, std::string_view name) {
+  return All(root, {name});
+}
 
 // Findings one a line: kind, line, message.
 inline std::string Listed(const TGaebFindings& findings) {
