@@ -10,14 +10,11 @@
 namespace korvan::exchange {
 namespace {
 
+using gaeb_import::Refuse;
 using gaeb_import::TImportContext;
 using gaeb_xml::TGaebElement;
 using gaeb_xml::TGaebFinding;
 using gaeb_xml::TGaebFindingKind;
-
-[[noreturn]] void Refuse(const std::string& file, int line, const std::string& message) {
-  throw EGaebImportError(file + ":" + std::to_string(line) + ": " + message);
-}
 
 const TGaebElement& Required(const std::string& file, const TGaebElement& parent, const char* name,
                              const char* protocol, const char* expected) {

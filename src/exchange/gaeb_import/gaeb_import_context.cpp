@@ -7,6 +7,10 @@
 #include "exchange/gaeb_xml/gaeb_decimal.h"
 
 namespace korvan::exchange::gaeb_import {
+
+void Refuse(const std::string& file, int line, const std::string& message) {
+  throw EGaebImportError(file + ":" + std::to_string(line) + ": " + message);
+}
 namespace {
 
 using gaeb_xml::TGaebFindingKind;

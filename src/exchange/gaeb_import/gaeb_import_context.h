@@ -14,6 +14,9 @@ namespace korvan::exchange::gaeb_import {
 
 using gaeb_xml::TGaebElement;
 
+// Refuses the file: EGaebImportError naming the file, the line and what was expected.
+[[noreturn]] void Refuse(const std::string& file, int line, const std::string& message);
+
 // The run state of one import: the options, the result being built, and which elements
 // of the document were taken over, so that whatever was not is reported and nothing is
 // dropped silently.

@@ -14,10 +14,6 @@ namespace {
 
 constexpr int kMaxGroupLevels = 5;
 
-[[noreturn]] void Refuse(TImportContext& context, int line, const std::string& message) {
-  throw EGaebImportError(context.File() + ":" + std::to_string(line) + ": " + message);
-}
-
 // What the body's numbers need: the longest RNoPart of sections at each depth, of
 // items, and whether an item carries an index.
 struct TNumbersUsed {
@@ -136,7 +132,7 @@ std::string MaskOfBreakdown(TImportContext& context, const TGaebElement& boq_inf
   if (body != nullptr) Scan(*body, 0, used);
   FitToNumbers(context, boq_info.line, used, levels);
   if (levels.groups.size() > kMaxGroupLevels) {
-    Refuse(context, boq_info.line,
+    Refuse(context.File(), boq_info.line,
            "die Gliederung hat " + std::to_string(levels.groups.size()) +
                " Stufen vor der Position; erwartet höchstens 5");
   }
@@ -148,7 +144,7 @@ std::string MaskOfBreakdown(TImportContext& context, const TGaebElement& boq_inf
   mask.append(static_cast<size_t>(levels.item), 'P');
   if (levels.index) mask += ".I";
   if (const std::string problem = boq::CheckOzMask(mask); !problem.empty()) {
-    Refuse(context, boq_info.line,
+    Refuse(context.File(), boq_info.line,
            "die Gliederung ergibt die OZ-Maske \"" + mask + "\": " + problem);
   }
   return mask;
