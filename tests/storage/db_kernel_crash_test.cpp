@@ -1,6 +1,6 @@
-// A writer killed at a random moment must not lose or damage what it already wrote:
-// every record whose insert had returned is found afterwards in the data file's walk and,
-// once its key file is rebuilt from the data file, by its key.
+// A writer killed at a random moment must not lose or damage what it already wrote: every
+// record whose insert had returned is found afterwards in the data file's walk (the keys
+// rebuilt after a kill are key_file_sharing_test.cpp's concern).
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -148,8 +148,8 @@ TEST(DbKernelCrash, AWriterKilledAtRandomMomentsLosesNothingItReportedWritten) {
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937 random(seed);
   korvan::testing::TempDir dir;
-  for (const Case& c : {Case{"keyed", InsertAndDeleteWithKeys, false, 3, 300},
-                        Case{"torn", InsertIntoFreeSpace, true, 5, 250}}) {
+  for (const Case& c : {Case{"keyed", InsertAndDeleteWithKeys, false, 2, 300},
+                        Case{"torn", InsertIntoFreeSpace, true, 3, 250}}) {
     size_t checked = 0;
     for (int round = 0; round < c.rounds; ++round) {
       SCOPED_TRACE(std::string(c.name) + " round " + std::to_string(round));
@@ -184,16 +184,6 @@ TEST(DbKernelCrash, AWriterKilledAtRandomMomentsLosesNothingItReportedWritten) {
             << "body at " << position;
         ++checked;
       }
-      // Keys are rebuilt from the blocks the walk reaches; a block torn by the kill ends
-      // that walk, which is the data file's concern, not the key file's.
-      if (c.into_free_space || !damage.ranges.empty()) continue;
-      NumberedKeySource key_source;
-      ASSERT_EQ(iDK_DbOpen('T', base, false, true, &handle), 0);
-      for (const auto& [position, index] : survivors) {
-        EXPECT_EQ(FindNumbered(handle, index), position)
-            << "key of record " << index << "; " << ::testing::PrintToString(key_source.told);
-      }
-      EXPECT_EQ(iDK_DbClose(handle), 0);
     }
     EXPECT_GT(checked, 0u) << c.name << ": no writer got a record written before its kill";
   }

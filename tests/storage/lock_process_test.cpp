@@ -27,22 +27,6 @@ using korvan::testing::ChildProcess;
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// A user (identity 7000 + registration) that registers, locks `name` and reports its task
-// number, then unregisters when told. The exit status names the step that failed.
-int LockingChild(const Channel& channel, const std::string& path, int registration, LockMode mode,
-                 const std::string& name) {
-  std::unique_ptr<LockFile> lock_file;
-  if (LockFile::Open(path, registration, &lock_file) != kOk) return 1;
-  int task = -1;
-  auto busy = [&](auto operation) { return RepeatWhileBusy(operation) != kOk; };
-  if (busy([&] { return lock_file->RegisterTask(7000 + registration, false, &task); })) return 2;
-  LockHolder holder;
-  if (busy([&] { return lock_file->LockSet(task, mode, name, &holder); })) return 3;
-  channel.Send(task);
-  if (channel.Receive() != 'Q') return 4;
-  return busy([&] { return lock_file->UnregisterTask(task); }) ? 5 : 0;
-}
-
 // This process as one more user of the lock file at `path`.
 class LockProcesses : public ::testing::Test {
  protected:
@@ -60,34 +44,6 @@ class LockProcesses : public ::testing::Test {
   std::unique_ptr<LockFile> lock_file_;
   int task_ = -1;
 };
-
-// Waiting out a holder in another process is tested through the kernel in
-// lock_kernel_test.cpp. Every answer depends on the other processes' changes being read
-// afresh, although this process's cache held the file's blocks from its previous operation.
-TEST_F(LockProcesses, SharedLocksOfOtherProcessesRefuseOnlyExclusiveRequests) {
-  auto shared_user = [&](int registration) {
-    return [this, registration](const Channel& channel) {
-      return LockingChild(channel, path_, registration, LockMode::kShared, "Pos7");
-    };
-  };
-  ChildProcess first(shared_user(42));
-  ChildProcess second(shared_user(43));
-  const char first_task = first.Receive();
-  ASSERT_NE(first_task, second.Receive()) << "both users registered and locked shared";
-  EXPECT_EQ(LockSet(LockMode::kShared, "Pos7"), kOk) << "a third shared lock is no conflict";
-  ASSERT_EQ(lock_file_->LockRelease(task_, "Pos7"), kOk);
-  LockHolder holder;
-  EXPECT_EQ(lock_file_->LockSet(task_, LockMode::kExclusive, "Pos7", &holder), kLockNameExclusive);
-  EXPECT_EQ(holder.user_identity, holder.task == first_task ? 7042u : 7043u);
-
-  first.Send('Q');
-  second.Send('Q');
-  EXPECT_EQ(first.Wait(), 0);
-  EXPECT_EQ(second.Wait(), 0);
-  EXPECT_EQ(LockSet(LockMode::kExclusive, "Pos7"), kOk);
-  ASSERT_EQ(lock_file_->UnregisterTask(task_), kOk);
-  EXPECT_FALSE(std::filesystem::exists(path_));
-}
 
 TEST_F(LockProcesses, LocksOfAKilledUserAreRemovedInsteadOfBlocking) {
   char dead_task = 0;
