@@ -61,6 +61,13 @@ TEST_F(LvEditCommands, BuildNumberRemoveRenumberAndUndo) {
   EXPECT_TRUE(entries[1]["unit"].IsNull());  // a group
   Korvan({"lv", "show", "Rohbau"}, 0,
          {"    01.04.0005  P  Position  Menge 2,000 m²  EP 10,50  GP 21,00"});
+  // Units of the unit list write quantities with their decimals; "m²" is not in it.
+  Korvan({"lv", "set", "Rohbau", "01.04.0005", "unit=St", "qty=1234"});
+  Korvan({"lv", "set", "Rohbau", "01.04.0004", "unit=h", "qty=1.5"});
+  Korvan({"lv", "show", "Rohbau"}, 0,
+         {"01.04.0005  P  Position  Menge 1.234 St", "01.04.0004  P  Position  Menge 1,50 h"});
+  Korvan({"undo"});
+  Korvan({"undo"});
 
   Korvan({"lv", "remove", "Rohbau", "01.02.0002"}, 0, {"entfernt"});
   const std::string removed = Show();
@@ -82,6 +89,21 @@ TEST_F(LvEditCommands, BuildNumberRemoveRenumberAndUndo) {
     Korvan({"undo"}, 0, {step});
   }
   EXPECT_EQ(Show(), built);
+}
+
+TEST_F(LvEditCommands, BaseOfASurchargeItemIsNotRemoved) {
+  Korvan({"lv", "add", "Rohbau", "B"});
+  Korvan({"lv", "add", "Rohbau", "B", "--under", "01"});
+  for (int item = 0; item < 2; ++item) Korvan({"lv", "add", "Rohbau", "P", "--under", "01.01"});
+  Korvan({"lv", "set", "Rohbau", "01.01.0002", "ref=01.01.0002"}, 2, {"auf sich selbst"});
+  Korvan({"lv", "set", "Rohbau", "01.01.0002", "ref=1.1.1"});
+  Korvan({"lv", "remove", "Rohbau", "01.01.0001"}, 1,
+         {"ist Zuschlagsbasis der Zuschlagsposition \"01.01.0002\""});
+  Korvan({"lv", "remove", "Rohbau", "01.01"});  // the surcharge goes with its base
+  Korvan({"undo"});
+  Korvan({"check"}, 0, {"0 Problem(e)"});
+  Korvan({"lv", "set", "Rohbau", "01.01.0002", "ref="});
+  Korvan({"lv", "remove", "Rohbau", "01.01.0001"});
 }
 
 TEST_F(LvEditCommands, WrongCallsChangeNothing) {

@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "boq/model/lv_references.h"
 #include "boq/oz/boq_oz_builder.h"
 #include "boq/oz/oz_format.h"
 #include "data/records/null_values.h"
@@ -143,11 +144,15 @@ std::string MoveEntry(TLVPosList& list, int index, int after) {
   return {};
 }
 
-void RemoveEntry(TLVPosList& list, int index) {
+std::string RemoveEntry(TLVPosList& list, int index) {
+  if (std::string problem = RemovalProblem(list, index); !problem.empty()) return problem;
   std::vector<TLvPos>& entries = list.Entries();
   entries.erase(entries.begin() + index, entries.begin() + SubtreeEnd(list, index));
+  CountReferences(list);
+  list.Changed(TModelChangedReason::crUnspecified);
   TBoqOzBuilder builder(list);
   if (list.FAutoNum()) builder.BuildOzForItems(index);
+  return {};
 }
 
 void RenumberLv(TLVPosList& list) {

@@ -30,8 +30,10 @@ int AddEntry(TLVPosList& list, TLvPos entry, const TLvPlace& place, std::string_
 // into that entry's group, and renumbers. "" or why not (German).
 std::string MoveEntry(TLVPosList& list, int index, int after);
 
-// Removes the entry at `index` with its subtree and renumbers what follows.
-void RemoveEntry(TLVPosList& list, int index);
+// Removes the entry at `index` with its subtree and renumbers what follows. Refused while
+// an entry outside the subtree refers to one inside (a surcharge item would lose its base
+// unseen): "" or why not (German), then nothing changed.
+std::string RemoveEntry(TLVPosList& list, int index);
 
 // Renumbers the whole LV: groups and items by the builder, then the text entries after
 // the entries they belong to.

@@ -2,14 +2,27 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "boq/lv/lv_entry_records.h"
 #include "boq/lv/struktur_record.h"
+#include "boq/model/model_changes.h"
+#include "data/records/null_values.h"
 
 // One entry of an LV in memory. A plain value: the records of the entry (its structure
 // row and its group or item data) are held whole, so that numbering, sums and searches
 // run without reading tables; accessors give the fields the numbering and the editors use.
 namespace korvan::boq {
+
+// The reference type of an item whose total belongs to the base of a surcharge item "S".
+inline constexpr char kQuantityRefType = 'M';
+
+// A reference of an entry to another entry, by the other's entry id.
+struct TLvPosRef {
+  char Type = kQuantityRefType;
+  int32_t Id = data::kNullId;
+  bool operator==(const TLvPosRef&) const = default;
+};
 
 struct TLvPos {
   t_Struktur Struktur{};
@@ -22,7 +35,11 @@ struct TLvPos {
   bool LongTextLoaded = false;               // LongText was read (only on request: texts are large)
   bool LongTextChanged = false;              // LongText is to be written back
   std::string Unit;                          // UTF-8 unit symbol (kept in the description)
+  int16_t UnitId = data::kNullId16;          // the unit in the unit list; null for a free symbol
   bool UnitChanged = false;                  // Unit is to be written back
+  std::vector<TLvPosRef> RefIDs;             // the entries this one refers to (lv_references.h)
+  int32_t RefCount = 0;                      // how many references of other entries name this one
+  TModelChanges Changes;                     // what changed since the list last passed it on
 
   char Kind() const { return Struktur.KzBgBeschr; }
   void SetKind(char kind) { Struktur.KzBgBeschr = kind; }
@@ -34,8 +51,10 @@ struct TLvPos {
   // Copied first: `oz` may be a view of the stored number itself.
   void SetOz(std::string_view oz) { LvBgBeschr.OZ.SetRaw(std::string(oz)); }
   bool IsSupplement() const { return LvBgBeschr.KzNachtrag != 0; }
-  void SetUnit(std::string unit) {
+  // `unit_id`: the symbol's unit in the unit list, null when the list does not hold it.
+  void SetUnit(std::string unit, int16_t unit_id = data::kNullId16) {
     Unit = std::move(unit);
+    UnitId = unit_id;
     UnitChanged = true;
   }
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "data/common/guid_text.h"
 #include "data/records/null_values.h"
 
 namespace korvan::boq {
@@ -82,6 +83,68 @@ int TLVPosList::SearchItemIndexByIdLvBgBeschr(int32_t id) const {
 
 int TLVPosList::SearchItemIndexByStrukturRec(const t_Struktur& row) const {
   return SearchItemIndexByIdLvBgBeschr(row.IdBgBeschr);
+}
+
+int TLVPosList::SearchItemIndexByKatPosGUID(std::span<const uint8_t, 16> guid) const {
+  for (int i = 0; i < Count(); ++i) {
+    if (std::equal(guid.begin(), guid.end(), std::begin((*this)[i].LvBgBeschr.GUID))) return i;
+  }
+  return -1;
+}
+
+int TLVPosList::SearchItemIndexByDescriptionID(std::string_view id) const {
+  const std::string wanted = data::NormalizedGuid(id);
+  if (data::IsNullGuid(wanted)) return -1;
+  for (int i = 0; i < Count(); ++i) {
+    if (data::NormalizedGuid(data::GuidBytesToText((*this)[i].LvBgBeschr.GUID)) == wanted) return i;
+  }
+  return -1;
+}
+
+int32_t TLVPosList::GetRefDescr(int index) const {
+  const TLvPos* entry = GetLvPosItems(index);
+  return entry == nullptr ? data::kNullId : entry->LvBgBeschr.IDBeschr;
+}
+
+void TLVPosList::Assign(const TLVPosList& other) {
+  if (&other == this) return;
+  lv_ = other.lv_;
+  oz_mask_ = other.oz_mask_;
+  read_only_ = other.read_only_;
+  auto_num_ = other.auto_num_;
+  entries_ = other.entries_;
+  Changed(TModelChangedReason::crUnspecified);
+}
+
+void TLVPosList::Changed(int index, TModelChangedReason reason) {
+  TLvPos* entry = GetLvPosItems(index);
+  if (entry == nullptr) return;
+  entry->Changes.Add(reason);
+  changes_.Add(reason);
+}
+
+void TLVPosList::RegisterCData(TModelChangeListener* listener) {
+  std::vector<TModelChangeListener*>& items = listeners_.items;
+  if (listener != nullptr && std::find(items.begin(), items.end(), listener) == items.end())
+    items.push_back(listener);
+}
+
+void TLVPosList::UnRegisterCData(TModelChangeListener* listener) {
+  std::erase(listeners_.items, listener);
+}
+
+void TLVPosList::Idle() {
+  if (changes_.Empty()) return;
+  const TModelChanges changes = changes_;
+  changes_.Clear();
+  for (TLvPos& entry : entries_) entry.Changes.Clear();
+  // A listener may unregister itself or another one while it is told.
+  const std::vector<TModelChangeListener*> listeners = listeners_.items;
+  for (TModelChangeListener* listener : listeners) {
+    if (std::find(listeners_.items.begin(), listeners_.items.end(), listener) !=
+        listeners_.items.end())
+      listener->ModelChanged(*this, changes);
+  }
 }
 
 int TLVPosList::GetItemsForSameParent(const t_Struktur& row, std::vector<int>* result) const {

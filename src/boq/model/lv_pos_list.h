@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -37,6 +38,22 @@ class TLVPosList {
   void Delete(int index);
   void Clear() { entries_.clear(); }
 
+  // A deep copy of `other`'s header and entries; the listeners stay this list's own and
+  // are told of the change when idle.
+  void Assign(const TLVPosList& other);
+
+  // --- Changes: collected per entry and for the list, passed on by Idle -----------------
+  void Changed(TModelChangedReason reason) { changes_.Add(reason); }
+  // The entry at `index` changed (ignored outside the list).
+  void Changed(int index, TModelChangedReason reason);
+  TModelChanges FChanges() const { return changes_; }
+  // `listener` is told of changes until it is unregistered; it must outlive its registration.
+  void RegisterCData(TModelChangeListener* listener);
+  void UnRegisterCData(TModelChangeListener* listener);
+  // Passes the changes collected since the last call to every listener, then forgets them
+  // (in the list and its entries). Nothing is passed on when nothing changed.
+  void Idle();
+
   std::vector<TLvPos>& Entries() { return entries_; }
   const std::vector<TLvPos>& Entries() const { return entries_; }
 
@@ -53,6 +70,14 @@ class TLVPosList {
   int SearchItemIndexByIdBeschr(int32_t id_beschr) const;
   int SearchItemIndexByIdLvBgBeschr(int32_t id) const;
   int SearchItemIndexByStrukturRec(const t_Struktur& row) const;
+  // By the global id of the entry's record (the GUID of the common part, as stored).
+  int SearchItemIndexByKatPosGUID(std::span<const uint8_t, 16> guid) const;
+  // By that global id in text form "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}"; braces and
+  // case do not matter. An all-zero GUID is no id and never found.
+  int SearchItemIndexByDescriptionID(std::string_view id) const;
+  // The description (its id) an entry's texts and unit hang on; null id for an entry
+  // without one or outside the list.
+  int32_t GetRefDescr(int index) const;
   // Appends to `result` the indexes of the entries with the row's parent group, in list
   // order; returns the place in `result` of the row's own entry, -1 when missing.
   int GetItemsForSameParent(const t_Struktur& row, std::vector<int>* result) const;
@@ -76,6 +101,15 @@ class TLVPosList {
   bool read_only_ = false;
   bool auto_num_ = false;
   std::vector<TLvPos> entries_;
+  TModelChanges changes_;
+  // Listeners belong to one list: a copy or a moved-to list starts without any.
+  struct Listeners {
+    std::vector<TModelChangeListener*> items;
+    Listeners() = default;
+    Listeners(const Listeners&) {}
+    Listeners& operator=(const Listeners&) { return *this; }
+  };
+  Listeners listeners_;
 };
 
 }  // namespace korvan::boq

@@ -13,6 +13,7 @@
 #include "boq/lv/tb_lv_beschr.h"
 #include "boq/lv/tb_lv_bg.h"
 #include "boq/lv/tb_struktur.h"
+#include "boq/model/lv_references.h"
 #include "boq/text/long_text_store.h"
 #include "boq/text/tb_text_header.h"
 #include "boq/text/tb_texte.h"
@@ -97,22 +98,19 @@ class ListWriter {
     const int32_t lv_id = list_.FLv().FId;
     std::map<int32_t, t_Struktur> stored = StoredRows(lv_id);
     std::map<int32_t, int32_t> children_of;
-    std::map<int32_t, int32_t> new_ids;
+    const std::map<int32_t, int32_t> new_ids = GiveNewIds();
     for (int i = 0; i < list_.Count(); ++i) {
       TLvPos& entry = list_[i];
-      // New entries carry no id or a temporary one below zero, which entries placed
-      // below them name as their parent until they get their real one here.
-      if (const auto renamed = new_ids.find(entry.Struktur.ZuBg); renamed != new_ids.end()) {
-        entry.Struktur.ZuBg = renamed->second;
-      }
-      if (const auto renamed = new_ids.find(entry.Struktur.ZuPos); renamed != new_ids.end()) {
-        entry.Struktur.ZuPos = renamed->second;
-      }
-      if (entry.Struktur.IdBgBeschr <= 0 || entry.Struktur.IdBgBeschr == kNullId) {
-        const int32_t id = NextId(kEntryCounterName);
-        if (entry.Struktur.IdBgBeschr < 0) new_ids[entry.Struktur.IdBgBeschr] = id;
-        entry.Struktur.IdBgBeschr = id;
-      }
+      // Entries placed below or referring to new entries name them by their temporary
+      // ids until these get their real ones.
+      const auto renamed = [&new_ids](int32_t id) {
+        const auto found = new_ids.find(id);
+        return found == new_ids.end() ? id : found->second;
+      };
+      entry.Struktur.ZuBg = renamed(entry.Struktur.ZuBg);
+      entry.Struktur.ZuPos = renamed(entry.Struktur.ZuPos);
+      for (TLvPosRef& ref : entry.RefIDs) ref.Id = renamed(ref.Id);
+      ReferencesIntoRecord(entry);
       entry.LvBgBeschr.ID = entry.Struktur.IdBgBeschr;
       entry.Struktur.IdLv = lv_id;
       entry.Struktur.SzLv = i + 1;
@@ -135,9 +133,23 @@ class ListWriter {
       if (existed) stored.erase(old);
     }
     for (const auto& [id, row] : stored) DeleteRow(id, row);
+    CountReferences(list_);
   }
 
  private:
+  // New entries carry no id or a temporary one below zero; they get their ids first, in
+  // list order. Returns the temporary ids with the real ones.
+  std::map<int32_t, int32_t> GiveNewIds() {
+    std::map<int32_t, int32_t> new_ids;
+    for (TLvPos& entry : list_.Entries()) {
+      const int32_t old = entry.Struktur.IdBgBeschr;
+      if (old > 0 && old != kNullId) continue;
+      entry.Struktur.IdBgBeschr = NextId(kEntryCounterName);
+      if (old < 0) new_ids[old] = entry.Struktur.IdBgBeschr;
+    }
+    return new_ids;
+  }
+
   std::map<int32_t, t_Struktur> StoredRows(int32_t lv_id) {
     std::vector<std::vector<uint8_t>> records;
     if (int result = rows_.GetBatch(KeyNumber(lv_id), '2', records); result != storage::kOk) {
@@ -172,6 +184,7 @@ class ListWriter {
     descriptions_.InitRecord();
     descriptions_.Rec().Id = NextId(kDescriptionCounterName);
     descriptions_.Rec().Einheit.Set(entry.Unit);
+    descriptions_.Rec().IdEinheit = entry.UnitId;
     if (int result = descriptions_.UpDateRec(); result != storage::kOk) {
       Fail(db_, "die Beschreibung eines Eintrags kann nicht gespeichert werden", result,
            &descriptions_);
@@ -186,10 +199,7 @@ class ListWriter {
       Fail(db_, "die Beschreibung " + std::to_string(description) + " fehlt");
     const t_Beschr_DB_VERSION_201601 before = descriptions_.Rec();
     descriptions_.Rec().Einheit.Set(entry.Unit);
-    // A new symbol drops the link to the unit list; it is made again where the list is
-    // at hand.
-    if (!(descriptions_.Rec().Einheit == before.Einheit))
-      descriptions_.Rec().IdEinheit = data::kNullId16;
+    descriptions_.Rec().IdEinheit = entry.UnitId;
     WriteIfChanged(db_, descriptions_, true, before, "Beschreibung " + std::to_string(description));
   }
 
@@ -412,8 +422,11 @@ class StoredEntries {
       entry.LvBeschr = item.LvBeschr2;
     }
     const int32_t description = entry.LvBgBeschr.IDBeschr;
-    if (const auto unit = descriptions_.find(description); unit != descriptions_.end())
-      entry.Unit = TTbBeschr::Of(unit->second).Einheit.Get();
+    if (const auto unit = descriptions_.find(description); unit != descriptions_.end()) {
+      const t_Beschr_DB_VERSION_201601 stored = TTbBeschr::Of(unit->second);
+      entry.Unit = stored.Einheit.Get();
+      entry.UnitId = stored.IdEinheit;
+    }
     if (const auto text = short_texts_.find(description); text != short_texts_.end())
       entry.ShortText = JoinLines(text->second);
     return true;
@@ -458,8 +471,10 @@ TLVPosList LoadLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, int32_t lv_
           long_text_store->Read(description, kLongTextKind, kEntryTextLanguage).rich_text;
       entry.LongTextLoaded = true;
     }
+    ReferencesFromRecord(entry);
     list.Add(std::move(entry));
   }
+  CountReferences(list);
   return list;
 }
 

@@ -5,6 +5,20 @@
 
 namespace korvan::data {
 
+std::string GuidBytesToText(const uint8_t (&bytes)[16]) {
+  // Byte order of the text: the first three groups are stored least significant first.
+  constexpr int kOrder[16] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+  constexpr char kHex[] = "0123456789ABCDEF";
+  std::string text = "{";
+  for (int i = 0; i < 16; ++i) {
+    if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
+    const uint8_t byte = bytes[kOrder[i]];
+    text += kHex[byte >> 4];
+    text += kHex[byte & 0x0F];
+  }
+  return text + "}";
+}
+
 std::string NormalizedGuid(std::string_view text) {
   if (text.size() >= 2 && text.front() == '{' && text.back() == '}') {
     text = text.substr(1, text.size() - 2);

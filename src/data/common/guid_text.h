@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <random>
 #include <string>
 #include <string_view>
@@ -14,6 +15,10 @@ inline constexpr size_t kGuidBracedLength = 38;
 // The form in which two GUID texts compare: braces dropped, letters upper case, so
 // that "{ab...}" and "AB..." are the same GUID.
 std::string NormalizedGuid(std::string_view text);
+
+// A GUID kept as 16 bytes (the first three groups little-endian, as Windows stores it)
+// in registry form with braces.
+std::string GuidBytesToText(const uint8_t (&bytes)[16]);
 
 // Whether a GUID text stands for no GUID: empty, blank, or the all-zero GUID.
 bool IsNullGuid(std::string_view text);

@@ -3,8 +3,11 @@
 
 #include "../lv/lv_test_support.h"
 #include "../oz/oz_test_support.h"
+#include "boq/lv/lv_tree_iterator.h"
 #include "boq/lv/project_lvs.h"
+#include "boq/model/lv_editing.h"
 #include "boq/model/lv_pos_list_io.h"
+#include "boq/model/lv_references.h"
 #include "boq/model/lv_tree_walk.h"
 #include "boq/oz/boq_oz_builder.h"
 #include "boq/text/tb_texte.h"
@@ -97,13 +100,15 @@ TEST_F(LvPosListIo, UnitIsKeptInTheDescriptionAlsoWithoutTexts) {
   list[1].SetUnit("m³");  // has a description (its short text)
   TLvPos bare = testing::Entry('P');
   bare.Struktur.ZuBg = list[0].Struktur.IdBgBeschr;
-  bare.SetUnit("St");
+  bare.SetUnit("St", 4);  // linked to the unit list
   list.Add(bare);
   SaveLvPosList(*db_, nullptr, list);  // no text database: the unit alone needs a description
   TLVPosList loaded = LoadLvPosList(*db_, texts_.get(), lv_);
   EXPECT_EQ(loaded[1].Unit, "m³");
   EXPECT_EQ(loaded[1].ShortText, "Beton C25/30");
   EXPECT_EQ(loaded[5].Unit, "St");
+  EXPECT_EQ(loaded[5].UnitId, 4);
+  EXPECT_EQ(loaded[1].UnitId, data::kNullId16);  // free text
   EXPECT_FALSE(loaded[1].UnitChanged);
 
   loaded[1].SetUnit("");
@@ -113,6 +118,75 @@ TEST_F(LvPosListIo, UnitIsKeptInTheDescriptionAlsoWithoutTexts) {
   EXPECT_EQ(UnitProblem("m2"), "");
   EXPECT_NE(UnitProblem("Stunden"), "");  // 7 characters: one too many
   EXPECT_NE(UnitProblem("m😀"), "");
+}
+
+TEST_F(LvPosListIo, SurchargeReferenceSurvivesSaveLoadAndRenumberAndGuardsItsBase) {
+  TLVPosList list = SampleList();  // 01, 01.0001, 01.0002, 02, 02.0001 (numbered later)
+  TLvPos surcharge = testing::Entry('P');
+  surcharge.Struktur.ZuBg = list[3].Struktur.IdBgBeschr;
+  list.Add(surcharge);
+  EXPECT_NE(SetReference(list, 5, 3), "");  // a group is no base
+  EXPECT_NE(SetReference(list, 5, 5), "");
+  ASSERT_EQ(SetReference(list, 5, 2), "");
+  EXPECT_TRUE(list.FChanges().Contains(TModelChangedReason::crReferral));
+  SaveLvPosList(*db_, texts_.get(), list);
+
+  TLVPosList loaded = LoadLvPosList(*db_, texts_.get(), lv_);
+  ASSERT_EQ(loaded[5].RefIDs.size(), 1u);
+  EXPECT_EQ(loaded[5].RefIDs[0].Id, loaded[2].Struktur.IdBgBeschr);
+  EXPECT_EQ(loaded[5].RefIDs[0].Type, kQuantityRefType);
+  EXPECT_EQ(loaded[5].LvBeschr.ZuschArt, 'S');
+  EXPECT_EQ(loaded[2].RefCount, 1);
+  EXPECT_EQ(loaded[1].RefCount, 0);
+
+  ASSERT_EQ(MoveEntry(loaded, 2, 4), "");  // the base moves into the other group
+  RenumberLv(loaded);
+  SaveLvPosList(*db_, texts_.get(), loaded);
+  loaded = LoadLvPosList(*db_, texts_.get(), lv_);
+  const int base = loaded.SearchItemIndexByIdLvBgBeschr(loaded[5].RefIDs[0].Id);
+  EXPECT_EQ(loaded[base].ShortText, "Schalung");
+  EXPECT_EQ(loaded[base].RefCount, 1);
+
+  EXPECT_NE(RemoveEntry(loaded, base), "");  // the surcharge would lose its base
+  EXPECT_EQ(loaded.Count(), 6);
+  ClearReferences(loaded, 5);
+  EXPECT_EQ(RemoveEntry(loaded, base), "");
+  SaveLvPosList(*db_, texts_.get(), loaded);
+  EXPECT_TRUE(LoadLvPosList(*db_, texts_.get(), lv_)[4].RefIDs.empty());
+  EXPECT_EQ(Check(true), 0);
+}
+
+// Records each step of a walk, of the list or of the table, in one notation.
+class TreeTrace : public TLvTreeVisitor, public TAvaLvTreeVisitor {
+ public:
+  void VisitRow(const TLvPos& entry, int, int depth) override { VisitRow(entry.Struktur, depth); }
+  void GroupStarts(const TLvPos& group, bool child_groups) override {
+    GroupStarts(group.Struktur, child_groups);
+  }
+  void GroupEnds(const TLvPos& group) override { GroupEnds(group.Struktur); }
+  void VisitRow(const t_Struktur& row, int depth) override {
+    trace += std::to_string(depth) + row.KzBgBeschr + std::to_string(row.IdBgBeschr) + ";";
+  }
+  void GroupStarts(const t_Struktur&, bool child_groups) override {
+    trace += child_groups ? "[G" : "[";
+  }
+  void GroupEnds(const t_Struktur&) override { trace += "]"; }
+  std::string trace;
+};
+
+TEST_F(LvPosListIo, TableWalkVisitsTheTreeTheListWalkVisits) {
+  TLVPosList list = SampleList();
+  TLvPos sub = testing::Entry('B');
+  sub.Struktur.ZuBg = list[0].Struktur.IdBgBeschr;
+  boq::AddEntry(list, sub, {TLvPlace::Kind::kUnder, 0});
+  SaveLvPosList(*db_, texts_.get(), list);
+  TreeTrace from_list;
+  ForEach(LoadLvPosList(*db_, texts_.get(), lv_), kRootParentId, from_list);
+  TreeTrace from_table;
+  TTbStruktur rows(*db_);
+  TAvaLvTreeIterator(rows, lv_).ForEach(kRootParentId, from_table);
+  EXPECT_EQ(from_table.trace, from_list.trace);
+  EXPECT_NE(from_table.trace.find("[G"), std::string::npos) << from_table.trace;
 }
 
 TEST_F(LvPosListIo, MissingLvIsNamed) {
@@ -154,6 +228,69 @@ TEST(LvPosListSearch, GroupKindFollowsBedarfAndAlternative) {
   list.RefreshGroupKinds();
   EXPECT_EQ(list[0].LvBgBeschr.Titelart, 'E');
   EXPECT_EQ(list[1].LvBgBeschr.Titelart, 'A');
+}
+
+TEST(LvPosListSearch, ByGlobalIdAndDescription) {
+  TLVPosList list =
+      testing::ListOf(testing::NumberedLvHeader("1.PPP"), {{'B', "1"}, {'P', "1.001"}});
+  const uint8_t guid[16] = {0x78, 0x56, 0x34, 0x12, 0x34, 0x12, 0x78, 0x56,
+                            0x9A, 0xBC, 0xDE, 0xF0, 0x12, 0x34, 0x56, 0x78};
+  std::copy(std::begin(guid), std::end(guid), list[1].LvBgBeschr.GUID);
+  list[1].LvBgBeschr.IDBeschr = 77;
+  EXPECT_EQ(list.SearchItemIndexByKatPosGUID(guid), 1);
+  for (const char* id :
+       {"{12345678-1234-5678-9ABC-DEF012345678}", "12345678-1234-5678-9abc-def012345678"}) {
+    EXPECT_EQ(list.SearchItemIndexByDescriptionID(id), 1) << id;
+  }
+  // The group's GUID is all zeros: no id, never found.
+  EXPECT_EQ(list.SearchItemIndexByDescriptionID("{00000000-0000-0000-0000-000000000000}"), -1);
+  EXPECT_EQ(list.GetRefDescr(1), 77);
+  EXPECT_EQ(list.GetRefDescr(5), data::kNullId);
+}
+
+class ChangeLog : public TModelChangeListener {
+ public:
+  void ModelChanged(const TLVPosList& list, TModelChanges changes) override {
+    told.push_back(changes);
+    entry_changes_cleared = list.Count() == 0 || list[0].Changes.Empty();
+  }
+  std::vector<TModelChanges> told;
+  bool entry_changes_cleared = false;
+};
+
+TEST(LvPosListChanges, IdlePassesAccumulatedChangesOnceToRegisteredListeners) {
+  TLVPosList list = testing::ListOf(testing::NumberedLvHeader("1.PPP"), {{'P', "1.001"}});
+  ChangeLog first, second;
+  list.RegisterCData(&first);
+  list.RegisterCData(&second);
+  list.RegisterCData(&first);  // once is enough
+  list.Idle();
+  EXPECT_TRUE(first.told.empty());  // nothing changed
+  list.Changed(0, TModelChangedReason::crCost);
+  list.Changed(TModelChangedReason::crVariable);
+  EXPECT_TRUE(list[0].Changes.Contains(TModelChangedReason::crCost));
+  list.UnRegisterCData(&second);
+  list.Idle();
+  list.Idle();
+  ASSERT_EQ(first.told.size(), 1u);
+  EXPECT_TRUE(first.told[0].Contains(TModelChangedReason::crCost));
+  EXPECT_TRUE(first.told[0].Contains(TModelChangedReason::crVariable));
+  EXPECT_FALSE(first.told[0].Contains(TModelChangedReason::crReferral));
+  EXPECT_TRUE(first.entry_changes_cleared);
+  EXPECT_TRUE(second.told.empty());
+
+  // A copy has no listeners of its own; Assign keeps the target's and tells them.
+  TLVPosList copy = list;
+  copy.Changed(TModelChangedReason::crCost);
+  copy.Idle();
+  EXPECT_EQ(first.told.size(), 1u);
+  TLVPosList other =
+      testing::ListOf(testing::NumberedLvHeader("11.PPPP"), {{'B', "01"}, {'P', "01.0001"}});
+  list.Assign(other);
+  list.Idle();
+  EXPECT_EQ(first.told.size(), 2u);
+  EXPECT_EQ(testing::OzsOf(list), testing::OzsOf(other));
+  EXPECT_EQ(list.FOzMask().FMask(), "11.PPPP");
 }
 
 class Recorder : public TLvTreeVisitor {

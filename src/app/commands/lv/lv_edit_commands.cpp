@@ -16,6 +16,7 @@
 #include "boq/lv/tb_lv_hierarchie.h"
 #include "boq/model/lv_editing.h"
 #include "boq/model/lv_pos_list_io.h"
+#include "boq/model/lv_references.h"
 #include "boq/oz/oz_format.h"
 #include "boq/oz/oz_hierarchy.h"
 #include "boq/text/rtf_writer.h"
@@ -137,7 +138,11 @@ void Apply(const EntryValues& values, boq::TLvPos& entry, LvProject& target) {
   }
   if (values.qty) entry.LvBeschr.FMenge = *values.qty;
   if (values.unit_price) entry.LvBeschr.SchaetzEP.Betrag = *values.unit_price;
-  if (values.unit) entry.SetUnit(*values.unit);
+  if (values.unit) {
+    // A symbol of the unit list is linked to its unit; any other stays free text.
+    const boq::t_Einheit* listed = target.Units().FindSymbol(*values.unit);
+    entry.SetUnit(*values.unit, listed != nullptr ? listed->IdEinheit : data::kNullId16);
+  }
 }
 
 class LvAddCommand : public LvEditOperation {
@@ -194,7 +199,8 @@ class LvSetCommand : public LvEditOperation {
  public:
   std::string Name() const override { return "set"; }
   std::string Summary() const override {
-    return "ändert Felder eines Eintrags: short=, long-file=, qty=, unit=, up=, oz=";
+    return "ändert Felder eines Eintrags: short=, long-file=, qty=, unit=, up=, oz=, ref= (Bezug "
+           "einer Zuschlagsposition S)";
   }
   void Define(CLI::App& app) override {
     app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
@@ -204,6 +210,7 @@ class LvSetCommand : public LvEditOperation {
   int Run(Streams& streams) override {
     EntryValues values;
     std::optional<std::string> new_oz;
+    std::optional<std::string> reference;  // the OZ of the surcharge's base, "" for none
     for (const std::string& assignment : assignments_) {
       const std::size_t equals = assignment.find('=');
       if (equals == std::string::npos)
@@ -222,13 +229,17 @@ class LvSetCommand : public LvEditOperation {
         values.unit = value;
       } else if (field == "oz") {
         new_oz = value;
+      } else if (field == "ref") {
+        reference = value;
       } else {
         throw UsageError("Unbekanntes Feld \"" + field +
-                         "\" (short, long-file, qty, up, unit, oz).");
+                         "\" (short, long-file, qty, up, unit, oz, ref).");
       }
     }
     return RunEdit(streams, "Eintrag ändern", false, [&](boq::TLVPosList& list, LvProject& target) {
-      boq::TLvPos& entry = list[EntryAt(list, oz_)];
+      const int index = EntryAt(list, oz_);
+      if (reference) SetReference(list, index, *reference);
+      boq::TLvPos& entry = list[index];
       Apply(values, entry, target);
       if (new_oz) entry.SetOz(boq::FormLvOZ(*new_oz, list.FOzMask().FMask()));
       return EditOutcome{"Eintrag " + entry.LvBgBeschr.OZ.Get() + " geändert",
@@ -237,6 +248,16 @@ class LvSetCommand : public LvEditOperation {
   }
 
  private:
+  // ref=OZ makes the entry a surcharge item "S" on the item OZ; ref= drops its reference.
+  static void SetReference(boq::TLVPosList& list, int index, const std::string& base) {
+    if (base.empty()) {
+      boq::ClearReferences(list, index);
+      return;
+    }
+    if (std::string problem = boq::SetReference(list, index, EntryAt(list, base)); !problem.empty())
+      throw UsageError("Bezug geht nicht: " + problem + ".");
+  }
+
   static double Number(const std::string& field, const std::string& value) {
     std::string plain = value;
     for (char& c : plain) c = c == ',' ? '.' : c;
@@ -298,7 +319,8 @@ class LvRemoveCommand : public LvEditOperation {
       const int index = EntryAt(list, oz_);
       const boq::TLvPos removed = list[index];
       const int count = boq::SubtreeEnd(list, index) - index;
-      boq::RemoveEntry(list, index);
+      if (std::string problem = boq::RemoveEntry(list, index); !problem.empty())
+        throw CommandError("\"" + oz_ + "\" bleibt: " + problem + ".");
       return EditOutcome{"Eintrag " + removed.LvBgBeschr.OZ.Get() + " entfernt (" +
                              std::to_string(count) + (count == 1 ? " Eintrag)" : " Einträge)"),
                          EntryJson(removed, "removed")};

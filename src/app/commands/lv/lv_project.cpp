@@ -8,6 +8,7 @@
 #include "app/program/program_tables.h"
 #include "boq/lv/lv_table_types.h"
 #include "boq/lv/project_lvs.h"
+#include "boq/model/lv_pos_list_io.h"
 #include "data/db/path_types.h"
 
 namespace korvan::app {
@@ -63,6 +64,17 @@ data::TStdDb* LvProject::TextDb() {
   const data::DbGroupDefinition* group = data::FindDbGroup(kTextDbGroup);
   const data::DatabaseFile texts(*group, data::kPathObjekt, file_->directory());
   return texts.Exists() ? &session_->OpenDatabase(texts) : nullptr;
+}
+
+const boq::TUnitList& LvProject::Units() {
+  if (!units_) {
+    try {
+      units_ = boq::TUnitList::Load(session_->Db(), boq::kEntryTextLanguage);
+    } catch (const boq::EStoredLvError& error) {
+      throw CommandError(error.what());
+    }
+  }
+  return *units_;
 }
 
 int32_t LvProject::ResolveLv(const std::string& name_or_id) {

@@ -3,10 +3,12 @@
 #include <functional>
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "app/commands/lists/master_data_session.h"
+#include "boq/units/unit_list.h"
 #include "data/db/db_groups.h"
 #include "data/tables/std_db.h"
 
@@ -32,6 +34,8 @@ class LvProject {
   // The project's text database beside the LV database, open for writing; nullptr when
   // the project has none. Open the LV database first.
   data::TStdDb* TextDb();
+  // The units of the master data in the language of entry texts, read on first use.
+  const boq::TUnitList& Units();
 
   // The id of the LV that the command line names by id or name; CommandError (in the
   // project's words) when it names none or more than one.
@@ -44,6 +48,7 @@ class LvProject {
   std::unique_ptr<data::DatabaseFile> file_;
   std::unique_ptr<MasterDataSession> session_;
   data::TStdDb* db_ = nullptr;
+  std::optional<boq::TUnitList> units_;
 };
 
 // One step of the journal for the lifetime of the object: everything the command changes

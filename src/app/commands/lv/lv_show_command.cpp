@@ -13,6 +13,8 @@
 #include "boq/model/lv_pos_list_io.h"
 #include "boq/text/rich_text.h"
 #include "boq/text/rtf_reader.h"
+#include "boq/units/unit_list.h"
+#include "boq/units/value_converter.h"
 #include "data/records/null_values.h"
 
 namespace korvan::app {
@@ -62,8 +64,20 @@ std::string Figure(const std::optional<double>& value, const char* format) {
   return result;
 }
 
+// A quantity as the entry's unit writes it: its decimals and notation; a unit the unit
+// list does not hold gets three decimals.
+std::string QuantityText(const boq::TLvPos& entry, double quantity, const boq::TUnitList& units,
+                         const boq::TAvaUiValueConverter& converter) {
+  const boq::t_Einheit* unit = units.Of(entry.UnitId, entry.Unit);
+  if (unit == nullptr) return converter.QtyToString(quantity, 3);
+  return converter.QtyToStringFmt(quantity, unit->Nachkommastellen,
+                                  boq::DecodeValFormat(unit->ValFormat));
+}
+
 void PrintTree(std::ostream& out, const boq::TLVPosList& list,
-               const std::vector<boq::TLvEntryFigures>& figures, double total, bool long_texts) {
+               const std::vector<boq::TLvEntryFigures>& figures, double total, bool long_texts,
+               const boq::TUnitList& units) {
+  const boq::TAvaUiValueConverter converter({}, {});
   const boq::t_Lv_DB_VERSION_3100& lv = list.FLv();
   out << "LV " << lv.FId << " \"" << lv.Name.Get() << "\", Maske " << list.FOzMask().FMask()
       << ", Status " << StatusText(lv.Status) << ", " << list.Count()
@@ -73,7 +87,8 @@ void PrintTree(std::ostream& out, const boq::TLVPosList& list,
     const boq::TLvEntryFigures& figure = figures[static_cast<std::size_t>(i)];
     const std::string indent(static_cast<std::size_t>(2 * (figure.depth - 1)), ' ');
     out << indent << entry.LvBgBeschr.OZ.Get() << "  " << entry.Kind() << "  " << entry.ShortText;
-    if (figure.quantity) out << "  Menge " << Figure(figure.quantity, "%.3f");
+    if (figure.quantity)
+      out << "  Menge " << QuantityText(entry, *figure.quantity, units, converter);
     if (!entry.Unit.empty()) out << ' ' << entry.Unit;
     if (figure.unit_price) out << "  EP " << Figure(figure.unit_price, "%.2f");
     if (figure.total) out << "  GP " << Figure(figure.total, "%.2f");
@@ -108,7 +123,7 @@ int LvShowCommand::Run(Streams& streams) {
   if (json) {
     PrintJson(streams.out, list, figures, total, long_texts_);
   } else {
-    PrintTree(streams.out, list, figures, total, long_texts_);
+    PrintTree(streams.out, list, figures, total, long_texts_, target.Units());
   }
   return kExitOk;
 }
