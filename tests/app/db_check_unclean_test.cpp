@@ -1,27 +1,21 @@
 // `korvan db check` on a database whose writer was killed before it closed it.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "storage/db_kernel.h"
+#include "testing/child_process.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 
 namespace korvan {
 namespace {
 
-// A child process that stores records with a key each, says so, and is killed.
-void WriteAndGetKilled(const std::string& base, int records) {
-  int channel[2];
-  ASSERT_EQ(pipe(channel), 0);
-  const pid_t child = fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
+// Stores records with a key each in a child process, which is killed once it says so.
+int32_t WriteAndGetKilled(const std::string& base, int records) {
+  return testing::ResultThenKill([&] {
     int handle = 0;
     int failed = storage::iDK_DbOpen('T', base, true, false, &handle);
     for (int i = 0; failed == 0 && i < records; ++i) {
@@ -39,24 +33,15 @@ void WriteAndGetKilled(const std::string& base, int records) {
       key.position = static_cast<uint32_t>(position);
       if (failed == 0) failed = storage::iDK_KeyInsert(handle, key);
     }
-    if (write(channel[1], &failed, sizeof failed) != sizeof failed) _exit(3);
-    for (;;) pause();
-  }
-  close(channel[1]);
-  int failed = -1;
-  const bool told = read(channel[0], &failed, sizeof failed) == sizeof failed;
-  kill(child, SIGKILL);
-  waitpid(child, nullptr, 0);
-  close(channel[0]);
-  ASSERT_TRUE(told);
-  ASSERT_EQ(failed, 0);
+    return failed;
+  });
 }
 
 TEST(DbCheckUnclean, KeyFileOfAKilledWriterIsReportedNotTrusted) {
   testing::TempDir dir;
   const std::string base = dir.File("killed");
   testing::ExpectKorvan({"db", "create", base, "--type", "T", "--keylen", "20"}, 0);
-  WriteAndGetKilled(base, 500);
+  ASSERT_EQ(WriteAndGetKilled(base, 500), 0);
 
   const testing::ProgramResult check = testing::ExpectKorvan(
       {"db", "check", base}, 1, {base + "1: nicht sauber geschlossen", "4325"});

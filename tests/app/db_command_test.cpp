@@ -1,5 +1,5 @@
-// `korvan db` end to end: through the binary, on databases made by its own shell and on
-// files damaged by hand.
+// `korvan db` end to end on databases made by its own shell and on files damaged by hand
+// (one damage of each kind: which damage is found is the storage suite's).
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -52,17 +52,12 @@ TEST(DbCommand, ShellMadeDatabaseIsDescribedByInfoDumpKeysAndCheck) {
   EXPECT_EQ(check.exit_code, 0) << check.out << check.err;
   EXPECT_EQ(check.out, base + ": keine Probleme gefunden\n");
 
-  // Keys that lead nowhere and a free block without its free-space key.
-  const ProgramResult shell = RunKorvanBinary(
-      {"db", "shell", base},
-      "key- 138 ~\\x20\\x20\\x20\\x20\\x20\\x20\\x20\\x20\\x2051\n"
-      "key+ 189 ~\\x20\\x20\\x20\\x20\\x20\\x20\\x20\\x20\\x20148\nkey+ 138 Xlost\n");
-  ASSERT_EQ(shell.out, "ok\nok\nok\n") << shell.err;
+  // What the check finds in detail is the storage suite's; one finding per file here.
+  const ProgramResult shell = RunKorvanBinary({"db", "shell", base}, "key+ 138 Xlost\n");
+  ASSERT_EQ(shell.out, "ok\n") << shell.err;
   ExpectKorvan(
       {"db", "check", base}, 1,
-      {base + "0: Block an Position 138: freier Block von 51 Bytes hat 0 Freiraum-Schlüssel\n",
-       base + "0: Freiraum-Schlüssel bei 189 nennt keinen freien Block\n",
-       base + "1: Schlüssel Xlost" + Pads(15) + " zeigt auf 138, wo kein Datensatz beginnt\n"});
+      {base + "1: Schlüssel Xlost" + Pads(15) + " zeigt auf 138, wo kein Datensatz beginnt\n"});
 }
 
 TEST(DbCommand, FailuresExitWithOneAndNameTheFile) {
@@ -104,14 +99,9 @@ TEST(DbCommand, DamagedFilesGiveAClearErrorNamingTheFileNeverACrash) {
   };
   const Damage damages[] = {
       {"data file cut inside its header", '0', 30, 0, ""},
-      {"data file cut inside its last record", '0', 300, 0, ""},
       {"data file header scrambled", '0', -1, 0, std::string("\x13\x37\x00\xff\x42\x42", 6)},
-      {"garbage length in the middle", '0', -1, 138, std::string("\x00\x00\x00\x70", 4)},
       {"most negative length", '0', -1, 80, std::string("\x00\x00\x00\x80", 4)},
-      {"record without type letter", '0', -1, 84, "\x01"},
       {"key file cut inside its first node", '1', 3000, 0, ""},
-      {"key file version scrambled", '1', -1, 0, "\x09"},
-      {"key node count scrambled", '1', -1, 2048, "\xff\x7f"},
       {"key node child pointing at itself", '1', -1, 2050, std::string("\x01\x00\x00\x00", 4)},
   };
   testing::TempDir dir;

@@ -49,34 +49,23 @@ TEST_F(GaebExportCommand, AnLvBuiltOnTheCommandLineIsAnX83WithoutFindingsWrongCa
   EXPECT_FALSE(fs::exists(other));
 }
 
-TEST_F(GaebExportCommand, EveryPhaseAndVersionAndTheDefaultName) {
-  for (const std::string phase : {"82", "84", "85", "86"}) {
-    const std::string file = dir_.File("rohbau.X" + phase);
-    const ProgramResult result = Korvan({"gaeb", "export", "Rohbau", "--phase", phase, "-o", file});
-    if (phase == "86") {
-      EXPECT_TRUE(testing::Contains(result.err, "Warnung: Die Anschrift des Auftraggebers"))
-          << result.err;
-    }
-    ExpectNoFindings(file);
-  }
-  for (const std::string version : {"3.1", "3.2"}) {
-    const std::string file = dir_.File("rohbau" + version + ".X82");
-    Korvan({"gaeb", "export", "Rohbau", "--phase", "82", "--version", version, "--prices", "award",
-            "-o", file},
-           0, {"GAEB DA XML " + version});
-    testing::ExpectKorvan({"gaeb", "check", file}, 0,
-                          {"GAEB DA XML " + version + ", Phase 82", "Fehler: 0"});
-  }
+TEST_F(GaebExportCommand, AnotherVersionAndTheDefaultName) {
+  // Every phase and version is the exchange suite's; here the version option reaches it.
+  const std::string file = dir_.File("rohbau3.2.X82");
+  Korvan({"gaeb", "export", "Rohbau", "--phase", "82", "--version", "3.2", "--prices", "award",
+          "-o", file},
+         0, {"GAEB DA XML 3.2"});
+  testing::ExpectKorvan({"gaeb", "check", file}, 0, {"GAEB DA XML 3.2, Phase 82", "Fehler: 0"});
   // Without -o: "<project>_<LV>.X81" in the current folder.
   const ProgramResult result = Korvan({"gaeb", "export", "Rohbau", "--phase", "81", "--json"});
   const size_t start = result.out.find("\"file\": \"") + 9;
-  const std::string file = result.out.substr(start, result.out.find('"', start) - start);
-  EXPECT_EQ(fs::path(file).extension(), ".X81");
-  EXPECT_TRUE(testing::Contains(file, "_Rohbau")) << file;
+  const std::string named = result.out.substr(start, result.out.find('"', start) - start);
+  EXPECT_EQ(fs::path(named).extension(), ".X81");
+  EXPECT_TRUE(testing::Contains(named, "_Rohbau")) << named;
   EXPECT_TRUE(testing::Contains(result.out, "\"phase\": 81, \"version\": \"3.3\", \"entries\": 6"))
       << result.out;
-  ExpectNoFindings(file);
-  fs::remove(file);
+  ExpectNoFindings(named);
+  fs::remove(named);
 }
 
 }  // namespace

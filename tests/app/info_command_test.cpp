@@ -29,23 +29,6 @@ TEST(InfoCommand, ListsEveryGroupWithItsDatabasesCountsSizesAndWarnings) {
            " Bytes, Schlüssel " + std::to_string(key_size) + " Bytes\n",
        "Summe: 39 Datenbanken, 13 Datensätze", "Dateigrößen: keine Warnungen"});
   EXPECT_TRUE(info.err.empty()) << info.err;
-
-  // Each file grows by one free block as large as the rest of the file, so it stays a
-  // readable database; the block is sparse and takes no disk space.
-  auto grow = [](const fs::path& data_file, int32_t size) {
-    fs::resize_file(data_file, static_cast<uintmax_t>(size));
-    const int32_t free_block = -(size - 80);
-    testing::PatchFile(data_file, 80,
-                       std::string(reinterpret_cast<const char*>(&free_block), sizeof free_block));
-  };
-  const fs::path big = base / "PROJEKTE/Beispiel/DB_UserFelder.QX0";
-  grow(big, 1610612736);
-  const fs::path bigger = base / "STAMMDATEN/DB_QPR.QT0";
-  grow(bigger, 1610612737);
-  ExpectKorvan(
-      {"info", "-d", base.string()}, 0,
-      {"Dateigrößen: 2 Warnungen\n", "  Datei \"" + big.string() + "\" ist größer als 1 GB\n",
-       "  Datei \"" + bigger.string() + "\" erreicht mit "});
 }
 
 TEST(InfoCommand, ReportsEachDamagedDatabaseOrAMissingInstallation) {

@@ -125,26 +125,6 @@ TEST_F(SharedDirectory, RebuildAndReorgWaitForOtherUsersThenRefuseNamingThem) {
   ExpectKorvan(On({"reorg"}), 0);
 }
 
-// A user whose program was killed never signed off; the entry must not block anybody.
-TEST_F(SharedDirectory, TheEntryOfAKilledUserDoesNotBlock) {
-  {
-    testing::ChildProcess killed([&](const testing::Channel& parent) {
-      data::TControlList list(stamm_dir_);
-      parent.Send(list.Open({"Weg", "buero-4"}, true) ? 'y' : 'n');
-      for (;;) pause();
-      return 0;
-    });
-    ASSERT_EQ(killed.Receive(), 'y');
-  }  // killed: its process ends without signing off
-  ASSERT_TRUE(Contains(ReadFile(stamm_dir_ + data::kControlFileName), "Weg"));
-
-  const int row = ListRowOf(Currencies(), "Schweizer Franken");
-  ExpectKorvan(EditFactor(row, "0,98"), 0, {"gespeichert"});
-  ExpectKorvan(On({"rebuild"}), 0);
-  EXPECT_TRUE(Contains(RowLine(Currencies(), row), "0,98"));
-  EXPECT_FALSE(Contains(ReadFile(stamm_dir_ + data::kControlFileName), "Weg"));
-}
-
 // Another user storing the same record holds its lock in the database's lock file: the
 // edit waits the configured time, then refuses and stores nothing.
 TEST_F(SharedDirectory, EditWaitsForTheRecordLockOfAnotherUserThenRefuses) {
@@ -192,38 +172,6 @@ void ExpectAcknowledgedOrRefusedClearly(const std::vector<EditRun>& edits,
       EXPECT_TRUE(Contains(edit.result.err, "gewartet")) << name << ": " << edit.result.err;
     }
   }
-}
-
-TEST_F(SharedDirectory, EditsBesideEachOtherAndBesideUndoWaitInsteadOfFailing) {
-  SetLockTimeout(10000);
-  const std::string listing = Currencies();
-  const std::vector<int> rows = {ListRowOf(listing, "US-Dollar"),
-                                 ListRowOf(listing, "Schweizer Franken"),
-                                 ListRowOf(listing, "Pfund")};
-  for (int row : rows) ASSERT_GT(row, 0);
-  ExpectKorvan(EditFactor(rows[2], "2,5"), 0);
-
-  std::vector<EditRun> edits;
-  {
-    Background first(EditFactor(rows[0], "3,11"));
-    Background second(EditFactor(rows[1], "3,22"));
-    Background undo(On({"undo"}));  // takes back the edit of the third row
-    edits.push_back({rows[0], "3,11", first.Finish()});
-    edits.push_back({rows[1], "3,22", second.Finish()});
-    const ProgramResult undone = undo.Finish();
-    EXPECT_EQ(undone.exit_code, 0) << undone.err;
-  }
-  // The undo took back the newest of the three edits, whichever that was by then; the
-  // other two are there.
-  edits.push_back({rows[2], "2,5", ProgramResult{0, "gespeichert", ""}});
-  const std::string after = Currencies();
-  int present = 0;
-  for (const EditRun& edit : edits) {
-    EXPECT_EQ(edit.result.exit_code, 0) << "waited ten seconds: " << edit.result.err;
-    if (Contains(RowLine(after, edit.row), edit.factor)) ++present;
-  }
-  EXPECT_EQ(present, 2) << after;
-  ExpectKorvan({"db", "check", stamm_}, 0);
 }
 
 TEST_F(SharedDirectory, EditsBesideRebuildReorgListAndCheckLoseNothingAcknowledged) {
