@@ -1,7 +1,9 @@
 #include "boq/text/tb_text_header.h"
 
+#include <cstddef>
 #include <vector>
 
+#include "boq/lv/lv_entry_records.h"
 #include "boq/lv/lv_table_types.h"
 #include "boq/text/tb_text_erg_header.h"
 #include "boq/text/tb_textzeile.h"
@@ -115,6 +117,14 @@ void TTbTextHeader::DoValidateRecord(TDataCheck& check) {
   if (Rec().KzBezug == 'K' || Rec().KzBezug == 'L') {
     check.CheckItemForElementAsPrimaryKeyInTable("IdBezug", Rec().IdBezug, kNullId, kLvDbType,
                                                  kBeschrTableType, data::TRepair::kClarify);
+    // A description belongs to one entry: a group or an item, never both.
+    constexpr size_t kDescriptionField =
+        offsetof(t_LVBg_3000, LvBgBeschr1) + offsetof(t_LvBgBeschr_3000, IDBeschr);
+    static_assert(kDescriptionField ==
+                  offsetof(t_LVBeschr_3000, LvBgBeschr1) + offsetof(t_LvBgBeschr_3000, IDBeschr));
+    check.CheckItemForElementInOneOfTables("IdBezug", Rec().IdBezug, kLvDbType, kLvBgTableType,
+                                           kLvBeschrTableType, kDescriptionField,
+                                           "- DS in beiden Hierarchietabellen enthalten -");
   }
 }
 

@@ -25,6 +25,16 @@ std::string TCheckItemForElementAsPrimaryKeyInTable::DefaultNote() const {
   return Printf("%s -> set to default (%d) ", FPropertyName.c_str(), FDataDefaultValue);
 }
 
+bool TCheckItemForElementInOneOfTables::Passes(const TDataIntegrity& run) const {
+  return !run.CheckRecordFieldValueInTable(FData, FDBTyp, FTables[0], FOffset) ||
+         !run.CheckRecordFieldValueInTable(FData, FDBTyp, FTables[1], FOffset);
+}
+
+std::string TCheckItemForElementInOneOfTables::Finding(const TDataIntegrity& run) const {
+  return Printf("ForeignKey: %s=%d in %s - %c und %c %s", FPropertyName.c_str(), FData,
+                run.DatabaseName(FDBTyp).c_str(), FTables[0], FTables[1], FQEHName.c_str());
+}
+
 bool TCheckItemForCharSelector::Passes(const TDataIntegrity&) const {
   return TDataIntegrity::CheckCharSelector(FData, FValidCharSelectors);
 }
@@ -144,6 +154,16 @@ bool TDataCheck::CheckItemForElementAsPrimaryKeyInTable(std::string_view name, i
   if (item.Passes(FDI)) return true;
   Failed(item, repair);
   if (repair == TRepair::kSetDefault) field = default_value;
+  return false;
+}
+
+bool TDataCheck::CheckItemForElementInOneOfTables(std::string_view name, int32_t value,
+                                                  char db_type, char first_table, char second_table,
+                                                  size_t offset, std::string_view qeh_name) {
+  const TCheckItemForElementInOneOfTables item(name, value, db_type, first_table, second_table,
+                                               offset, qeh_name);
+  if (item.Passes(FDI)) return true;
+  Failed(item, TRepair::kClarify);
   return false;
 }
 

@@ -87,6 +87,31 @@ class TCheckItemForCharSelector : public TCheckItem {
   std::string FQEHName;
 };
 
+// The value must not stand in the field at `offset` of records of both tables (a record
+// may belong to one of two kinds of owner, not to both).
+class TCheckItemForElementInOneOfTables : public TCheckItem {
+ public:
+  TCheckItemForElementInOneOfTables(std::string_view name, int32_t data, char db_type,
+                                    char first_table, char second_table, size_t offset,
+                                    std::string_view qeh_name)
+      : TCheckItem(name),
+        FData(data),
+        FDBTyp(db_type),
+        FTables{first_table, second_table},
+        FOffset(offset),
+        FQEHName(qeh_name) {}
+  bool Passes(const TDataIntegrity& run) const override;
+  std::string Finding(const TDataIntegrity& run) const override;
+  std::string DefaultNote() const override { return ""; }
+
+ private:
+  int32_t FData;
+  char FDBTyp;
+  char FTables[2];
+  size_t FOffset;
+  std::string FQEHName;
+};
+
 // The value must differ from the previous record's in key order.
 class TCheckItemForUniqueKey : public TCheckItem {
  public:
@@ -154,6 +179,11 @@ class TDataCheck {
   bool CheckItemForElementAsPrimaryKeyInTable(std::string_view name, int32_t& field,
                                               int32_t default_value, char db_type, char ref_table,
                                               TRepair repair = TRepair::kSetDefault);
+  // A value that stands in the field at `offset` of records of both tables is a finding
+  // with `qeh_name` as its explanation; nothing is repaired.
+  bool CheckItemForElementInOneOfTables(std::string_view name, int32_t value, char db_type,
+                                        char first_table, char second_table, size_t offset,
+                                        std::string_view qeh_name);
   // Compares with the value the same rule saw in the previous record of the walk.
   bool CheckItemForUniqueKey(std::string_view name, int32_t value,
                              TRepair repair = TRepair::kClarify);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <map>
 
 #include "data/common/message_format.h"
@@ -95,6 +96,33 @@ bool TDataIntegrity::CheckRecordElementAsPrimaryKeyInTable(int32_t value, char d
       MakeKeyEntry(BuildKeyPattern(table_type, '1', KeyNumber(value), db->KeyLength()));
   uint32_t position = 0;
   return storage::iDK_KeyFirstMatch(db->Handle(), entry, &position) == storage::kOk;
+}
+
+bool TDataIntegrity::CheckRecordFieldValueInTable(int32_t value, char db_type, char table_type,
+                                                  size_t offset) const {
+  return FieldValues({db_type, table_type, offset}).contains(value);
+}
+
+const std::unordered_set<int32_t>& TDataIntegrity::FieldValues(const FieldKey& key) const {
+  const auto known = FFieldValues.find(key);
+  if (known != FFieldValues.end()) return known->second;
+  std::unordered_set<int32_t>& values = FFieldValues[key];
+  const auto [db_type, table_type, offset] = key;
+  for (const Entry& entry : FDatabases) {
+    if (entry.db->DbType() != db_type) continue;
+    for (const std::unique_ptr<TStdTB>& table : entry.tables) {
+      if (table->TableType() != table_type) continue;
+      std::vector<std::vector<uint8_t>> records;
+      if (table->GetBatch("", '1', records) != storage::kOk) continue;
+      for (const std::vector<uint8_t>& record : records) {
+        if (record.size() < offset + sizeof(int32_t)) continue;
+        int32_t field = 0;
+        std::memcpy(&field, record.data() + offset, sizeof field);
+        values.insert(field);
+      }
+    }
+  }
+  return values;
 }
 
 bool TDataIntegrity::CheckDBRecordCountDiff(TStdTB& table, int primary_keys, int* records) const {

@@ -2,10 +2,13 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <unordered_set>
 #include <vector>
 
 #include "data/integrity/integrity_log.h"
@@ -72,6 +75,12 @@ class TDataIntegrity {
   // of `table_type` in the run's database of `db_type`. A run without such a database
   // cannot tell and answers true.
   bool CheckRecordElementAsPrimaryKeyInTable(int32_t value, char db_type, char table_type) const;
+  // Whether some record of `table_type` in the run's database of `db_type` holds `value`
+  // in its 32-bit field at byte `offset`. The field's values are read once per run (a
+  // table without an index on the field would be walked per record otherwise). A run
+  // without such a database or table answers false.
+  bool CheckRecordFieldValueInTable(int32_t value, char db_type, char table_type,
+                                    size_t offset) const;
   static bool CheckCharSelector(char value, std::string_view valid);
   static bool CheckUniqueKey(int32_t value, int32_t predecessor) { return value != predecessor; }
   static bool CheckMandatoryValue(int32_t value, int32_t default_value) {
@@ -103,7 +112,11 @@ class TDataIntegrity {
   void CheckUnknownTables(const Entry& entry, const std::vector<int32_t>& live_positions);
   bool KnowsTable(const Entry& entry, char table_type) const;
 
+  using FieldKey = std::tuple<char, char, size_t>;  // database type, table type, offset
+  const std::unordered_set<int32_t>& FieldValues(const FieldKey& key) const;
+
   TTableRegistry FRegistry;
+  mutable std::map<FieldKey, std::unordered_set<int32_t>> FFieldValues;
   std::vector<Entry> FDatabases;
   std::vector<TDiLogItem> FLogItems;
   size_t FItemIndex = 0;

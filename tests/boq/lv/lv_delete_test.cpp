@@ -200,6 +200,25 @@ TEST_F(LvTextsTest, ALongTextWithoutItsDescriptionIsReportedAndKept) {
   EXPECT_EQ(TLongTextStore(*texts_).Read(9999, 'L', 49).rich_text, "Waise");
 }
 
+// A description belongs to one entry; one named by a group and an item is reported.
+TEST_F(LvTextsTest, ADescriptionOfAGroupAndAnItemIsReported) {
+  const int32_t lv = NewLv("Rohbau");
+  const int32_t group = AddEntry(lv, 'B', kRootParentId, true);
+  const int32_t item = AddEntry(lv, 'P', group, true);
+  TTbLvBg groups(*db_);
+  ASSERT_TRUE(groups.GetKey(KeyNumber(group), '1'));
+  const int32_t shared = groups.Rec().LvBgBeschr1.IDBeschr;
+  ASSERT_EQ(TLongTextStore(*texts_).Store(shared, 'L', 49, "Beton", {}), 0);
+  std::string log;
+  EXPECT_EQ(Check(true, &log), 0) << log;
+  TTbLvBeschr items(*db_);
+  ASSERT_TRUE(items.GetKey(KeyNumber(item), '1'));
+  items.Rec().LvBgBeschr1.IDBeschr = shared;
+  ASSERT_EQ(items.UpDateRec(), 0);
+  EXPECT_GE(Check(true, &log), 1);
+  EXPECT_NE(log.find("- DS in beiden Hierarchietabellen enthalten -"), std::string::npos) << log;
+}
+
 TEST_F(LvDeleteTest, AnLvWithoutBimFolderOrEntriesIsDeletedAlike) {
   const int32_t lv = NewLv("Leer");
   EXPECT_NO_THROW(DeleteLv(*db_, lv));
