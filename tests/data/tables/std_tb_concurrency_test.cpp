@@ -202,28 +202,18 @@ TEST_F(TableTest, TwoProcessesInsertingTheSameUniqueIdsLeaveOneRecordEach) {
     }
     return inserted;
   };
-  int channel[2];
-  ASSERT_EQ(pipe(channel), 0);
-  std::vector<pid_t> writers;
-  for (int w = 0; w < 2; ++w) {
-    const pid_t pid = fork();
-    ASSERT_GE(pid, 0);
-    if (pid == 0) {
-      const int inserted = insert_all();
-      _exit(write(channel[1], &inserted, sizeof inserted) == ssize_t{sizeof inserted} ? 0 : 1);
-    }
-    writers.push_back(pid);
-  }
-  close(channel[1]);
+  const auto writer = [&](const korvan::testing::Channel& parent) {
+    return parent.Send(insert_all()) ? 0 : 1;
+  };
+  korvan::testing::ChildProcess first(writer);
+  korvan::testing::ChildProcess second(writer);
   int total = 0;
-  for (pid_t pid : writers) {
-    int inserted = -1;
-    EXPECT_EQ(read(channel[0], &inserted, sizeof inserted), ssize_t{sizeof inserted});
+  for (korvan::testing::ChildProcess* child : {&first, &second}) {
+    const int32_t inserted = child->Receive();
     EXPECT_GE(inserted, 0) << "a writer failed with " << -inserted;
     total += inserted;
-    waitpid(pid, nullptr, 0);
+    EXPECT_EQ(child->Wait(), 0);
   }
-  close(channel[0]);
   EXPECT_EQ(total, kIds) << "inserts acknowledged to both writers";
 
   db_ = std::make_unique<TStdDb>("DB_Stamm", directory, kDbType, kKeyLength);
