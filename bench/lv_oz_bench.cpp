@@ -3,7 +3,9 @@
 // resident memory of the loaded list is reported beside the times.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -20,7 +22,14 @@ namespace korvan::boq {
 namespace {
 
 constexpr int kGroupsPerLevel = 10;  // 10 + 100 + 1000 groups
-constexpr int kEntries = 50000;
+constexpr int kDefaultEntries = 50000;
+
+// KORVAN_BENCH_ENTRIES sets a smaller LV for a quick run (at least the 1 110 groups).
+int EntryCount() {
+  const char* text = std::getenv("KORVAN_BENCH_ENTRIES");
+  const int wanted = text != nullptr ? std::atoi(text) : kDefaultEntries;
+  return std::max(wanted, 1110 + 1000);
+}
 
 // Resident memory of the process in kB (VmRSS).
 long ResidentKb() {
@@ -44,9 +53,11 @@ class BigLv {
     lv_id_ = CreateLv(*lv_db_, {"Gross", "11.22.33.PPPP"});
     const auto start = std::chrono::steady_clock::now();
     TLVPosList list = LoadLvPosList(*lv_db_, text_db_.get(), lv_id_);
-    // 1110 groups and 48 or 49 items in each of the 1000 lowest groups: 50 000 entries.
+    // 1110 groups and the items spread evenly over the 1000 lowest groups (48 or 49 each for
+    // 50 000 entries).
     const int lowest_groups = kGroupsPerLevel * kGroupsPerLevel * kGroupsPerLevel;
-    const int spare_items = kEntries - 1110 - 48 * lowest_groups;
+    const int items_per_group = (EntryCount() - 1110) / lowest_groups;
+    const int spare_items = EntryCount() - 1110 - items_per_group * lowest_groups;
     int lowest_group = 0;
     for (int a = 0; a < kGroupsPerLevel; ++a) {
       const int top = AddEntry(list, NewLvPos('B'), {});
@@ -60,7 +71,7 @@ class BigLv {
           group.ShortText = "Titel";
           list.Add(group);
           const int32_t group_id = group.Struktur.IdBgBeschr;
-          const int items = 48 + (lowest_group++ < spare_items ? 1 : 0);
+          const int items = items_per_group + (lowest_group++ < spare_items ? 1 : 0);
           for (int i = 0; i < items; ++i) {
             TLvPos item = NewLvPos('P');
             item.Struktur.ZuBg = group_id;

@@ -44,9 +44,10 @@ struct DbHandleSlot {
   uint64_t cached_change_stamp = 0;  // the stamp the cached key blocks belong to
   int tree_lock_depth = 0;           // nesting of TreeLock on this handle
   bool tree_lock_exclusive = false;
-  int tree_holds = 0;         // levels of tree_lock_depth held over several operations
-  bool stamp_raised = false;  // the exclusive lock held now has raised the stamp on disk
-  uint64_t change_mark = 0;   // goes up with every change this handle sees (iDK_ChangeMark)
+  int tree_holds = 0;          // levels of tree_lock_depth held over several operations
+  bool stamp_raised = false;   // the exclusive lock held now has raised the stamp on disk
+  uint64_t change_mark = 0;    // goes up with every change this handle sees (iDK_ChangeMark)
+  bool data_unsynced = false;  // data written under the tree lock waits for its sync
 
   bool InUse() const { return !file_name.empty(); }
   bool IsWritable() const { return (open_mode & 2) != 0; }

@@ -131,7 +131,7 @@ int iDK_DbSetTimeStamp(int handle, double time_stamp) {
   if (slot->file_time_stamp == time_stamp) return kOk;
   kernel::DataFileInfo info;
   if (int result = kernel::ReadDataFileInfo(slot->data_file, &info); result != kOk) return result;
-  if (kernel::WriteAt(slot->data_file, info.stamp_offset, &time_stamp, sizeof time_stamp) != kOk) {
+  if (kernel::WriteData(*slot, info.stamp_offset, &time_stamp, sizeof time_stamp) != kOk) {
     return kDkIoError;
   }
   slot->file_time_stamp = time_stamp;

@@ -19,11 +19,10 @@
 namespace korvan::storage {
 namespace {
 
-// Data files are written through: a write returns when the data is on disk. Key files
-// are not: their blocks are written back after every change for other processes to
-// see, and synced at flush and close; a key file whose writer ended without that is
-// rebuilt (key_file_sharing.h).
-constexpr int kWriteThrough = O_DSYNC;
+// Data files are written through: a change returns when its data is on disk
+// (kernel::WriteData). Key files are not: their blocks are written back after every
+// change for other processes to see, and synced at flush and close; a key file whose
+// writer ended without that is rebuilt (key_file_sharing.h).
 constexpr int kNewFileMode = 0666;
 
 void CloseQuietly(int fd) {
@@ -64,7 +63,7 @@ int KeyFileOpenError(int error) {
 
 // Opens a data file in a mode and takes the mode's share markers; -1 with errno.
 int OpenDataFile(const std::string& path, uint16_t mode) {
-  const int fd = kernel::OpenFile(path, OpenFlagsForMode(mode) | kWriteThrough);
+  const int fd = kernel::OpenFile(path, OpenFlagsForMode(mode));
   if (fd < 0) return -1;
   if (int error = AcquireShareMode(fd, mode); error != 0) {
     close(fd);
@@ -115,7 +114,8 @@ int WriteNewHeader(int data_fd) {
   const auto& table = DbHandleTable::Instance();
   const double stamp = table.new_file_time_stamp().value_or(DelphiNow());
   const TDataFileHeader header = MakeDataFileHeader(table.new_file_version(), stamp);
-  return kernel::WriteAt(data_fd, 0, &header, sizeof header) == kOk ? kOk : kDkDataFileInitFailed;
+  const bool written = kernel::WriteAt(data_fd, 0, &header, sizeof header) == kOk;
+  return written && fdatasync(data_fd) == 0 ? kOk : kDkDataFileInitFailed;
 }
 
 int FlushKeyFileCache(int handle) {

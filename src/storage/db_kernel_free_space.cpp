@@ -103,7 +103,7 @@ int RemoveFreeSpaceKey(int handle, int32_t position, int64_t block_length) {
   return result == kOk ? kOk : kDkFatalRegenerateOk;
 }
 
-int FreeRecordBlock(int handle, const DbHandleSlot& slot, int32_t position, TDbRecordHeader freed) {
+int FreeRecordBlock(int handle, DbHandleSlot& slot, int32_t position, TDbRecordHeader freed) {
   int64_t file_size = 0;
   if (FileSize(slot.data_file, &file_size) != kOk) return kDkIoError;
   int64_t total = -static_cast<int64_t>(freed.RecLen);
@@ -122,10 +122,10 @@ int FreeRecordBlock(int handle, const DbHandleSlot& slot, int32_t position, TDbR
     next += size;
   }
   // One write frees the record and swallows the free blocks behind it: the old free
-  // lengths inside the merged block are never read again. With write-through on, that
-  // is one synchronous write per delete.
+  // lengths inside the merged block are never read again: one synchronous write per
+  // delete, at the end of the change.
   freed.RecLen = static_cast<int32_t>(-total);
-  if (WriteAt(slot.data_file, position, &freed, sizeof freed) != kOk) return kDkIoError;
+  if (WriteData(slot, position, &freed, sizeof freed) != kOk) return kDkIoError;
   if (next >= file_size) {
     return ftruncate(slot.data_file, position) == 0 ? kOk : kDkIoError;
   }

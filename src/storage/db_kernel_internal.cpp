@@ -40,6 +40,19 @@ int WriteAt(int fd, int64_t position, const void* data, size_t size) {
   return kOk;
 }
 
+int WriteData(DbHandleSlot& slot, int64_t position, const void* data, size_t size) {
+  if (int written = WriteAt(slot.data_file, position, data, size); written != kOk) return written;
+  slot.data_unsynced = true;
+  const bool in_change = slot.tree_lock_depth > 0 && slot.tree_lock_exclusive;
+  return in_change ? kOk : SyncDataFile(slot);
+}
+
+int SyncDataFile(DbHandleSlot& slot) {
+  if (!slot.data_unsynced) return kOk;
+  slot.data_unsynced = false;
+  return fdatasync(slot.data_file) == 0 ? kOk : kDkIoError;
+}
+
 int FileSize(int fd, int64_t* size) {
   struct stat info {};
   if (fstat(fd, &info) != 0) return kDkIoError;

@@ -28,6 +28,16 @@ int WriteAt(int fd, int64_t position, const void* data, size_t size);
 // 0 or 4320.
 int FileSize(int fd, int64_t* size);
 
+// Writes to a data file. Outside a change under the tree lock the bytes are on disk when
+// this returns. Inside one they are synced once, when the outermost level of the lock
+// ends (SyncDataFile from the lock's release): an operation, or a batch of operations
+// under one hold, costs one sync, and other processes, which see the change only after
+// that release, never see data that is not on disk.
+int WriteData(DbHandleSlot& slot, int64_t position, const void* data, size_t size);
+// Puts the data file's outstanding writes on disk: at the end of a change, and between
+// two writes whose order must survive a power cut. 0 or 4320.
+int SyncDataFile(DbHandleSlot& slot);
+
 // The kernel's code for a key layer result (4315, 4336, 4326, 4291, 4314, else as is).
 int MapKeyResult(int key_result);
 // Runs a key layer call and turns a block I/O failure into 4320.
@@ -51,7 +61,7 @@ int RemoveFreeSpaceKey(int handle, int32_t position, int64_t block_length);
 // Frees the record block at `position`: merges the free blocks that follow it into one
 // free block, whose header (`freed`, its length negated) is written once, or truncates
 // the file when only free space follows.
-int FreeRecordBlock(int handle, const DbHandleSlot& slot, int32_t position, TDbRecordHeader freed);
+int FreeRecordBlock(int handle, DbHandleSlot& slot, int32_t position, TDbRecordHeader freed);
 
 struct DataFileInfo {
   uint32_t version = 0;

@@ -84,17 +84,19 @@ std::vector<uint8_t> SlotImage(const void* record, int32_t record_length, int32_
 // ordered so that a crash between or during them leaves blocks that read as a chain:
 // first the record's body and, behind it, the length of the remaining free block (the
 // block still starts with its old free length, so all of it is still one free block);
-// then the record's length, which turns the front into the record.
-int WriteIntoFreeBlock(const DbHandleSlot& slot, const void* record, int32_t length,
+// then the record's length, which turns the front into the record. A sync between them
+// keeps that order on disk too.
+int WriteIntoFreeBlock(DbHandleSlot& slot, const void* record, int32_t length,
                        const kernel::FreeBlock& block) {
   constexpr size_t kLengthField = sizeof(int32_t);
   std::vector<uint8_t> image = SlotImage(record, length, length);
   const int32_t rest_length = -(block.length - length);
   image.resize(image.size() + kLengthField);
   std::memcpy(image.data() + length, &rest_length, kLengthField);
-  if (kernel::WriteAt(slot.data_file, int64_t{block.position} + kLengthField,
-                      image.data() + kLengthField, image.size() - kLengthField) != kOk ||
-      kernel::WriteAt(slot.data_file, block.position, image.data(), kLengthField) != kOk) {
+  if (kernel::WriteData(slot, int64_t{block.position} + kLengthField, image.data() + kLengthField,
+                        image.size() - kLengthField) != kOk ||
+      kernel::SyncDataFile(slot) != kOk ||
+      kernel::WriteData(slot, block.position, image.data(), kLengthField) != kOk) {
     return kDkIoError;
   }
   return kOk;
@@ -210,7 +212,7 @@ int iDK_RecordInsert(int handle, void* record, int32_t length, bool reuse_free_s
     }
   } else {
     const std::vector<uint8_t> image = SlotImage(record, length, occupied);
-    if (kernel::WriteAt(slot->data_file, target, image.data(), image.size()) != kOk) {
+    if (kernel::WriteData(*slot, target, image.data(), image.size()) != kOk) {
       return kDkIoError;
     }
   }
@@ -255,7 +257,8 @@ int iDK_RecordUpdate(int handle, void* record, int32_t old_length, int32_t posit
   static_cast<TDbRecordHeader*>(record)->LastModified = DelphiNow();
   RecordCache::Instance().Forget(handle, position);
   const std::vector<uint8_t> image = SlotImage(record, new_length, stored.RecLen);
-  return kernel::WriteAt(slot->data_file, position, image.data(), image.size());
+  if (kernel::WriteData(*slot, position, image.data(), image.size()) != kOk) return kDkIoError;
+  return lock.Release();
 }
 
 int iDK_RecordDelete(int handle, void* record, int32_t position) {

@@ -166,6 +166,8 @@ int CheckAndRebuild(int handle, DbHandleSlot& slot) {
 // lets go.
 int LeaveTreeLevel(int handle, DbHandleSlot& slot) {
   if (--slot.tree_lock_depth > 0) return kOk;
+  // The data is on disk before anyone else can read the change.
+  const int synced = SyncDataFile(slot);
   int result = kOk;
   const FileCache* cache = BlockCache::Instance().Find(handle);
   if (slot.tree_lock_exclusive && cache != nullptr && cache->DirtyBlocks() > 0) {
@@ -178,7 +180,7 @@ int LeaveTreeLevel(int handle, DbHandleSlot& slot) {
   slot.tree_lock_exclusive = false;
   slot.stamp_raised = false;
   UnlockByte(slot.key_file, kTreeLockByte);
-  return result;
+  return synced != kOk ? synced : result;
 }
 
 }  // namespace

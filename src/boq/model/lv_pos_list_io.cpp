@@ -19,6 +19,7 @@
 #include "boq/text/tb_texte.h"
 #include "data/common/result_code_text.h"
 #include "data/records/null_values.h"
+#include "data/tables/batch_hold.h"
 #include "data/tables/table_key.h"
 #include "data/tables/tb_counter.h"
 #include "storage/result_codes.h"
@@ -98,7 +99,8 @@ class ListWriter {
     const int32_t lv_id = list_.FLv().FId;
     std::map<int32_t, t_Struktur> stored = StoredRows(lv_id);
     std::map<int32_t, int32_t> children_of;
-    const std::map<int32_t, int32_t> new_ids = GiveNewIds();
+    data::TBatchHold batch({&db_, text_db_});
+    const std::map<int32_t, int32_t> new_ids = GiveNewIds(batch);
     for (int i = 0; i < list_.Count(); ++i) {
       TLvPos& entry = list_[i];
       // Entries placed below or referring to new entries name them by their temporary
@@ -131,21 +133,36 @@ class ListWriter {
       WriteRow(entry);
       if (text_db_ != nullptr) WriteTexts(entry);
       if (existed) stored.erase(old);
+      EndOfStep(batch.Step());
     }
-    for (const auto& [id, row] : stored) DeleteRow(id, row);
+    for (const auto& [id, row] : stored) {
+      DeleteRow(id, row);
+      EndOfStep(batch.Step());
+    }
+    EndOfStep(batch.Finish());
     CountReferences(list_);
   }
 
  private:
+  void EndOfStep(int batch_result) {
+    if (batch_result != storage::kOk) {
+      Fail(db_,
+           "die Einträge des LV " + std::to_string(list_.FLv().FId) +
+               " können nicht auf die Platte geschrieben werden",
+           batch_result);
+    }
+  }
+
   // New entries carry no id or a temporary one below zero; they get their ids first, in
   // list order. Returns the temporary ids with the real ones.
-  std::map<int32_t, int32_t> GiveNewIds() {
+  std::map<int32_t, int32_t> GiveNewIds(data::TBatchHold& batch) {
     std::map<int32_t, int32_t> new_ids;
     for (TLvPos& entry : list_.Entries()) {
       const int32_t old = entry.Struktur.IdBgBeschr;
       if (old > 0 && old != kNullId) continue;
       entry.Struktur.IdBgBeschr = NextId(kEntryCounterName);
       if (old < 0) new_ids[old] = entry.Struktur.IdBgBeschr;
+      EndOfStep(batch.Step());
     }
     return new_ids;
   }
