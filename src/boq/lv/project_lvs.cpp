@@ -7,6 +7,9 @@
 #include "boq/lv/lv_texts.h"
 #include "boq/lv/tb_lv.h"
 #include "boq/lv/tb_struktur.h"
+#include "boq/qty/item_quantities.h"
+#include "boq/text/tb_texte.h"
+#include "boq/vars/variable_codes.h"
 #include "data/common/cp1252.h"
 #include "data/common/result_code_text.h"
 #include "data/records/null_values.h"
@@ -158,6 +161,14 @@ void DeleteLv(data::TStdDb& db, int32_t id, data::TStdDb* text_db) {
   if (text_db != nullptr) {
     if (int result = DeleteLvTexts(*text_db, id, DescriptionsOf(db, id)); result != storage::kOk) {
       Fail(*text_db, "die Texte von " + name + " können nicht gelöscht werden", result);
+    }
+    TTbTexte variable_lines(*text_db);
+    for (const int32_t variable : VariablesOfLv(db, id)) {
+      if (int result = variable_lines.DeleteOwner(variable, kVariableTextKind);
+          result != storage::kOk) {
+        Fail(*text_db, "die Texte der Variablen von " + name + " können nicht gelöscht werden",
+             result);
+      }
     }
   }
   if (int result = headers.DeleteRec(); result != storage::kOk) {

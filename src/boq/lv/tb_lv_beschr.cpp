@@ -3,6 +3,7 @@
 #include "boq/lv/lv_codes.h"
 #include "boq/lv/lv_entry_common.h"
 #include "boq/lv/tb_beschr.h"
+#include "boq/qty/item_quantities.h"
 #include "data/integrity/data_check.h"
 #include "data/records/money_fields.h"
 #include "data/records/null_values.h"
@@ -57,8 +58,12 @@ void TTbLvBeschr::DoValidateRecord(TDataCheck& check) {
 
 int TTbLvBeschr::DeleteRecEx(bool with_description) {
   const int32_t description = Rec().LvBgBeschr1.IDBeschr;
-  // The measurement rows, partial quantities, quantity formulas, variables and markup
-  // quantities of the item go here first once their tables are there.
+  // What hangs on the item goes first: its partial quantities (with their own variables),
+  // its variables and its markup partial quantities. Measurement rows and quantity
+  // formulas join here with their tables.
+  if (int result = DeleteItemQuantities(Db(), Rec().LvBgBeschr1.ID); result != storage::kOk) {
+    return result;
+  }
   if (with_description && description != kNullId) {
     TTbBeschr descriptions(Db());
     if (int result = descriptions.DeleteIfThere(description); result != storage::kOk) {

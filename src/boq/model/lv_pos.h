@@ -8,6 +8,8 @@
 #include "boq/lv/struktur_record.h"
 #include "boq/model/model_changes.h"
 #include "data/records/null_values.h"
+#include "boq/qty/qty_determ.h"
+#include "data/tables/std_db.h"
 
 // One entry of an LV in memory. A plain value: the records of the entry (its structure
 // row and its group or item data) are held whole, so that numbering, sums and searches
@@ -40,6 +42,7 @@ struct TLvPos {
   std::vector<TLvPosRef> RefIDs;             // the entries this one refers to (lv_references.h)
   int32_t RefCount = 0;                      // how many references of other entries name this one
   TModelChanges Changes;                     // what changed since the list last passed it on
+  std::vector<TQtyDeterm> QtyDeterms;        // filled by RecalcQuantity (lv_pos_quantity.cpp)
 
   char Kind() const { return Struktur.KzBgBeschr; }
   void SetKind(char kind) { Struktur.KzBgBeschr = kind; }
@@ -57,6 +60,17 @@ struct TLvPos {
     UnitId = unit_id;
     UnitChanged = true;
   }
+
+  // The quantity determination at `index`, nullptr outside the list.
+  const TQtyDeterm* GetQtyDeterm(int index) const;
+  void SetQtyDeterm(int index, const TQtyDeterm& value);
+  // For a quantity item (P, L, U) whose quantity comes from partial quantities (its
+  // KzTeilmengen, or `force_partial_quantities` of the LV when it has any): forms the
+  // contract quantity FMenge and the forecast quantity VaMenge as the sums of the
+  // partial quantities and answers whether either changed. Writes only partial
+  // quantities whose contract quantity their source changed; the item is the caller's to
+  // save. EStoredLvError when the partial quantities cannot be read or written.
+  bool RecalcQuantity(data::TStdDb& lv_db, bool force_partial_quantities);
 };
 
 // Why `unit` cannot be an entry's unit (a stored unit holds at most 6 characters of

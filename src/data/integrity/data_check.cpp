@@ -35,6 +35,21 @@ std::string TCheckItemForElementInOneOfTables::Finding(const TDataIntegrity& run
                 run.DatabaseName(FDBTyp).c_str(), FTables[0], FTables[1], FQEHName.c_str());
 }
 
+bool TCheckItemForOwnerReference::Passes(const TDataIntegrity& run) const {
+  if (FData == FDataDefaultValue) return !HasOwnerKind();
+  return FRefTbClass == '\0' ||
+         run.CheckRecordElementAsPrimaryKeyInTable(FData, FDBTyp, FRefTbClass);
+}
+
+std::string TCheckItemForOwnerReference::Finding(const TDataIntegrity&) const {
+  if (FData == FDataDefaultValue) {
+    return Printf("ForeignKey: %s=%d ist DefaultValue. Hat aber einen Bezug(%s).",
+                  FPropertyName.c_str(), FData, Letter(FOwnerKind).c_str());
+  }
+  return Printf("ForeignKey: %s=%d ist nicht DefaultValue. Hat aber keinen Bezug.",
+                FPropertyName.c_str(), FData);
+}
+
 bool TCheckItemForCharSelector::Passes(const TDataIntegrity&) const {
   return TDataIntegrity::CheckCharSelector(FData, FValidCharSelectors);
 }
@@ -164,6 +179,16 @@ bool TDataCheck::CheckItemForElementInOneOfTables(std::string_view name, int32_t
                                                offset, qeh_name);
   if (item.Passes(FDI)) return true;
   Failed(item, TRepair::kClarify);
+  return false;
+}
+
+bool TDataCheck::CheckItemForOwnerReference(std::string_view name, int32_t value,
+                                            int32_t default_value, char owner_kind, char db_type,
+                                            char ref_table) {
+  const TCheckItemForOwnerReference item(name, value, default_value, owner_kind, db_type,
+                                         ref_table);
+  if (item.Passes(FDI)) return true;
+  Failed(item, value == default_value ? TRepair::kClarify : TRepair::kDelete);
   return false;
 }
 

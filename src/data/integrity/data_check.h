@@ -65,6 +65,34 @@ class TCheckItemForElementAsPrimaryKeyInTable : public TCheckItem {
   char FRefTbClass;  // the type letter of the target table
 };
 
+// An owner reference (an id with the owner's kind letter beside it) must agree with its
+// kind: an unset id with an owner kind, or a set id whose owner record is missing, fails.
+// A `ref_table` of '\0' stands for an owner kind whose table this installation does not
+// keep; only the first rule applies then.
+class TCheckItemForOwnerReference : public TCheckItem {
+ public:
+  TCheckItemForOwnerReference(std::string_view name, int32_t data, int32_t default_value,
+                              char owner_kind, char db_type, char ref_table)
+      : TCheckItem(name),
+        FData(data),
+        FDataDefaultValue(default_value),
+        FOwnerKind(owner_kind),
+        FDBTyp(db_type),
+        FRefTbClass(ref_table) {}
+  bool Passes(const TDataIntegrity& run) const override;
+  std::string Finding(const TDataIntegrity& run) const override;
+  std::string DefaultNote() const override { return ""; }
+
+ private:
+  bool HasOwnerKind() const { return FOwnerKind != '\0' && FOwnerKind != ' '; }
+
+  int32_t FData;
+  int32_t FDataDefaultValue;
+  char FOwnerKind;
+  char FDBTyp;
+  char FRefTbClass;
+};
+
 // The code letter must be one of the allowed letters.
 class TCheckItemForCharSelector : public TCheckItem {
  public:
@@ -184,6 +212,10 @@ class TDataCheck {
   bool CheckItemForElementInOneOfTables(std::string_view name, int32_t value, char db_type,
                                         char first_table, char second_table, size_t offset,
                                         std::string_view qeh_name);
+  // An owner reference and its kind (see TCheckItemForOwnerReference); a record whose
+  // owner is missing is an orphan and deleted, an unset id with a kind is left to clarify.
+  bool CheckItemForOwnerReference(std::string_view name, int32_t value, int32_t default_value,
+                                  char owner_kind, char db_type, char ref_table);
   // Compares with the value the same rule saw in the previous record of the walk.
   bool CheckItemForUniqueKey(std::string_view name, int32_t value,
                              TRepair repair = TRepair::kClarify);
