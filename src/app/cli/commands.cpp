@@ -9,6 +9,7 @@
 #include "app/commands/lv/lv_commands.h"
 #include "app/commands/oz/oz_commands.h"
 #include "app/commands/text/text_commands.h"
+#include "app/commands/var/var_commands.h"
 #include "app/program/program_commands.h"
 
 namespace korvan::app {
@@ -20,6 +21,7 @@ CommandList AllCommands() {
   AddProgramCommands(commands);
   AddListCommands(commands);
   AddLvCommands(commands);
+  AddVarCommands(commands);
   AddOzCommands(commands);
   AddTextCommands(commands);
   AddCurrencyCommands(commands);

@@ -9,6 +9,7 @@
 #include "app/commands/lv/lv_edit_commands.h"
 #include "app/commands/lv/lv_list_command.h"
 #include "app/commands/lv/lv_new_command.h"
+#include "app/commands/lv/lv_qty_command.h"
 #include "app/commands/lv/lv_show_command.h"
 #include "app/program/data_dir.h"
 
@@ -25,6 +26,7 @@ class LvCommand : public Command {
     operations_.push_back(std::make_unique<LvDeleteCommand>());
     operations_.push_back(std::make_unique<LvShowCommand>());
     AddLvEditOperations(operations_);
+    operations_.push_back(std::make_unique<LvQtyCommand>());
   }
   std::string Name() const override { return "lv"; }
   std::string Summary() const override {

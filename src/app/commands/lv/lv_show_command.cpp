@@ -2,6 +2,7 @@
 #include "app/commands/lv/lv_show_command.h"
 
 #include <cstdio>
+#include <map>
 #include <optional>
 #include <ostream>
 
@@ -9,8 +10,10 @@
 
 #include "app/cli/json_text.h"
 #include "app/commands/lv/lv_project.h"
+#include "app/commands/lv/partial_qty_json.h"
 #include "boq/model/lv_entry_totals.h"
 #include "boq/model/lv_pos_list_io.h"
+#include "boq/qty/item_partial_quantities.h"
 #include "boq/text/rich_text.h"
 #include "boq/text/rtf_reader.h"
 #include "boq/units/unit_list.h"
@@ -33,7 +36,8 @@ std::string StatusText(char status) {
 }
 
 void PrintJson(std::ostream& out, const boq::TLVPosList& list,
-               const std::vector<boq::TLvEntryFigures>& figures, double total, bool long_texts) {
+               const std::vector<boq::TLvEntryFigures>& figures, double total, bool long_texts,
+               const std::map<int32_t, std::vector<boq::t_LvTeilmenge_2700>>& partial_qty) {
   const boq::t_Lv_DB_VERSION_3100& lv = list.FLv();
   out << "{\"lv\": {\"id\": " << lv.FId << ", \"name\": " << JsonString(lv.Name.Get())
       << ", \"status\": " << JsonString(StatusText(lv.Status))
@@ -50,7 +54,11 @@ void PrintJson(std::ostream& out, const boq::TLVPosList& list,
     out << ", \"qty\": " << OptionalNumber(figure.quantity)
         << ", \"unit\": " << (entry.Unit.empty() ? "null" : JsonString(entry.Unit))
         << ", \"unit_price\": " << OptionalNumber(figure.unit_price)
-        << ", \"total\": " << OptionalNumber(figure.total) << "}";
+        << ", \"total\": " << OptionalNumber(figure.total);
+    const int32_t id = entry.LvBgBeschr.ID;  // out of the packed record
+    const auto own = entry.IsGroup() ? partial_qty.end() : partial_qty.find(id);
+    out << ", \"partial_qty\": " << (own == partial_qty.end() ? "[]" : PartialQtyJson(own->second))
+        << "}";
   }
   out << "]}\n";
 }
@@ -121,7 +129,7 @@ int LvShowCommand::Run(Streams& streams) {
   double total = 0.0;
   const std::vector<boq::TLvEntryFigures> figures = boq::EstimatedFigures(list, &total);
   if (json) {
-    PrintJson(streams.out, list, figures, total, long_texts_);
+    PrintJson(streams.out, list, figures, total, long_texts_, boq::AllPartialQuantities(db));
   } else {
     PrintTree(streams.out, list, figures, total, long_texts_, target.Units());
   }
