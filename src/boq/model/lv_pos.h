@@ -7,8 +7,8 @@
 #include "boq/lv/lv_entry_records.h"
 #include "boq/lv/struktur_record.h"
 #include "boq/model/model_changes.h"
-#include "data/records/null_values.h"
 #include "boq/qty/qty_determ.h"
+#include "data/records/null_values.h"
 #include "data/tables/std_db.h"
 
 // One entry of an LV in memory. A plain value: the records of the entry (its structure

@@ -10,6 +10,7 @@
 #include "app/cli/json_text.h"
 #include "app/commands/lv/lv_item_target.h"
 #include "app/commands/lv/partial_qty_json.h"
+#include "boq/lv/project_lvs.h"
 #include "boq/qty/item_partial_quantities.h"
 #include "data/common/cp1252.h"
 
