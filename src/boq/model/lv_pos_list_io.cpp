@@ -1,5 +1,7 @@
 #include "boq/model/lv_pos_list_io.h"
 
+#include <algorithm>
+#include <climits>
 #include <cstring>
 #include <map>
 #include <optional>
@@ -100,7 +102,7 @@ class ListWriter {
     std::map<int32_t, t_Struktur> stored = StoredRows(lv_id);
     std::map<int32_t, int32_t> children_of;
     data::TBatchHold batch({&db_, text_db_});
-    const std::map<int32_t, int32_t> new_ids = GiveNewIds(batch);
+    const std::map<int32_t, int32_t> new_ids = GiveNewIds();
     for (int i = 0; i < list_.Count(); ++i) {
       TLvPos& entry = list_[i];
       // Entries placed below or referring to new entries name them by their temporary
@@ -155,16 +157,44 @@ class ListWriter {
 
   // New entries carry no id or a temporary one below zero; they get their ids first, in
   // list order. Returns the temporary ids with the real ones.
-  std::map<int32_t, int32_t> GiveNewIds(data::TBatchHold& batch) {
+  std::map<int32_t, int32_t> GiveNewIds() {
+    const auto is_new = [](const TLvPos& entry) {
+      return entry.Struktur.IdBgBeschr <= 0 || entry.Struktur.IdBgBeschr == kNullId;
+    };
+    ReservedIds entry_ids = Reserve(
+        kEntryCounterName, std::count_if(list_.Entries().begin(), list_.Entries().end(), is_new));
+    description_ids_ =
+        Reserve(kDescriptionCounterName,
+                std::count_if(list_.Entries().begin(), list_.Entries().end(),
+                              [this](const TLvPos& entry) { return NeedsDescription(entry); }));
     std::map<int32_t, int32_t> new_ids;
     for (TLvPos& entry : list_.Entries()) {
+      if (!is_new(entry)) continue;
       const int32_t old = entry.Struktur.IdBgBeschr;
-      if (old > 0 && old != kNullId) continue;
-      entry.Struktur.IdBgBeschr = NextId(kEntryCounterName);
+      entry.Struktur.IdBgBeschr = TakeId(entry_ids, kEntryCounterName);
       if (old < 0) new_ids[old] = entry.Struktur.IdBgBeschr;
-      EndOfStep(batch.Step());
     }
     return new_ids;
+  }
+
+  // Ids reserved at once: one counter update (and one step of the journal) for all new
+  // entries instead of one each.
+  struct ReservedIds {
+    int32_t next = 0;
+    int32_t end = 0;
+  };
+  ReservedIds Reserve(std::string_view counter, std::ptrdiff_t count) {
+    if (count <= 0 || count > INT32_MAX) return {};
+    int32_t first = 0;
+    if (int result =
+            counters_.NextIds(kEntryCounterKind, counter, static_cast<int32_t>(count), &first);
+        result != storage::kOk) {
+      Fail(db_, "keine neuen Nummern für Einträge", result, &counters_);
+    }
+    return {first, first + static_cast<int32_t>(count)};
+  }
+  int32_t TakeId(ReservedIds& ids, std::string_view counter) {
+    return ids.next < ids.end ? ids.next++ : NextId(counter);
   }
 
   std::map<int32_t, t_Struktur> StoredRows(int32_t lv_id) {
@@ -199,7 +229,7 @@ class ListWriter {
   // A new description carries the entry's unit from the start.
   int32_t NewDescription(const TLvPos& entry) {
     descriptions_.InitRecord();
-    descriptions_.Rec().Id = NextId(kDescriptionCounterName);
+    descriptions_.Rec().Id = TakeId(description_ids_, kDescriptionCounterName);
     descriptions_.Rec().Einheit.Set(entry.Unit);
     descriptions_.Rec().IdEinheit = entry.UnitId;
     if (int result = descriptions_.UpDateRec(); result != storage::kOk) {
@@ -327,6 +357,7 @@ class ListWriter {
   TTbLvBeschr items_;
   TTbBeschr descriptions_;
   data::TTbCounter counters_;
+  ReservedIds description_ids_;
 };
 
 }  // namespace

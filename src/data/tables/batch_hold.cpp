@@ -1,5 +1,7 @@
 #include "data/tables/batch_hold.h"
 
+#include <algorithm>
+
 #include "data/tables/std_db.h"
 #include "data/tables/tree_hold.h"
 #include "storage/result_codes.h"
@@ -8,6 +10,10 @@ namespace korvan::data {
 
 TBatchHold::TBatchHold(std::vector<const TStdDb*> dbs, int steps_per_batch)
     : FDbs(std::move(dbs)), FStepsPerBatch(steps_per_batch) {
+  std::erase(FDbs, nullptr);
+  std::sort(FDbs.begin(), FDbs.end(),
+            [](const TStdDb* a, const TStdDb* b) { return a->BasePath() < b->BasePath(); });
+  FDbs.erase(std::unique(FDbs.begin(), FDbs.end()), FDbs.end());
   Take();
 }
 
@@ -16,9 +22,7 @@ TBatchHold::TBatchHold(std::vector<const TStdDb*> dbs, int steps_per_batch)
 TBatchHold::~TBatchHold() = default;
 
 void TBatchHold::Take() {
-  for (const TStdDb* db : FDbs) {
-    if (db != nullptr) FHolds.push_back(std::make_unique<TTreeHold>(*db, true));
-  }
+  for (const TStdDb* db : FDbs) FHolds.push_back(std::make_unique<TTreeHold>(*db, true));
 }
 
 int TBatchHold::Step() {

@@ -11,9 +11,8 @@ class TTreeHold;
 // Writes many records as batches: the tree lock of each database is held over a batch of
 // steps, so the lock is taken, and the data written synced, once per batch instead of
 // once per record. Between batches the locks are let go so that other users get their
-// turn. Databases are locked in the order given; every batch writer names them in the
-// same order (the LV database before the text database) so two of them cannot wait on
-// each other.
+// turn. Databases are locked in one order, by their files' names, whatever order the
+// caller gives, so that two batch writers cannot wait on each other.
 class TBatchHold {
  public:
   static constexpr int kStepsPerBatch = 256;

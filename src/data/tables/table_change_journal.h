@@ -3,8 +3,11 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace korvan::data {
+
+class TStdDb;
 
 using JournalImage = std::span<const uint8_t>;
 
@@ -43,6 +46,11 @@ class RecordRestorer {
   virtual ~RecordRestorer() = default;
   virtual int RestoreRecord(const TableTarget& table, JournalImage expected, JournalImage image,
                             std::string& error) = 0;
+  // The databases the records of these tables are written to, opened where needed, so
+  // that a whole step can be written in batches (TBatchHold); none when not known.
+  virtual std::vector<const TStdDb*> DatabasesOf(const std::vector<TableTarget>& /*tables*/) {
+    return {};
+  }
 };
 
 // The one journal of the process that the table layer reports to; none while nothing

@@ -1,7 +1,10 @@
 #include "data/tables/tb_counter.h"
 
+#include <climits>
+
 #include "data/integrity/data_check.h"
 #include "data/tables/table_key.h"
+#include "storage/db_kernel_codes.h"
 #include "storage/result_codes.h"
 
 namespace korvan::data {
@@ -40,6 +43,10 @@ int32_t TTbCounter::LastId(char kz_bezug, std::string_view kennung) {
 }
 
 int TTbCounter::NextId(char kz_bezug, std::string_view kennung, int32_t* id) {
+  return NextIds(kz_bezug, kennung, 1, id);
+}
+
+int TTbCounter::NextIds(char kz_bezug, std::string_view kennung, int32_t count, int32_t* first) {
   const std::string key = CounterKey(kz_bezug, kennung);
   // The counter's name is locked before it is read, also when it does not exist yet.
   const std::string lock_name = std::string(1, TableType()) + "1" + key;
@@ -49,11 +56,16 @@ int TTbCounter::NextId(char kz_bezug, std::string_view kennung, int32_t* id) {
     Rec().KzBezug = kz_bezug;
     Rec().Kennung.SetRaw(kennung);
   }
-  Rec().LastId += 1;
+  const int32_t last = Rec().LastId;
+  if (count < 1 || last > INT32_MAX - count) {
+    Db().UnLock(lock_name);
+    return storage::kDkFileWouldExceed2GB;
+  }
+  Rec().LastId = last + count;
   const int result = UpDateRec();
   Db().UnLock(lock_name);
   if (result != storage::kOk) return result;
-  *id = Rec().LastId;
+  *first = last + 1;
   return storage::kOk;
 }
 

@@ -29,6 +29,9 @@ class TTbCounter : public TTypedTB<t_Counter> {
   // not exist yet starts at 1. The counter record is locked meanwhile, so that two users
   // never get the same id. 0 or a kernel code.
   int NextId(char kz_bezug, std::string_view kennung, int32_t* id);
+  // Hands out `count` ids at once, *first .. *first + count - 1, with one update of the
+  // counter: 0, or a kernel code (4357 when the ids would pass the 32-bit range).
+  int NextIds(char kz_bezug, std::string_view kennung, int32_t count, int32_t* first);
   // The last id handed out (0 when the counter does not exist).
   int32_t LastId(char kz_bezug, std::string_view kennung);
 

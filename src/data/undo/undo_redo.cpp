@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "data/tables/batch_hold.h"
 #include "data/undo/journal_path.h"
 #include "data/undo/test_kill_point.h"
 #include "data/undo/undo_table_restorer.h"
+#include "storage/result_codes.h"
 
 namespace korvan::data {
 
@@ -35,6 +37,24 @@ void TakeBack(std::vector<std::unique_ptr<TCustomUndoRedoItem>>& applied,
 }
 
 }  // namespace
+
+// The databases a step's records are written to, so that the step is written in batches.
+std::vector<const TStdDb*> TUndoRedo::DatabasesOf(
+    const std::vector<std::unique_ptr<TCustomUndoRedoItem>>& items) const {
+  if (FTargets.records == nullptr) return {};
+  std::vector<TableTarget> tables;
+  for (const auto& item : items) {
+    const auto* record = dynamic_cast<const TDBUndoRedoItem*>(item.get());
+    if (record == nullptr) continue;
+    const TableTarget target = record->Target();
+    const bool known = std::any_of(tables.begin(), tables.end(), [&](const TableTarget& seen) {
+      return seen.db_file == target.db_file && seen.db_type == target.db_type &&
+             seen.table_type == target.table_type;
+    });
+    if (!known) tables.push_back(target);
+  }
+  return FTargets.records->DatabasesOf(tables);
+}
 
 TUndoRedo::TUndoRedo(const std::string& directory) {
   TVirtualStack::RemoveLeftoverFiles(directory);
@@ -433,9 +453,15 @@ TUndoOutcome TUndoRedo::Transfer(TVirtualStack& from, TVirtualStack& to) {
     }
   }
   std::vector<std::unique_ptr<TCustomUndoRedoItem>> applied;
+  TBatchHold batch(DatabasesOf(step.items));
   for (size_t i = step.items.size(); i-- > 0;) {
     TestKillPoint();
-    const int result = step.items[i]->Reverse(FTargets, outcome.error);
+    int result = step.items[i]->Reverse(FTargets, outcome.error);
+    if (int written = result == kUndoOk ? batch.Step() : kUndoOk; written != storage::kOk) {
+      result = written;
+      outcome.error = "die Daten können nicht auf die Platte geschrieben werden (Fehler " +
+                      std::to_string(written) + ")";
+    }
     if (result != kUndoOk) {
       TakeBack(applied, FTargets);
       outcome.code = result;
@@ -447,6 +473,13 @@ TUndoOutcome TUndoRedo::Transfer(TVirtualStack& from, TVirtualStack& to) {
       return outcome;
     }
     applied.push_back(std::move(step.items[i]));
+  }
+  if (int written = batch.Finish(); written != storage::kOk) {
+    TakeBack(applied, FTargets);
+    outcome.code = written;
+    outcome.error = "die Daten können nicht auf die Platte geschrieben werden (Fehler " +
+                    std::to_string(written) + ")";
+    return outcome;
   }
   outcome = MoveStep(from, to, step, applied);
   if (outcome.ok()) Notify();

@@ -127,6 +127,8 @@ class TUndoRedo : public TableChangeObserver {
   TUndoOutcome Transfer(TVirtualStack& from, TVirtualStack& to);
   TUndoOutcome MoveStep(TVirtualStack& from, TVirtualStack& to, TUndoTransaction& step,
                         std::vector<std::unique_ptr<TCustomUndoRedoItem>>& applied);
+  std::vector<const TStdDb*> DatabasesOf(
+      const std::vector<std::unique_ptr<TCustomUndoRedoItem>>& items) const;
   void BeginIntent(TIntentOperation operation,
                    const std::vector<std::unique_ptr<TCustomUndoRedoItem>>& items);
   void FinishRecording();

@@ -152,6 +152,19 @@ TStdTB* TTableRecordRestorer::TableOf(const TableTarget& target) {
   return created_.back().get();
 }
 
+std::vector<const TStdDb*> TTableRecordRestorer::DatabasesOf(
+    const std::vector<TableTarget>& tables) {
+  std::vector<const TStdDb*> found;
+  for (const TableTarget& target : tables) {
+    const TStdTB* table = resolver_ ? resolver_(target) : nullptr;
+    if (table == nullptr || !table->Db().IsOpen()) continue;
+    if (std::find(found.begin(), found.end(), &table->Db()) == found.end()) {
+      found.push_back(&table->Db());
+    }
+  }
+  return found;
+}
+
 int TTableRecordRestorer::RestoreRecord(const TableTarget& target, JournalImage expected,
                                         JournalImage image, std::string& error) {
   TStdTB* table = resolver_ ? resolver_(target) : nullptr;

@@ -38,6 +38,7 @@ class TTableRecordRestorer : public RecordRestorer {
 
   int RestoreRecord(const TableTarget& table, JournalImage expected, JournalImage image,
                     std::string& error) override;
+  std::vector<const TStdDb*> DatabasesOf(const std::vector<TableTarget>& tables) override;
 
  private:
   int Insert(TStdTB& table, JournalImage image, std::string& error);
