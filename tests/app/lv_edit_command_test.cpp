@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
+#include "testing/files.h"
 #include "testing/json_value.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
@@ -121,6 +123,41 @@ TEST_F(LvEditCommands, WrongCallsChangeNothing) {
   Korvan({"lv", "structure", "Rohbau", "--mask", "PPPP"}, 1, {"0 Gruppenstufe(n)"});
   Korvan({"undo"});
   EXPECT_EQ(Show(), before);
+}
+
+// The trace files below the installation, by name, with their contents.
+std::map<std::string, std::string> TraceFiles(const std::filesystem::path& base) {
+  std::map<std::string, std::string> files;
+  for (const auto& file : std::filesystem::recursive_directory_iterator(base)) {
+    if (file.path().parent_path().filename() != "TRACE") continue;
+    files[file.path().filename().string()] = testing::ReadFile(file.path());
+  }
+  return files;
+}
+
+TEST_F(LvEditCommands, TextTraceWritesLongTextsOnlyWhenSwitchedOn) {
+  const std::string rtf = "{\\rtf1\\ansi\\ansicpg1252\\deff0 Beton C25/30\\par}";
+  testing::WriteFile(dir_.path() / "text.rtf", rtf);
+  const std::string long_file = "long-file=" + (dir_.path() / "text.rtf").string();
+  Korvan({"lv", "add", "Rohbau", "B"});
+  Korvan({"lv", "add", "Rohbau", "B", "--under", "01"});
+  Korvan({"lv", "add", "Rohbau", "P", "--under", "01.01", "--short", "Beton"});
+  Korvan({"lv", "set", "Rohbau", "01.01.0001", long_file});
+  Korvan({"lv", "show", "Rohbau", "--long"});
+  EXPECT_TRUE(TraceFiles(base_).empty());
+
+  Korvan({"config", "set", "--system", "Flags.TraceApplication", "1"});
+  testing::WriteFile(dir_.path() / "text.rtf", rtf + " ");
+  Korvan({"lv", "set", "Rohbau", "01.01.0001", long_file});
+  Korvan({"lv", "show", "Rohbau", "--long"});
+  std::string names;
+  for (const auto& [name, text] : TraceFiles(base_)) {
+    names += name + " ";
+    EXPECT_TRUE(testing::Contains(text, "Beton C25/30")) << name;
+  }
+  for (const char* part : {"AfterReadLangtext(", ")-L.rtf", "AfterUpdateLangtext(", "Load_Ltx_"}) {
+    EXPECT_TRUE(testing::Contains(names, part)) << part << " in " << names;
+  }
 }
 
 }  // namespace

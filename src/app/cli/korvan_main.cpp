@@ -12,10 +12,11 @@
 #include "app/cli/command_error.h"
 #include "app/cli/german_help.h"
 #include "app/cli/parse_error_text.h"
-#include "app/program/program_tables.h"
-#include "data/integrity/key_file_recovery.h"
 #include "app/program/command_startup.h"
 #include "app/program/data_dir.h"
+#include "app/program/program_tables.h"
+#include "boq/text/long_text_trace.h"
+#include "data/integrity/key_file_recovery.h"
 
 #ifndef KORVAN_VERSION
 #define KORVAN_VERSION "0.0.0"
@@ -103,6 +104,13 @@ std::optional<std::filesystem::path> InstallationOf(const CLI::App& sub) {
   return std::nullopt;
 }
 
+// A trace file that could not be written is worth one warning, not a failed command.
+void WarnOfTraceProblem(std::ostream& err) {
+  if (std::optional<std::string> problem = boq::TLongTextTrace::Instance().TakeProblem()) {
+    err << "Warnung: Textprotokoll nicht geschrieben: " << *problem << "\n";
+  }
+}
+
 }  // namespace
 
 int RunKorvan(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
@@ -174,7 +182,9 @@ int RunKorvan(const std::vector<std::string>& args, std::ostream& out, std::ostr
     if (!sub->parsed()) continue;
     try {
       StartCommandStorage(InstallationOf(*sub));
-      return command->Run(streams);
+      const int exit_code = command->Run(streams);
+      WarnOfTraceProblem(err);
+      return exit_code;
     } catch (const UsageError& e) {
       err << "korvan " << command->Name() << ": " << e.what() << "\n";
       return kExitUsage;

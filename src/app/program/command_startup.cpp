@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/program/installation.h"
+#include "boq/text/long_text_trace.h"
 #include "data/config/helvio_ini.h"
 #include "data/db/db_groups.h"
 #include "data/db/db_types.h"
@@ -19,6 +20,15 @@ bool HoldsInstallation(const fs::path& dir) {
   return fs::is_directory(dir / kSystemFolderName, error);
 }
 
+// The trace folder is the user's own, so that traces of two users do not mix. A folder
+// that cannot be made shows up as the first trace file that cannot be written.
+void StartTextTrace(const data::TMachineConfig& machine) {
+  const fs::path folder = fs::path(machine.UserDirectory()) / kTraceFolderName;
+  std::error_code error;
+  fs::create_directories(folder, error);
+  boq::TLongTextTrace::Instance().SetFolder((folder / "").string());
+}
+
 }  // namespace
 
 storage::KernelSettings StartCommandStorage(const std::optional<fs::path>& base_dir) {
@@ -32,6 +42,7 @@ storage::KernelSettings StartCommandStorage(const std::optional<fs::path>& base_
   if (base_dir && HoldsInstallation(*base_dir)) {
     const Installation installation = LoadInstallation(*base_dir);
     settings = data::THelvioIni::Load(HelvioIniFile(installation.machine)).KernelSettings();
+    if (boq::TracesLongTexts(installation.system)) StartTextTrace(installation.machine);
   }
   storage::ApplyKernelSettings(settings);
   return settings;

@@ -518,6 +518,7 @@ TLVPosList LoadLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, int32_t lv_
       entry.LongText =
           long_text_store->Read(description, kLongTextKind, kEntryTextLanguage).rich_text;
       entry.LongTextLoaded = true;
+      long_text_store->TraceLoad(description, entry.LongText);
     }
     ReferencesFromRecord(entry);
     list.Add(std::move(entry));

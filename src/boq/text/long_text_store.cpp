@@ -3,6 +3,7 @@
 #include <set>
 #include <vector>
 
+#include "boq/text/long_text_trace.h"
 #include "boq/text/text_conversions.h"
 #include "data/tables/table_key.h"
 #include "storage/file/atomic_file.h"
@@ -20,7 +21,11 @@ constexpr char kComplementCounter[] = "TEXTERG";
 }  // namespace
 
 TLongTextStore::TLongTextStore(data::TStdDb& text_db)
-    : headers_(text_db), lines_(text_db), complements_(text_db), counter_(text_db) {}
+    : headers_(text_db),
+      lines_(text_db),
+      complements_(text_db),
+      counter_(text_db),
+      trace_folder_(TLongTextTrace::Instance().Folder()) {}
 
 std::string TLongTextStore::ReadText(int32_t id_header, char kz_header) {
   if (lines_.GetKey(TTbTextzeile::LineKey(id_header, kz_header, 'R', 1))) {
@@ -88,9 +93,22 @@ void TLongTextStore::Trace(const char* event, int32_t id, char kind, std::string
   if (trace_folder_.empty()) return;
   const std::string file = trace_folder_ + event + "Langtext(" + std::to_string(id) + ")-" +
                            std::string(1, kind) + ".rtf";
+  WriteTrace(file, text);
+}
+
+void TLongTextStore::TraceLoad(int32_t id_bezug, std::string_view text) {
+  if (trace_folder_.empty()) return;
+  WriteTrace(trace_folder_ + "Load_Ltx_" + std::to_string(id_bezug) + ".rtf", text);
+}
+
+// A trace is a help for finding faults, so one that cannot be written is noted for a
+// warning and never fails the text operation.
+void TLongTextStore::WriteTrace(const std::string& file, std::string_view text) {
   const storage::FileWriteResult written =
       storage::WriteFileAtomically(file, text, storage::Durability::kAtomic);
-  if (!written.ok()) trace_problems_.push_back(file + ": " + written.ErrorText());
+  if (written.ok()) return;
+  trace_problems_.push_back(file + ": " + written.ErrorText());
+  TLongTextTrace::Instance().NoteProblem(trace_problems_.back());
 }
 
 int TLongTextStore::FindOrMakeHeader(int32_t id_bezug, char kz_bezug, int16_t id_lang,

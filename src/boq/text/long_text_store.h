@@ -53,8 +53,10 @@ class TLongTextStore {
   // Text tracing: with a folder (ending in a separator) every long text read, inserted or
   // updated is also written there, as "AfterReadLangtext(<owner>)-<kind>.rtf",
   // "AfterInsertLangtext(<header>)-<kind>.rtf" or "AfterUpdateLangtext(<header>)-<kind>.rtf".
-  // Empty: no tracing (the default).
+  // Empty: no tracing. A new store starts with the folder of TLongTextTrace.
   void SetTraceFolder(std::string folder) { trace_folder_ = std::move(folder); }
+  // Traces a long text loaded into an editor or list as "Load_Ltx_<owner>.rtf".
+  void TraceLoad(int32_t id_bezug, std::string_view text);
   // The trace files that could not be written, with the reason.
   const std::vector<std::string>& TraceProblems() const { return trace_problems_; }
 
@@ -64,6 +66,7 @@ class TLongTextStore {
   int StoreComplement(const TTEItem& item, int32_t id_bezug, char kz_bezug, int16_t id_lang,
                       int32_t id_bieter);
   void Trace(const char* event, int32_t id, char kind, std::string_view text);
+  void WriteTrace(const std::string& file, std::string_view text);
 
   TTbTextHeader headers_;
   TTbTextzeile lines_;
