@@ -52,18 +52,30 @@ TEST(CurrencyCommand, RefusesWhatItDoesNotKnowThenConvertsAndAppendsToTheProtoco
   EXPECT_TRUE(testing::Contains(log, " - EUR - USD\r\n")) << log;
 }
 
-TEST(CurrencyCommand, ConvertsTheAmountsOfTheProjectsLvsAsOneUndoStep) {
+TEST(CurrencyCommand, ConvertsTheProjectsLvsAndTheProjectTemplateAsOneUndoStep) {
   testing::TempDir dir;
   const fs::path base = testing::MakeInstallation(dir, "demo");
   ExpectKorvan({"lv", "new", "Rohbau", "-d", base.string()}, 0);
-  const std::string lv_db = (base / "PROJEKTE/Beispiel/DB_Lv.QA").string();
+  const fs::path project = base / "PROJEKTE/Beispiel";
+  const fs::path project_template = base / "PROJEKTE/STAMMPROJEKT";
+  fs::create_directories(project_template);
+  for (const char* file : {"DB_Lv.QA0", "DB_Lv.QA1"}) {
+    fs::copy_file(project / file, project_template / file);
+  }
+  const std::string lv_db = (project / "DB_Lv.QA").string();
+  const std::string template_db = (project_template / "DB_Lv.QA").string();
   ExpectKorvan({"db", "dump", lv_db, "--table", "K"}, 0, {"Summe: 0 [-1]\n"});
   ExpectKorvan({"currency", "convert", "-d", base.string(), "CHF"}, 0,
-               {"Währungskonvertierung EUR nach CHF: 1 Datensätze, ", "Rückgängig: korvan undo"});
-  ExpectKorvan({"db", "dump", lv_db, "--table", "K"}, 0, {"Summe: 0 [41]\n", "Budget: 0 [41]\n"});
+               {"Währungskonvertierung EUR nach CHF: 2 Datensätze, ", " und der Projektvorlage",
+                "Rückgängig: korvan undo"});
+  for (const std::string& db : {lv_db, template_db}) {
+    ExpectKorvan({"db", "dump", db, "--table", "K"}, 0, {"Summe: 0 [41]\n", "Budget: 0 [41]\n"});
+  }
   ExpectKorvan({"undo", "-d", base.string()}, 0,
                {"Rückgängig gemacht: Währungskonvertierung EUR nach CHF"});
-  ExpectKorvan({"db", "dump", lv_db, "--table", "K"}, 0, {"Summe: 0 [-1]\n"});
+  for (const std::string& db : {lv_db, template_db}) {
+    ExpectKorvan({"db", "dump", db, "--table", "K"}, 0, {"Summe: 0 [-1]\n"});
+  }
 }
 
 TEST(CurrencyCommand, AnEmptyCurrencyTableIsNamed) {

@@ -23,6 +23,7 @@
 #include "boq/units/tb_prj_wae_faktor.h"
 #include "boq/units/tb_waehrung.h"
 #include "boq/units/value_converter.h"
+#include "data/db/db_file_register.h"
 #include "data/db/db_groups.h"
 #include "data/db/path_types.h"
 #include "data/tables/std_db.h"
@@ -127,19 +128,32 @@ class OpenDatabases {
   std::vector<std::unique_ptr<data::TStdDb>> dbs_;
 };
 
-// The project's databases, and with `shared` those every project shares, in the order
-// of the database table.
-std::vector<const data::DatabaseFile*> FilesToConvert(const data::DatabaseFiles& files,
-                                                      bool shared) {
+// The databases of a project folder (or of the project template): those the file
+// register names for project folders whose data file is there, in its order.
+std::vector<data::DatabaseFile> ProjectFolderFiles(const std::string& directory) {
+  data::TDBFileRegister file_register;
+  data::RegisterStandardDbFiles(file_register);
+  std::vector<std::string> names;
+  file_register.GetFiles(data::kPathObjekt, directory, names);
+  std::vector<data::DatabaseFile> found;
+  for (const std::string& name : names) {
+    for (const data::DbGroupDefinition& group : data::StandardDbGroups()) {
+      data::DatabaseFile file(group, data::kPathObjekt, directory);
+      if (file.DataFileName() == name && file.Exists()) found.push_back(std::move(file));
+    }
+  }
+  return found;
+}
+
+// The databases every project shares, in the order of the database table.
+std::vector<const data::DatabaseFile*> SharedFiles(const data::DatabaseFiles& files) {
   const auto is_shared = [](char type) {
     return type == data::kPathStammdaten || type == data::kPathKatalog || type == data::kPathClip ||
            type == data::kPathClipBlock;
   };
   std::vector<const data::DatabaseFile*> chosen;
   for (const data::DatabaseFile& file : files.all()) {
-    const bool wanted =
-        file.path_type() == data::kPathObjekt || (shared && is_shared(file.path_type()));
-    if (wanted && file.Exists()) chosen.push_back(&file);
+    if (is_shared(file.path_type()) && file.Exists()) chosen.push_back(&file);
   }
   return chosen;
 }
@@ -177,10 +191,17 @@ int RunCurrencyConvert(const CurrencyConvertRequest& request, Streams& streams) 
   const data::DatabaseFiles files(installation.machine.ToDatabaseDirectories());
   const data::DatabaseFile* stamm = files.Find("DB_Stamm", data::kPathStammdaten);
   if (stamm == nullptr) throw CommandError("die Installation hat kein Stammdatenverzeichnis");
-  const std::vector<const data::DatabaseFile*> project_files =
-      FilesToConvert(files, request.with_master_data);
+  const std::vector<data::DatabaseFile> project_files = ProjectFolderFiles(project_dir);
+  // The template new projects are copied from holds amounts too; left in the old
+  // currency, every project made from it afterwards would be.
+  const std::string template_dir = installation.machine.StammprojektDirectory();
+  const std::vector<data::DatabaseFile> template_files =
+      template_dir.empty() ? std::vector<data::DatabaseFile>{} : ProjectFolderFiles(template_dir);
+  const std::vector<const data::DatabaseFile*> shared_files =
+      request.with_master_data ? SharedFiles(files) : std::vector<const data::DatabaseFile*>{};
   std::vector<std::string> directories = {stamm->directory(), project_dir};
-  for (const data::DatabaseFile* file : project_files) directories.push_back(file->directory());
+  if (!template_files.empty()) directories.push_back(template_dir);
+  for (const data::DatabaseFile* file : shared_files) directories.push_back(file->directory());
   std::sort(directories.begin(), directories.end());
   directories.erase(std::unique(directories.begin(), directories.end()), directories.end());
 
@@ -194,10 +215,15 @@ int RunCurrencyConvert(const CurrencyConvertRequest& request, Streams& streams) 
   data::TStdDb& stamm_db = dbs.Open(*stamm);
   std::vector<data::TStdDb*> project_dbs;
   data::TStdDb* glob = nullptr;
-  for (const data::DatabaseFile* file : project_files) {
-    project_dbs.push_back(file == stamm ? &stamm_db : &dbs.Open(*file));
-    if (file->group_name() == "DB_GlobData") glob = project_dbs.back();
+  for (const data::DatabaseFile& file : project_files) {
+    project_dbs.push_back(&dbs.Open(file));
+    if (file.group_name() == "DB_GlobData") glob = project_dbs.back();
   }
+  for (const data::DatabaseFile* file : shared_files) {
+    project_dbs.push_back(file == stamm ? &stamm_db : &dbs.Open(*file));
+  }
+  std::vector<data::TStdDb*> template_dbs;
+  for (const data::DatabaseFile& file : template_files) template_dbs.push_back(&dbs.Open(file));
   data::TTableRecordRestorer restorer(dbs.All(), ProgramTables(), request.data_dir);
   NoRows rows;
   journal->SetRecordRestorer(&restorer);
@@ -241,9 +267,15 @@ int RunCurrencyConvert(const CurrencyConvertRequest& request, Streams& streams) 
     journal->StartTransaction(
         data::TStartItem(0, data::TOperationKind::okEdit,
                          "Währungskonvertierung " + source.symbol + " nach " + target.symbol));
+    const auto show_template = [&](const std::string& database, int64_t done, int64_t total) {
+      progress.Show("Währungskonvertierung ... Projektvorlage " + database, done, total);
+    };
     for (data::TStdDb* db : project_dbs) {
       failed = convert.ConvertDatabase(*db, show, report);
       if (failed != 0) break;
+    }
+    for (data::TStdDb* db : template_dbs) {
+      if (failed == 0) failed = convert.ConvertDatabase(*db, show_template, report);
     }
     journal->EndTransaction();
   }
@@ -265,11 +297,11 @@ int RunCurrencyConvert(const CurrencyConvertRequest& request, Streams& streams) 
   for (const std::string& line : report.lines) streams.out << line << '\n';
   streams.out << "Währungskonvertierung " << source.symbol << " nach " << target.symbol << ": "
               << report.records << " Datensätze, " << report.amounts << " Beträge in "
-              << project_dbs.size() << " Datenbanken von " << project_dir
+              << project_dbs.size() + template_dbs.size() << " Datenbanken von " << project_dir
               << (request.with_master_data
                       ? " und den gemeinsamen Stammdaten, Katalogen und Ablagen"
                       : "")
-              << " umgerechnet\n";
+              << (template_dbs.empty() ? "" : " und der Projektvorlage") << " umgerechnet\n";
   if (report.tables == 0) {
     streams.out << "Hinweis: in diesen Datenbanken ist noch keine Tabelle mit Beträgen "
                    "eingetragen; es gab nichts umzurechnen\n";
