@@ -20,11 +20,10 @@ using data::TStdTB;
 
 namespace {
 
-constexpr int kSortKeyWidth = 6;
 constexpr int kDrawingKeyWidth = 6;
 
 std::string Sort(uint16_t sort) {
-  return KeyNumber(sort, kSortKeyWidth);
+  return KeyNumber(sort, data::kSmallIntKeyWidth);
 }
 
 // A source index holds the rows that have that source only.

@@ -14,10 +14,6 @@ using data::TDataCheck;
 using data::TStdDb;
 using data::TStdTB;
 
-namespace {
-constexpr int kSortKeyWidth = 6;
-}  // namespace
-
 TTbMarkupSubQty::TTbMarkupSubQty(TStdDb& db, char table_type)
     : TTypedTB(db, table_type, kLayoutVersion, "TTbMarkupSubQty") {
   InitRecord();
@@ -42,7 +38,7 @@ int TTbMarkupSubQty::GetKeyString(RecordView record, char index, std::string& ke
       key = KeyNumber(row.ID);
       break;
     case '2':
-      key = OwnerKey(row.KzBezug, row.IDBezug) + KeyNumber(row.SzBezug, kSortKeyWidth);
+      key = OwnerKey(row.KzBezug, row.IDBezug) + KeyNumber(row.SzBezug, data::kSmallIntKeyWidth);
       break;
     default:
       key.clear();

@@ -20,10 +20,9 @@ using data::TStdTB;
 
 namespace {
 
-constexpr int kSortKeyWidth = 6;
 
 int ReferenceKey(int32_t id, uint16_t sort, std::string& key) {
-  key = KeyNumber(id) + KeyNumber(sort, kSortKeyWidth);
+  key = KeyNumber(id) + KeyNumber(sort, data::kSmallIntKeyWidth);
   return static_cast<int>(key.size());
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "app/cli/command.h"
 
@@ -25,6 +27,20 @@ class LvOperation {
   std::string data_dir;
   std::string project;
   bool json = false;
+};
+
+// A command whose sub-commands are LV operations (`korvan lv`, `korvan var`): each gets the
+// options every LV operation has.
+class LvOperationGroup : public Command {
+ public:
+  void Define(CLI::App& app) override;
+  int Run(Streams& streams) override;
+
+ protected:
+  std::vector<std::unique_ptr<LvOperation>> operations_;
+
+ private:
+  std::vector<CLI::App*> subs_;
 };
 
 }  // namespace korvan::app

@@ -208,7 +208,7 @@ class VarListCommand : public LvOperation {
 };
 
 // `korvan var <operation>` with the options every LV command has.
-class VarCommand : public Command {
+class VarCommand : public LvOperationGroup {
  public:
   VarCommand() {
     operations_.push_back(std::make_unique<VarSetCommand>());
@@ -216,28 +216,6 @@ class VarCommand : public Command {
   }
   std::string Name() const override { return "var"; }
   std::string Summary() const override { return "Variablen von Positionen: setzen, auflisten"; }
-  void Define(CLI::App& app) override {
-    app.require_subcommand(1);
-    for (const std::unique_ptr<LvOperation>& operation : operations_) {
-      CLI::App* sub = app.add_subcommand(operation->Name(), operation->Summary());
-      operation->Define(*sub);
-      sub->add_option("--project", operation->project,
-                      "Projektordner unter dem Projektstamm (sonst das aktuelle Projekt)");
-      sub->add_flag("--json", operation->json, "Ausgabe als JSON für Skripte");
-      AddDataDirOption(*sub, operation->data_dir);
-      subs_.push_back(sub);
-    }
-  }
-  int Run(Streams& streams) override {
-    for (std::size_t i = 0; i < subs_.size(); ++i) {
-      if (subs_[i]->parsed()) return operations_[i]->Run(streams);
-    }
-    return kExitUsage;
-  }
-
- private:
-  std::vector<std::unique_ptr<LvOperation>> operations_;
-  std::vector<CLI::App*> subs_;
 };
 
 }  // namespace
