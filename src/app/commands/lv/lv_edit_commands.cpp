@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include "app/cli/command_error.h"
+#include "app/cli/german_number.h"
 #include "app/cli/json_text.h"
 #include "app/commands/lv/lv_project.h"
 #include "boq/lv/lv_codes.h"
@@ -259,14 +260,7 @@ class LvSetCommand : public LvEditOperation {
   }
 
   static double Number(const std::string& field, const std::string& value) {
-    std::string plain = value;
-    for (char& c : plain) c = c == ',' ? '.' : c;
-    std::size_t used = 0;
-    try {
-      const double number = std::stod(plain, &used);
-      if (used == plain.size()) return number;
-    } catch (const std::exception&) {
-    }
+    if (const std::optional<double> number = ParseGermanNumber(value)) return *number;
     throw UsageError("\"" + value + "\" ist keine Zahl (Feld " + field + ").");
   }
 

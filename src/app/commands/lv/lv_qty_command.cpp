@@ -1,12 +1,12 @@
 // `korvan lv qty`: the partial quantities of an item and the quantity they give it.
 #include "app/commands/lv/lv_qty_command.h"
 
-#include <cstdio>
 #include <ostream>
 
 #include <CLI/CLI.hpp>
 
 #include "app/cli/command_error.h"
+#include "app/cli/german_number.h"
 #include "app/cli/json_text.h"
 #include "app/commands/lv/lv_item_target.h"
 #include "app/commands/lv/partial_qty_json.h"
@@ -18,11 +18,7 @@ namespace korvan::app {
 namespace {
 
 std::string Figure(double value) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.3f", value);
-  std::string result = text;
-  for (char& c : result) c = c == '.' ? ',' : c;  // German decimal comma
-  return result;
+  return GermanFigure(value, "%.3f");
 }
 
 void PrintList(std::ostream& out, const boq::TLvPos& item,

@@ -1,13 +1,13 @@
 // `korvan lv show`: an LV's entries as people and scripts read them.
 #include "app/commands/lv/lv_show_command.h"
 
-#include <cstdio>
 #include <map>
 #include <optional>
 #include <ostream>
 
 #include <CLI/CLI.hpp>
 
+#include "app/cli/german_number.h"
 #include "app/cli/json_text.h"
 #include "app/commands/lv/lv_project.h"
 #include "app/commands/lv/partial_qty_json.h"
@@ -64,12 +64,7 @@ void PrintJson(std::ostream& out, const boq::TLVPosList& list,
 }
 
 std::string Figure(const std::optional<double>& value, const char* format) {
-  if (!value) return {};
-  char text[64];
-  std::snprintf(text, sizeof text, format, *value);
-  std::string result = text;
-  for (char& c : result) c = c == '.' ? ',' : c;  // German decimal comma
-  return result;
+  return value ? GermanFigure(*value, format) : std::string();
 }
 
 // A quantity as the entry's unit writes it: its decimals and notation; a unit the unit

@@ -2,8 +2,6 @@
 #include "app/commands/var/var_commands.h"
 
 #include <cctype>
-#include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -12,6 +10,7 @@
 #include <CLI/CLI.hpp>
 
 #include "app/cli/command_error.h"
+#include "app/cli/german_number.h"
 #include "app/cli/json_text.h"
 #include "app/commands/lv/lv_item_target.h"
 #include "app/commands/lv/lv_operation.h"
@@ -45,22 +44,8 @@ bool IsFormulaName(const std::string& name) {
   return true;
 }
 
-// A value as people type it: "12.5" or "12,5".
-std::optional<double> ParseValue(std::string text) {
-  for (char& c : text) c = c == ',' ? '.' : c;
-  if (text.empty()) return std::nullopt;
-  char* end = nullptr;
-  const double value = std::strtod(text.c_str(), &end);
-  if (end != text.c_str() + text.size()) return std::nullopt;
-  return value;
-}
-
 std::string Figure(double value) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%g", value);
-  std::string result = text;
-  for (char& c : result) c = c == '.' ? ',' : c;  // German decimal comma
-  return result;
+  return GermanFigure(value, "%g");
 }
 
 std::string VariableJson(const std::string& oz, const boq::t_Variable_2600& variable) {
@@ -94,7 +79,7 @@ class VarSetCommand : public LvOperation {
                        "\" ist kein Variablenname (Buchstabe oder _ zuerst, dann Buchstaben, "
                        "Ziffern, _; höchstens 20 Zeichen).");
     }
-    const std::optional<double> value = ParseValue(assignment_.substr(equals + 1));
+    const std::optional<double> value = ParseGermanNumber(assignment_.substr(equals + 1));
     if (!value) {
       throw UsageError("\"" + assignment_.substr(equals + 1) + "\" ist keine Zahl.");
     }

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace korvan::app {
+
+// A number as people type it on the command line, "12,5" or "12.5": the value, or nothing
+// when the text is empty, holds anything after the number, or is out of range.
+std::optional<double> ParseGermanNumber(std::string_view text);
+
+// A number written with printf's `format` ("%.3f", "%g") and a decimal comma.
+std::string GermanFigure(double value, const char* format);
+
+}  // namespace korvan::app
