@@ -7,6 +7,7 @@
 #include "storage/db_kernel_codes.h"
 #include "storage/db_kernel_exception.h"
 #include "storage/key_file.h"
+#include "storage/record_batch.h"
 #include "storage/record_header.h"
 
 // The database kernel: databases as pairs of files (data file of variable-length
@@ -82,12 +83,12 @@ int iDK_ChangeMark(int handle, uint64_t* mark);
 // Raises EDbKernelException ("Read") on every failure.
 int iDK_RecordRead(int handle, int32_t position, void* buffer, int32_t* length, bool read_whole);
 // Reads the whole records at several positions, in file order, nearby ones with one
-// system call: (*records)[i] receives the record at positions[i]. Records longer than
+// system call: (*records)[i] is the record at positions[i]. Records longer than
 // length_hint are read on their own. Take a hold around it (and around the reads of the
 // keys that named the positions) to read one state of the files. 0, or the code
 // iDK_RecordRead raises for the first position that fails (*failed receives its index).
 int iDK_RecordReadMany(int handle, const std::vector<int32_t>& positions, int32_t length_hint,
-                       std::vector<std::vector<uint8_t>>* records, size_t* failed);
+                       RecordBatch* records, size_t* failed);
 // Writes a new record (at least the 48-byte header; dates set by the kernel). With
 // reuse_free_space the largest free block is split when it is big enough. Raises
 // EDbKernelException 4357 ("Insert") when an append would pass 2 GB.

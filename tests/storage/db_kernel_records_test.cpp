@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "db_kernel_fixture.h"
 #include "storage/data_file_check.h"
 #include "storage/delphi_datetime.h"
@@ -163,6 +165,40 @@ TEST_F(DbKernelRecords, DamagedLengthsGiveCodesNotCrashes) {
   int reopened = 0;
   EXPECT_EQ(iDK_DbOpen('T', Base("db"), true, false, &reopened), 4309);
   EXPECT_EQ(iDK_DbCheckFile('T', DataFile("db")), 4320);
+}
+
+// Records near each other come in one read, far apart ones (beyond the gap and span
+// limits) on their own, long ones past the length hint again; each position gets its own
+// record in the order asked, also when a batch is filled a second time.
+TEST_F(DbKernelRecords, ReadManyGivesEachPositionItsRecord) {
+  const int handle = Create("db");
+  std::vector<std::vector<uint8_t>> stored;
+  std::vector<int32_t> positions;
+  const int32_t lengths[] = {100, 3000, 100, 60000, 100, 300000, 100, 48};
+  for (int32_t length : lengths) {
+    stored.push_back(MakeRecord('A', length, static_cast<uint8_t>(stored.size() + 1)));
+    positions.push_back(Insert(handle, stored.back()));
+  }
+  const std::vector<size_t> asked = {6, 0, 7, 3, 1, 0, 5, 2, 4};
+  std::vector<int32_t> asked_positions;
+  for (size_t i : asked) asked_positions.push_back(positions[i]);
+  RecordBatch batch;
+  size_t failed = 99;
+  for (const size_t count : {asked.size(), size_t{3}}) {
+    asked_positions.resize(count);
+    ASSERT_EQ(iDK_RecordReadMany(handle, asked_positions, 100, &batch, &failed), 0);
+    ASSERT_EQ(batch.size(), count);
+    for (size_t i = 0; i < count; ++i) {
+      EXPECT_TRUE(std::ranges::equal(batch[i], stored[asked[i]])) << i;
+    }
+  }
+  EXPECT_EQ(failed, 99u);
+
+  TDbRecordHeader header{};
+  ASSERT_EQ(iDK_RecordDelete(handle, &header, positions[2]), 0);
+  EXPECT_EQ(iDK_RecordReadMany(handle, {positions[0], positions[2]}, 100, &batch, &failed), 4354);
+  EXPECT_EQ(failed, 1u);
+  EXPECT_EQ(iDK_RecordReadMany(99, positions, 100, &batch, &failed), 4288);
 }
 
 KeyEntry Key(const std::string& text, uint32_t position = 0) {

@@ -181,12 +181,12 @@ int TStdTB::FillAhead(Direction direction) {
 void TStdTB::ReadAheadRecords() {
   std::vector<int32_t> positions;
   for (const AheadPair& pair : FAhead) positions.push_back(static_cast<int32_t>(pair.position));
-  std::vector<std::vector<uint8_t>> records;
+  storage::RecordBatch records;
   size_t failed = 0;
   const int result =
       storage::iDK_RecordReadMany(FDbOwner.Handle(), positions, FTbPhysRecLen, &records, &failed);
   const size_t good = result == kOk ? FAhead.size() : failed;
-  for (size_t i = 0; i < good; ++i) FAhead[i].raw = std::move(records[i]);
+  for (size_t i = 0; i < good; ++i) FAhead[i].raw.assign(records[i].begin(), records[i].end());
   if (result != kOk) {
     FAhead.resize(failed + 1);
     FAheadReachesEnd = false;
@@ -308,7 +308,7 @@ int TStdTB::GetKeyBatch(std::string_view pattern, char index, std::vector<std::s
 int TStdTB::GetBatchFromPositions(const std::vector<int32_t>& positions,
                                   std::vector<std::vector<uint8_t>>& records) {
   // Read in file order, nearby records together; handed out in the order asked for.
-  std::vector<std::vector<uint8_t>> raws;
+  storage::RecordBatch raws;
   size_t failed = 0;
   if (storage::iDK_RecordReadMany(FDbOwner.Handle(), positions, FTbPhysRecLen, &raws, &failed) !=
       kOk) {
@@ -318,7 +318,7 @@ int TStdTB::GetBatchFromPositions(const std::vector<int32_t>& positions,
   records.assign(positions.size(), {});
   for (size_t i = 0; i < positions.size(); ++i) {
     StoredRecord stored;
-    stored.raw = std::move(raws[i]);
+    stored.raw.assign(raws[i].begin(), raws[i].end());
     if (int result = DecodeStored(positions[i], stored, "GetBatch"); result != kOk) return result;
     records[i] = std::move(stored.current);
   }
