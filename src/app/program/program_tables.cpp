@@ -1,6 +1,7 @@
 #include "app/program/program_tables.h"
 
 #include "boq/boq_tables.h"
+#include "calc/tables/calc_tables.h"
 #include "data/tables/data_tables.h"
 #include "exchange/exchange_tables.h"
 
@@ -13,6 +14,7 @@ data::TTableRegistry ComposeProgramTables() {
   data::TTableRegistry registry;
   data::RegisterDataTables(registry);
   boq::RegisterBoqTables(registry);
+  calc::RegisterCalcTables(registry);
   exchange::RegisterExchangeTables(registry);
   return registry;
 }

@@ -1,0 +1,97 @@
+// The calculation tables: the master defaults and the per-LV copies made on first use.
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "calc/model/cost_types.h"
+#include "calc/tables/calc_table_types.h"
+#include "calc/tables/tb_ends.h"
+#include "calc/tables/tb_mittellohn.h"
+#include "calc/tables/tb_zuschlag.h"
+#include "data/tables/std_db.h"
+#include "data/tables/std_db_datas.h"
+#include "testing/temp_dir.h"
+
+namespace korvan::calc {
+namespace {
+
+class CalcTablesTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    master_ = Create("DB_KR", kKrDbType);
+    project_ = Create("DB_KP", kKpDbType);
+  }
+  void TearDown() override {
+    master_.reset();
+    project_.reset();
+    data::TStdDbDatas::Instance().ReleaseEmpty();
+  }
+  std::unique_ptr<data::TStdDb> Create(const char* group, char type) {
+    auto db = std::make_unique<data::TStdDb>(group, dir_.path().string() + "/", type, 70);
+    EXPECT_EQ(db->DbCreate(), 0);
+    return db;
+  }
+
+  korvan::testing::TempDir dir_;
+  std::unique_ptr<data::TStdDb> master_;
+  std::unique_ptr<data::TStdDb> project_;
+};
+
+TEST_F(CalcTablesTest, ANewMasterSurchargeTableHoldsTheNineteenDefaults) {
+  TTbZuR master(*master_);
+  ASSERT_EQ(master.InitTable(), 0);
+  ASSERT_EQ(master.InitTable(), 0);  // a second run adds nothing
+  EXPECT_EQ(master.All().size(), 19u);
+  EXPECT_EQ(master.Find('Z', 'E'), 80.0);
+  EXPECT_EQ(master.Find('Z', 'I'), 5.0);
+  EXPECT_EQ(master.Find('E', 'K'), 9.0);
+  EXPECT_EQ(master.Find('E', 'P'), 50.0);
+  EXPECT_EQ(master.Find('Z', 'K'), std::nullopt);
+}
+
+TEST_F(CalcTablesTest, TheLvCopiesTheMasterOnFirstUseOnly) {
+  TTbZuR master(*master_);
+  ASSERT_EQ(master.InitTable(), 0);
+  TTbZuP project(*project_);
+  ASSERT_EQ(project.InitTable(7, master), 0);
+  EXPECT_EQ(project.AllOf(7).size(), 19u);
+  ASSERT_EQ(project.Set(7, 'Z', 'M', 12.5), 0);
+  ASSERT_EQ(project.InitTable(7, master), 0);
+  EXPECT_EQ(project.Find(7, 'Z', 'M'), 12.5);
+  EXPECT_EQ(project.AllOf(7).size(), 19u);
+  EXPECT_TRUE(project.AllOf(8).empty());
+}
+
+TEST_F(CalcTablesTest, TheEndSumRecordTakesTheMasterRowsOfKindE) {
+  TTbZuR master(*master_);
+  TTbEndsP ends(*project_);
+  ASSERT_EQ(ends.InitTable(1, master), 0);  // empty master: all 0
+  EXPECT_EQ(double{ends.Get(1)->UMLLOHN}, 0.0);
+  ASSERT_EQ(master.InitTable(), 0);
+  ASSERT_EQ(ends.InitTable(2, master), 0);
+  const t_KpENDS two = *ends.Get(2);
+  EXPECT_EQ(double{two.UMLPRZMAT}, 5.0);
+  EXPECT_EQ(double{two.ENDSAGKPRZEL}, 9.0);
+  EXPECT_EQ(double{two.ENDSAGKPRZFL}, 0.0);
+  EXPECT_EQ(double{two.ENDSWUGPRZEL}, 5.0);
+  EXPECT_EQ(double{two.UMLLOHN}, 50.0);
+  EXPECT_EQ(int32_t{two.IDUMLLV}, 2147483647);
+  ASSERT_EQ(ends.InitTable(1, master), 0);  // there already: nothing copied
+  EXPECT_EQ(double{ends.Get(1)->UMLLOHN}, 0.0);
+}
+
+TEST_F(CalcTablesTest, TheAverageWageOfAnLvComesFromTheMasterRow) {
+  TTbMLohnR master(*master_);
+  TTbMLohnP project(*project_);
+  ASSERT_EQ(project.InitTable(3, master), 0);
+  EXPECT_EQ(project.Get(3), std::nullopt);  // no master row: nothing to copy
+  master.InitRecord();
+  master.Rec().MLL = 20;
+  master.Rec().MLS = 80;
+  ASSERT_EQ(master.UpDateRec(), 0);
+  ASSERT_EQ(project.InitTable(3, master), 0);
+  EXPECT_EQ(double{project.Get(3)->MLS}, 80.0);
+}
+
+}  // namespace
+}  // namespace korvan::calc
