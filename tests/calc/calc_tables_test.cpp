@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "calc/model/cost_types.h"
+#include "calc/price/lv_calculation.h"
 #include "calc/tables/calc_table_types.h"
 #include "calc/tables/tb_ends.h"
 #include "calc/tables/tb_mittellohn.h"
@@ -91,6 +92,31 @@ TEST_F(CalcTablesTest, TheAverageWageOfAnLvComesFromTheMasterRow) {
   ASSERT_EQ(master.UpDateRec(), 0);
   ASSERT_EQ(project.InitTable(3, master), 0);
   EXPECT_EQ(double{project.Get(3)->MLS}, 80.0);
+}
+
+TEST_F(CalcTablesTest, CostElementsGiveDirectCostsAndPricesWithTheSurcharges) {
+  TTbZuR(*master_).InitTable();
+  TLvCalculation calculation(*project_, *master_, 4);
+  calculation.SetCostElement(30, TResultIndex::kMaterial, 10);
+  calculation.SetCostElement(30, TResultIndex::kLohn, 20);
+  calculation.SetCostElement(30, TResultIndex::kFremd, 5);
+  calculation.SetCostElement(30, TResultIndex::kFremd, 6);  // replaces the 5
+  calculation.SetCostElement(30, TResultIndex::kRsv, 0);    // nothing to remove
+  TItemCosts costs = calculation.CostsOf(30);
+  EXPECT_EQ(costs.direct_total, 36.0);
+  EXPECT_DOUBLE_EQ(costs.price_total, 10.5 + 20 + 6.3);  // no wage A: no wage surcharge
+  EXPECT_FALSE(calculation.CostsOf(31).HasElements());
+
+  // With a wage A of 20 and no social costs, E 80 % and I 5 % give (16 + 1) / 20.
+  TTbBASP keys(*project_);
+  keys.InitRecord();
+  keys.Rec().ID.SetRaw("1");
+  keys.Rec().MLA.Betrag = 20;
+  ASSERT_EQ(keys.UpDateRec(), 0);
+  TLvCalculation with_wage(*project_, *master_, 4);
+  EXPECT_DOUBLE_EQ(with_wage.Surcharges()[1], 85.0);
+  calculation.SetCostElement(30, TResultIndex::kLohn, 0);
+  EXPECT_EQ(calculation.CostsOf(30).direct_total, 16.0);
 }
 
 }  // namespace
