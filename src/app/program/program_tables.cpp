@@ -4,6 +4,7 @@
 #include "calc/tables/calc_tables.h"
 #include "data/tables/data_tables.h"
 #include "exchange/exchange_tables.h"
+#include "formula/formula_tables.h"
 
 namespace korvan::app {
 namespace {
@@ -14,6 +15,7 @@ data::TTableRegistry ComposeProgramTables() {
   data::TTableRegistry registry;
   data::RegisterDataTables(registry);
   boq::RegisterBoqTables(registry);
+  formula::RegisterFormulaTables(registry);
   calc::RegisterCalcTables(registry);
   exchange::RegisterExchangeTables(registry);
   return registry;
