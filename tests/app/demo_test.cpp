@@ -29,7 +29,7 @@ TEST(Demo, SetsUpASampleInstallationOnceAndDumpsItsTables) {
   const fs::path base = dir.path() / "sample";
   ExpectKorvan({"demo", "-d", base.string()}, 0,
                {"Gelesene Währungen: \nDEM, BEF, FIM", "3 Währungen und 8 Einheiten eingetragen",
-                "  U  STAMMDATEN/DB_Stamm.QE0: 24 Datensätze"});
+                "  U  STAMMDATEN/DB_Stamm.QE0: 50 Datensätze"});
   EXPECT_FALSE(fs::exists(base / "STAMMDATEN/DB_Stamm.QE2"));  // no lock file left behind
   {
     data::TCollectedMessages messages;
@@ -47,7 +47,7 @@ TEST(Demo, SetsUpASampleInstallationOnceAndDumpsItsTables) {
   // A second run finds everything in place and enters nothing twice.
   ExpectKorvan(
       {"demo", "-d", base.string()}, 0,
-      {"0 Währungen und 0 Einheiten eingetragen", "  U  STAMMDATEN/DB_Stamm.QE0: 24 Datensätze"});
+      {"0 Währungen und 0 Einheiten eingetragen", "  U  STAMMDATEN/DB_Stamm.QE0: 50 Datensätze"});
 
   const std::string stamm = (base / "STAMMDATEN/DB_Stamm.QE").string();
   const ProgramResult currencies =

@@ -4,6 +4,7 @@
 #include "app/commands/admin/admin_commands.h"
 #include "app/commands/currency/currency_commands.h"
 #include "app/commands/db/db_commands.h"
+#include "app/commands/formula/formula_commands.h"
 #include "app/commands/gaeb/gaeb_commands.h"
 #include "app/commands/lists/list_commands.h"
 #include "app/commands/lv/lv_commands.h"
@@ -26,6 +27,7 @@ CommandList AllCommands() {
   AddTextCommands(commands);
   AddCurrencyCommands(commands);
   AddGaebCommands(commands);
+  AddFormulaCommands(commands);
   return commands;
 }
 

@@ -10,7 +10,7 @@ constexpr int kFirstTextNr = 46850;
 
 // The texts 46850 to 46870 in the order of their numbers.
 constexpr std::array<std::string_view, 21> kTexts = {
-    "Fehler in der Formel",                                          // 9101
+    "Die Formelnummer steht nicht im Formelkatalog",                 // 9101
     "Die Formel ist zu lang",                                        // 9102
     "Die Formel hat zu viele Bestandteile",                          // 9103
     "Die Formel ist zu tief verschachtelt",                          // 9104

@@ -3,6 +3,7 @@
 #include <cctype>
 #include <optional>
 
+#include "formula/language/formel_errors.h"
 #include "formula/reb/reb_interpreter.h"
 #include "formula/reb/reb_runs.h"
 
@@ -95,7 +96,12 @@ TRebExpression TREB003FormelInterpreter::Build(const std::vector<TRebLine>& line
               return std::string("(1)");
             return Wrapped(line, n);
           });
-      if (expression) out.expression = *expression;
+      if (expression) {
+        out.expression = *expression;
+      } else {
+        out.error = kFormelNotInCatalogue;
+        out.result = 0;
+      }
       return out;
     }
   }

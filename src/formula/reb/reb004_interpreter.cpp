@@ -4,6 +4,7 @@
 #include <cmath>
 #include <optional>
 
+#include "formula/language/formel_errors.h"
 #include "formula/language/formel_number.h"
 #include "formula/language/formel_obj.h"
 #include "formula/reb/reb_interpreter.h"
@@ -147,7 +148,12 @@ TRebExpression TREB004FormelInterpreter::Build(const std::vector<TRebLine>& line
     }
     return value;
   });
-  if (expression) out.expression = *expression;
+  if (expression) {
+    out.expression = *expression;
+  } else {
+    out.error = kFormelNotInCatalogue;
+    out.result = 0;
+  }
   return out;
 }
 
