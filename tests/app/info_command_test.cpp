@@ -27,7 +27,7 @@ TEST(InfoCommand, ListsEveryGroupWithItsDatabasesCountsSizesAndWarnings) {
       {"Aktuelles Projekt: PROJEKTE/Beispiel/", "DB_CONTRO (I, Rechetverwaltung Tabellen)\n",
        "  Y  SYSTEM/SYS/DB_CONTRO.QI0: 0 Datensätze, Daten " + std::to_string(data_size) +
            " Bytes, Schlüssel " + std::to_string(key_size) + " Bytes\n",
-       "Summe: 39 Datenbanken, 39 Datensätze", "Dateigrößen: keine Warnungen"});
+       "Summe: 39 Datenbanken, 58 Datensätze", "Dateigrößen: keine Warnungen"});
   EXPECT_TRUE(info.err.empty()) << info.err;
 }
 
