@@ -96,7 +96,7 @@ TEST_F(CalcTablesTest, TheAverageWageOfAnLvComesFromTheMasterRow) {
 
 TEST_F(CalcTablesTest, CostElementsGiveDirectCostsAndPricesWithTheSurcharges) {
   TTbZuR(*master_).InitTable();
-  TLvCalculation calculation(*project_, *master_, 4);
+  TLvCalculation calculation(*project_, *master_, 4, true);
   calculation.SetCostElement(30, TResultIndex::kMaterial, 10);
   calculation.SetCostElement(30, TResultIndex::kLohn, 20);
   calculation.SetCostElement(30, TResultIndex::kFremd, 5);
@@ -113,7 +113,7 @@ TEST_F(CalcTablesTest, CostElementsGiveDirectCostsAndPricesWithTheSurcharges) {
   keys.Rec().ID.SetRaw("1");
   keys.Rec().MLA.Betrag = 20;
   ASSERT_EQ(keys.UpDateRec(), 0);
-  TLvCalculation with_wage(*project_, *master_, 4);
+  TLvCalculation with_wage(*project_, *master_, 4, false);
   EXPECT_DOUBLE_EQ(with_wage.Surcharges()[1], 85.0);
   calculation.SetCostElement(30, TResultIndex::kLohn, 0);
   EXPECT_EQ(calculation.CostsOf(30).direct_total, 16.0);

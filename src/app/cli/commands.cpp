@@ -2,6 +2,7 @@
 // commands.
 #include "app/cli/command.h"
 #include "app/commands/admin/admin_commands.h"
+#include "app/commands/calc/calc_commands.h"
 #include "app/commands/currency/currency_commands.h"
 #include "app/commands/db/db_commands.h"
 #include "app/commands/formula/formula_commands.h"
@@ -23,6 +24,7 @@ CommandList AllCommands() {
   AddListCommands(commands);
   AddLvCommands(commands);
   AddVarCommands(commands);
+  AddCalcCommands(commands);
   AddOzCommands(commands);
   AddTextCommands(commands);
   AddCurrencyCommands(commands);

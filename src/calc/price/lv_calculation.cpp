@@ -39,36 +39,59 @@ bool TItemCosts::HasElements() const {
   return false;
 }
 
-TLvCalculation::TLvCalculation(data::TStdDb& project, data::TStdDb& master, int32_t lv)
-    : project_(project), lv_(lv), surcharges_table_(project), lines_(project) {
-  TTbZuR master_surcharges(master);
-  TTbMLohnR master_wage(master);
-  TTbBASR master_keys(master);
-  TTbMLohnP wage(project);
-  TTbBASP keys(project);
-  TTbEndsP ends(project);
-  const std::string failed = "Die Kalkulationseinstellungen des LV können nicht angelegt werden";
-  Require(surcharges_table_.InitTable(lv, master_surcharges), failed);
-  Require(wage.InitTable(lv, master_wage), failed);
-  Require(keys.InitTable(master_keys), failed);
-  Require(ends.InitTable(lv, master_surcharges), failed);
+TLvCalculation::TLvCalculation(data::TStdDb& project, data::TStdDb& master, int32_t lv,
+                               bool copy_settings)
+    : project_(project), master_(master), lv_(lv), surcharges_table_(project), lines_(project) {
+  if (copy_settings) CopySettings();
   LoadSurcharges();
 }
 
+void TLvCalculation::CopySettings() {
+  TTbZuR master_surcharges(master_);
+  TTbMLohnR master_wage(master_);
+  TTbBASR master_keys(master_);
+  TTbMLohnP wage(project_);
+  TTbBASP keys(project_);
+  TTbEndsP ends(project_);
+  const std::string failed = "Die Kalkulationseinstellungen des LV können nicht angelegt werden";
+  if (master_surcharges.All().empty()) Require(master_surcharges.InitTable(), failed);
+  Require(surcharges_table_.InitTable(lv_, master_surcharges), failed);
+  Require(wage.InitTable(lv_, master_wage), failed);
+  Require(keys.InitTable(master_keys), failed);
+  Require(ends.InitTable(lv_, master_surcharges), failed);
+}
+
 void TLvCalculation::LoadSurcharges() {
+  // An LV without its own settings yet is calculated with the master's.
+  const bool own = !surcharges_table_.AllOf(lv_).empty();
+  TTbZuR master_surcharges(master_);
   const auto rate = [&](char code) {
-    return surcharges_table_.Find(lv_, kKalkArtZuschlag, code).value_or(0.0);
+    const std::optional<double> percent = own ? surcharges_table_.Find(lv_, kKalkArtZuschlag, code)
+                                              : master_surcharges.Find(kKalkArtZuschlag, code);
+    return percent.value_or(0.0);
   };
   for (int i = 0; i < kResultCostTypes; ++i) {
     const auto type = static_cast<TResultIndex>(i);
     if (type != TResultIndex::kLohn) surcharges_[i] = rate(ZuCodeOf(ZuIndexOf(type)));
   }
   // The wage's percentage: the absolute wage surcharge over the average wage ASL.
-  const double base = BaseWage(project_);
+  double base = BaseWage(project_);
+  double social = 0.0;
+  double incidental = 0.0;
   TTbMLohnP wage(project_);
-  const std::optional<t_KpMLOHN> percentages = wage.Get(lv_);
-  const double social = percentages ? double{percentages->MLS} : 0.0;
-  const double incidental = percentages ? double{percentages->MLL} : 0.0;
+  if (const std::optional<t_KpMLOHN> percentages = wage.Get(lv_)) {
+    social = percentages->MLS;
+    incidental = percentages->MLL;
+  } else if (const std::optional<t_KrMLOHN> defaults = TTbMLohnR(master_).Get()) {
+    social = defaults->MLS;
+    incidental = defaults->MLL;
+  }
+  if (base == 0.0) {
+    TTbBASR master_keys(master_);
+    for (const t_KrBAS_729& key : master_keys.All()) {
+      if (key.MLA.Betrag > 0.0 && base == 0.0) base = key.MLA.Betrag;
+    }
+  }
   const double asl = base + base * social / 100.0 + base * incidental / 100.0;
   const double absolute = base * rate('E') / 100.0 + asl * rate('I') / 100.0;
   surcharges_[static_cast<int>(TResultIndex::kLohn)] = asl == 0.0 ? 0.0 : absolute / asl * 100.0;
@@ -127,18 +150,23 @@ void TLvCalculation::SetCostElement(int32_t id_beschr, TResultIndex type, double
   Require(lines_.UpDateRec(), failed);
 }
 
+bool TLvCalculation::UpdateCalculatedPrice(TLvPos& entry, const TItemCalculation& calculation) {
+  if (!entry.IsQuantityItem()) return false;
+  const TItemCosts costs = CostsOf(entry.LvBgBeschr.IDBeschr);
+  if (!costs.HasElements()) return false;
+  entry.LvBeschr.EinzelkostenEP.Betrag = calculation.RoundUnitPrice(costs.direct_total);
+  entry.LvBeschr.AngebotsEP.Betrag = calculation.RoundUnitPrice(costs.price_total);
+  return true;
+}
+
 void TLvCalculation::UpdateCalculatedPrices(boq::TLVPosList& list,
                                             const TItemCalculation& calculation,
                                             const std::function<void(int, int)>& progress) {
   for (int i = 0; i < list.Count(); ++i) {
     if (progress) progress(i, list.Count());
-    TLvPos& entry = list[i];
-    if (!entry.IsQuantityItem()) continue;
-    const TItemCosts costs = CostsOf(entry.LvBgBeschr.IDBeschr);
-    if (!costs.HasElements()) continue;
-    entry.LvBeschr.EinzelkostenEP.Betrag = calculation.RoundUnitPrice(costs.direct_total);
-    entry.LvBeschr.AngebotsEP.Betrag = calculation.RoundUnitPrice(costs.price_total);
-    list.Changed(i, boq::TModelChangedReason::crCost);
+    if (UpdateCalculatedPrice(list[i], calculation)) {
+      list.Changed(i, boq::TModelChangedReason::crCost);
+    }
   }
   calculation.CalculateAll(list);
   if (progress) progress(list.Count(), list.Count());

@@ -43,9 +43,12 @@ struct TItemCosts {
 
 class TLvCalculation {
  public:
-  // `project`: the project's DB_KP, `master`: the installation's DB_KR, both open.
-  // Copies the master settings to the LV when it has none yet (ECalcError on failure).
-  TLvCalculation(data::TStdDb& project, data::TStdDb& master, int32_t lv);
+  // `project`: the project's DB_KP, `master`: the installation's DB_KR, both open. With
+  // `copy_settings` the master settings are copied to the LV when it has none yet (and
+  // an empty master surcharge table gets its defaults first); without, such an LV is
+  // calculated with the master's settings and nothing is written. ECalcError when a
+  // copy cannot be written.
+  TLvCalculation(data::TStdDb& project, data::TStdDb& master, int32_t lv, bool copy_settings);
 
   // The surcharge percentages of method Z per cost type; the wage's is derived from the
   // average wage (0 while the project has no work key with a wage).
@@ -57,6 +60,9 @@ class TLvCalculation {
   // it); ECalcError when it cannot be written.
   void SetCostElement(int32_t id_beschr, TResultIndex type, double amount);
 
+  // Sets one item's direct cost and calculated unit price from its cost elements; false,
+  // and the item unchanged, when it has none (a fixed price) or is no item.
+  bool UpdateCalculatedPrice(boq::TLvPos& entry, const TItemCalculation& calculation);
   // "Kalkulierte EP aktualisieren": every item (L, P, U) with cost elements gets its
   // direct cost (EinzelkostenEP) and its calculated unit price (AngebotsEP) rounded to
   // the unit-price decimals; the list is recalculated after. Items without cost
@@ -65,9 +71,11 @@ class TLvCalculation {
                               const std::function<void(int, int)>& progress = {});
 
  private:
+  void CopySettings();
   void LoadSurcharges();
 
   data::TStdDb& project_;
+  data::TStdDb& master_;
   int32_t lv_;
   TTbZuP surcharges_table_;
   TTbAUPos lines_;

@@ -16,6 +16,25 @@ namespace {
 
 // The database group of the texts; a project keeps one beside its LVs.
 constexpr const char* kTextDbGroup = "DB_Texte";
+// The calculation's databases: the project's beside its LVs, the master data's with the
+// installation's other master data.
+constexpr const char* kCalcDbGroup = "DB_KP";
+constexpr const char* kCalcMasterDbGroup = "DB_KR";
+
+boq::TValueConverterSettings SettingsOf(const data::TSysConfig& system, int decimals) {
+  boq::TValueConverterSettings settings;
+  settings.round_amounts = system.RundenWaehrung();
+  settings.currency_rounding = system.CurrencyRoundingType();
+  settings.qty_rounding = system.QtyRoundingType();
+  settings.amount_decimals = decimals;
+  return settings;
+}
+
+data::TStdDb& OpenExisting(MasterDataSession& session, const data::DatabaseFile& file,
+                           const std::string& what) {
+  if (!file.Exists()) throw CommandError(what + " fehlt (" + file.DataFileName() + ")");
+  return session.OpenDatabase(file);
+}
 
 }  // namespace
 
@@ -44,6 +63,27 @@ LvProject::LvProject(const std::string& data_dir, const std::string& project) {
                        file_->DataFileName() + " fehlt)");
   }
   session_ = std::make_unique<MasterDataSession>(ProgramTables(), base, false);
+  const data::DatabaseFiles files(installation.machine.ToDatabaseDirectories());
+  if (const data::DatabaseFile* master = files.Find(kCalcMasterDbGroup, data::kPathStammdaten)) {
+    calc_master_ = *master;
+  }
+  euro_settings_ = SettingsOf(installation.system, installation.system.EuroWaeGenauigkeit());
+  national_settings_ = SettingsOf(installation.system, installation.system.LandesWaeGenauigkeit());
+}
+
+data::TStdDb& LvProject::CalcDb() {
+  const data::DatabaseFile file(*data::FindDbGroup(kCalcDbGroup), data::kPathObjekt,
+                                file_->directory());
+  return OpenExisting(*session_, file, "Die Kalkulationsdatenbank des Projekts");
+}
+
+data::TStdDb& LvProject::CalcMasterDb() {
+  if (!calc_master_) throw CommandError("Die Installation hat keine Kalkulationsstammdaten");
+  return OpenExisting(*session_, *calc_master_, "Die Kalkulationsstammdaten");
+}
+
+boq::TValueConverterSettings LvProject::ValueSettings(bool euro) const {
+  return euro ? euro_settings_ : national_settings_;
 }
 
 data::TStdDb& LvProject::Db(bool journal) {

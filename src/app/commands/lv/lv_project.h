@@ -9,6 +9,7 @@
 
 #include "app/commands/lists/master_data_session.h"
 #include "boq/units/unit_list.h"
+#include "boq/units/value_converter.h"
 #include "data/db/db_groups.h"
 #include "data/tables/std_db.h"
 
@@ -37,6 +38,15 @@ class LvProject {
   // The units of the master data in the language of entry texts, read on first use.
   const boq::TUnitList& Units();
 
+  // The project's calculation database (DB_KP) and the installation's calculation master
+  // data (DB_KR), open for writing; CommandError when either is missing. Open the LV
+  // database first.
+  data::TStdDb& CalcDb();
+  data::TStdDb& CalcMasterDb();
+  // How the installation rounds amounts; `euro`: the LV is kept in euros (else in the
+  // national currency), which chooses the amount decimals.
+  boq::TValueConverterSettings ValueSettings(bool euro) const;
+
   // The id of the LV that the command line names by id or name; CommandError (in the
   // project's words) when it names none or more than one.
   int32_t ResolveLv(const std::string& name_or_id);
@@ -49,6 +59,9 @@ class LvProject {
   std::unique_ptr<MasterDataSession> session_;
   data::TStdDb* db_ = nullptr;
   std::optional<boq::TUnitList> units_;
+  std::optional<data::DatabaseFile> calc_master_;
+  boq::TValueConverterSettings euro_settings_;
+  boq::TValueConverterSettings national_settings_;
 };
 
 // One step of the journal for the lifetime of the object: everything the command changes

@@ -1,0 +1,99 @@
+#include "app/commands/calc/calc_lv.h"
+
+#include "app/cli/command_error.h"
+#include "boq/lv/lv_record.h"
+#include "boq/lv/project_lvs.h"
+#include "boq/model/lv_editing.h"
+#include "boq/model/lv_pos_list_io.h"
+
+namespace korvan::app {
+namespace {
+
+boq::TLVPosList Load(LvProject& project, data::TStdDb& db, const std::string& lv) {
+  try {
+    return boq::LoadLvPosList(db, project.TextDb(), project.ResolveLv(lv));
+  } catch (const boq::EStoredLvError& error) {
+    throw CommandError(error.what());
+  }
+}
+
+}  // namespace
+
+CalcLv::CalcLv(const std::string& data_dir, const std::string& project, const std::string& lv,
+               bool journal)
+    : project_(data_dir, project),
+      db_(project_.Db(journal)),
+      list_(Load(project_, db_, lv)),
+      converter_(boq::TCurrencyList(),
+                 project_.ValueSettings(list_.FLv().LVWaehrung ==
+                                        static_cast<uint8_t>(boq::TWaehrungstyp::wtEuro))),
+      calculation_(converter_, list_.FLv().EPGenauigkeit) {}
+
+calc::TLvCalculation& CalcLv::Costs(bool copy_settings) {
+  if (!costs_) {
+    try {
+      costs_ = std::make_unique<calc::TLvCalculation>(project_.CalcDb(), project_.CalcMasterDb(),
+                                                      list_.FLv().FId, copy_settings);
+    } catch (const calc::ECalcError& error) {
+      throw CommandError(error.what());
+    }
+  }
+  return *costs_;
+}
+
+int CalcLv::IndexOf(const std::string& oz) const {
+  const int index = boq::FindEntryByOz(list_, oz);
+  if (index < 0) {
+    throw CommandError("LV \"" + list_.FLv().Name.Get() +
+                       "\": es gibt keinen Eintrag mit der OZ \"" + oz + "\".");
+  }
+  return index;
+}
+
+std::vector<int> CalcLv::Selection(const std::vector<std::string>& ozs) const {
+  std::vector<int> selected;
+  if (!ozs.empty()) {
+    for (const std::string& oz : ozs) selected.push_back(IndexOf(oz));
+    return selected;
+  }
+  for (int i = 0; i < list_.Count(); ++i) {
+    if (list_[i].IsQuantityItem()) selected.push_back(i);
+  }
+  return selected;
+}
+
+void CalcLv::RequireSurchargeMethod() const {
+  if (list_.FLv().KalkVerfahren == 'E') {
+    throw CommandError("LV \"" + list_.FLv().Name.Get() +
+                       "\" wird über die Endsumme kalkuliert; diese Kalkulation ist noch nicht "
+                       "möglich (nur Kalkulation mit vorberechneten Zuschlägen)");
+  }
+}
+
+void CalcLv::Change(const std::string& caption, std::ostream& warnings,
+                    const std::function<void()>& change) {
+  if (list_.FReadOnly()) throw CommandError("Das LV ist schreibgeschützt.");
+  const auto run = [&] {
+    change();
+    calculation_.CalculateAll(list_);
+    boq::SaveLvPosList(db_, project_.TextDb(), list_);
+  };
+  RunAsOneStep(project_.Journal(), data::TOperationKind::okEdit,
+               caption + " in LV \"" + list_.FLv().Name.Get() + "\"",
+               {"es wurde nichts geändert", "die Änderung konnte nicht zurückgenommen werden",
+                "die Änderung"},
+               warnings, [&]() -> std::string {
+                 try {
+                   run();
+                   return {};
+                 } catch (const boq::EStoredLvError& error) {
+                   return error.what();
+                 } catch (const calc::ECalcError& error) {
+                   return error.what();
+                 } catch (const CommandError& error) {
+                   return error.what();
+                 }
+               });
+}
+
+}  // namespace korvan::app

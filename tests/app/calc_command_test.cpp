@@ -1,0 +1,109 @@
+// `korvan calc` and `korvan prices` on a sample installation: unit prices and totals from
+// cost elements equal a computation in whole cents, each change one undo step.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "testing/json_value.h"
+#include "testing/run_korvan.h"
+#include "testing/temp_dir.h"
+
+namespace korvan::app {
+namespace {
+
+using testing::ProgramResult;
+
+// An amount in cents as the command line writes it ("1234,56").
+std::string Euros(int64_t cents) {
+  const std::string fraction = std::to_string(100 + cents % 100).substr(1);
+  return std::to_string(cents / 100) + "," + fraction;
+}
+
+// Half a unit and more rounds up (every amount here is positive).
+int64_t RoundedDivision(int64_t numerator, int64_t denominator) {
+  return (numerator * 2 + denominator) / (denominator * 2);
+}
+
+class CalcCommands : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    Korvan({"demo"});
+    Korvan({"lv", "new", "Kalkulation"});
+  }
+  ProgramResult Korvan(std::vector<std::string> args, int exit_code = 0,
+                       const std::vector<std::string>& parts = {}) {
+    return testing::ExpectKorvanOn(base_, std::move(args), exit_code, parts);
+  }
+  testing::JsonValue Item(const std::string& oz) {
+    return testing::ParseJson(Korvan({"calc", "item", "Kalkulation", oz, "--json"}).out);
+  }
+
+  korvan::testing::TempDir dir_;
+  std::filesystem::path base_ = dir_.path() / "sample";
+};
+
+// Material and subcontracts carry the default surcharge of 5 %, the wage none while the
+// project has no average wage; unit prices round to cents, totals from them.
+TEST_F(CalcCommands, TwentyItemsGiveTheHandComputedPricesToTheCent) {
+  int64_t bid_total = 0;
+  std::vector<int64_t> unit_prices, totals;
+  for (int64_t i = 1; i <= 20; ++i) {
+    const int64_t material = 1000 + (737 * i) % 50000, wage = 2500 + 311 * i;
+    const int64_t subcontract = (913 * i) % 3000 + 5, milli_qty = 1000 + (12345 * i) % 99999;
+    Korvan({"lv", "add", "Kalkulation", "P", "--short", "Position " + std::to_string(i)});
+    Korvan({"calc", "set", "Kalkulation", std::to_string(i), "M=" + Euros(material),
+            "Z=" + Euros(wage), "F=" + Euros(subcontract),
+            "menge=" + std::to_string(milli_qty / 1000) + "," +
+                std::to_string(1000 + milli_qty % 1000).substr(1)});
+    const int64_t ep = RoundedDivision(105 * (material + subcontract) + 100 * wage, 100);
+    unit_prices.push_back(ep);
+    totals.push_back(RoundedDivision(milli_qty * ep, 1000));
+    bid_total += totals.back();
+  }
+  const testing::JsonValue run =
+      testing::ParseJson(Korvan({"calc", "run", "Kalkulation", "--json"}).out);
+  EXPECT_EQ(run["calculated"].Number(), 20);
+  EXPECT_EQ(std::llround(run["bid_total"].Number() * 100), bid_total);
+  for (int i : {1, 7, 20}) {
+    const testing::JsonValue item = Item(std::to_string(i));
+    EXPECT_EQ(std::llround(item["unit_prices"]["angebot"].Number() * 100), unit_prices[i - 1]);
+    EXPECT_EQ(std::llround(item["totals"]["angebot"].Number() * 100), totals[i - 1]);
+  }
+}
+
+TEST_F(CalcCommands, PriceOperationsAreOneUndoStepEach) {
+  Korvan({"lv", "add", "Kalkulation", "P", "--short", "Beton"});
+  Korvan({"var", "set", "Kalkulation", "1", "L=2,5"});
+  Korvan({"calc", "set", "Kalkulation", "1", "M=100", "menge=L*4"}, 0,
+         {"Menge 10,000", "Angebot (kalkuliert)  105,000  1050,00"});
+  Korvan({"prices", "copy", "Kalkulation", "--from", "angebot", "--to", "vergabe", "schaetz"});
+  EXPECT_EQ(Item("1")["totals"]["vergabe"].Number(), 1050);
+  Korvan({"prices", "factor", "Kalkulation", "--factor", "1,1"});
+  EXPECT_EQ(Item("1")["unit_prices"]["schaetz"].Number(), 115.5);
+  Korvan({"prices", "delete", "Kalkulation", "--from", "vergabe", "--oz", "1"});
+  EXPECT_EQ(Item("1")["unit_prices"]["vergabe"].Number(), 0);
+  Korvan({"undo"});
+  Korvan({"undo"});
+  Korvan({"undo"});
+  EXPECT_EQ(Item("1")["unit_prices"]["vergabe"].Number(), 0);
+  EXPECT_EQ(Item("1")["unit_prices"]["angebot"].Number(), 105);
+  Korvan({"undo"});
+  EXPECT_EQ(Item("1")["cost_elements"].Items().size(), 0u);
+  Korvan({"check"}, 0, {"0 Problem(e)"});
+}
+
+TEST_F(CalcCommands, RefusalsSayWhy) {
+  Korvan({"lv", "add", "Kalkulation", "P"});
+  Korvan({"calc", "set", "Kalkulation", "1", "X=3"}, 2, {"keine Kostenart"});
+  Korvan({"calc", "set", "Kalkulation", "1", "M=3+"}, 2, {"Formel \"3+\""});
+  Korvan({"calc", "item", "Kalkulation", "9"}, 1, {"keinen Eintrag mit der OZ"});
+  Korvan({"prices", "copy", "Kalkulation", "--from", "x", "--to", "0"}, 2, {"keine Preisspalte"});
+  Korvan({"prices", "percent", "Kalkulation"}, 1, {"noch nicht möglich"});
+}
+
+}  // namespace
+}  // namespace korvan::app
