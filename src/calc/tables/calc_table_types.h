@@ -10,12 +10,19 @@ inline constexpr char kKrDbType = 'R';
 inline constexpr const char* kKpDbGroup = "DB_KP";
 inline constexpr const char* kKrDbGroup = "DB_KR";
 
-inline constexpr char kAUPosTableType = 'A';  // cost approach lines
-inline constexpr char kZuTableType = 'C';     // surcharge percentages
-inline constexpr char kEndsTableType = 'J';   // end-sum settings of an LV
-inline constexpr char kMLohnTableType = 'Q';  // average-wage percentages
-inline constexpr char kBasTableType = 'R';    // work keys
-inline constexpr char kKaGrTableType = 'Y';   // cost-type group values
-inline constexpr char kUPosTableType = 'U';   // sub-items of items
+inline constexpr char kAUPosTableType = 'A';   // cost approach lines
+inline constexpr char kZuTableType = 'C';      // surcharge percentages
+inline constexpr char kEndsTableType = 'J';    // end-sum settings of an LV
+inline constexpr char kMLohnTableType = 'Q';   // average-wage percentages
+inline constexpr char kBasTableType = 'R';     // work keys
+inline constexpr char kKaGrTableType = 'Y';    // cost-type group values
+inline constexpr char kUPosTableType = 'U';    // sub-items of items
+inline constexpr char kMatTableType = 'M';     // materials of approach lines
+inline constexpr char kSIdentTableType = 'I';  // standard-text identifiers of sub-items
+
+// The sub-item catalogue (DB_UP, type "S", of the installation).
+inline constexpr char kUpDbType = 'S';
+inline constexpr char kUpStrukturTableType = 'S';  // tree of groups and sub-items
+inline constexpr char kUpBgTableType = 'B';        // groups and sub-items
 
 }  // namespace korvan::calc

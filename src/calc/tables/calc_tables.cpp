@@ -3,6 +3,7 @@
 #include "calc/tables/tb_aupos.h"
 #include "calc/tables/tb_bas.h"
 #include "calc/tables/tb_ends.h"
+#include "calc/tables/tb_item_calc.h"
 #include "calc/tables/tb_kagr.h"
 #include "calc/tables/tb_mittellohn.h"
 #include "calc/tables/tb_zuschlag.h"
@@ -34,6 +35,11 @@ void RegisterCalcTables(data::TTableRegistry& registry) {
   registry.Register(kKpDbType, kKaGrTableType, Registry::FactoryOf<TTbKaGrP>());
   registry.Register(kKpDbType, kAUPosTableType, Registry::FactoryOf<TTbAUPos>());
   registry.Register(kKpDbType, kUPosTableType, Registry::FactoryOf<TTbUPos>());
+  registry.Register(kKpDbType, kMatTableType, Registry::FactoryOf<TTbMatP>());
+  registry.Register(kKpDbType, kSIdentTableType, Registry::FactoryOf<TTbSIdent>());
+
+  registry.Register(kUpDbType, kUpStrukturTableType, Registry::FactoryOf<TTbUpStruktur>());
+  registry.Register(kUpDbType, kUpBgTableType, Registry::FactoryOf<TTbUpBg>());
 }
 
 }  // namespace korvan::calc

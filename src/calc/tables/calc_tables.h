@@ -5,7 +5,7 @@
 namespace korvan::calc {
 
 // Enters the calculation tables: the master tables of DB_KR with their default rows
-// (the surcharges), and the project tables of DB_KP.
+// (the surcharges), the project tables of DB_KP and the sub-item catalogue of DB_UP.
 void RegisterCalcTables(data::TTableRegistry& registry);
 
 }  // namespace korvan::calc
