@@ -93,6 +93,10 @@ TEST_F(CalcCommands, PriceOperationsAreOneUndoStepEach) {
   EXPECT_EQ(Item("1")["unit_prices"]["angebot"].Number(), 105);
   Korvan({"undo"});
   EXPECT_EQ(Item("1")["cost_elements"].Items().size(), 0u);
+  Korvan({"redo"});
+  Korvan({"lv", "delete", "Kalkulation"});  // the cost elements go with the LV ...
+  Korvan({"undo"});                         // ... and come back with it
+  EXPECT_EQ(Item("1")["cost_elements"].Items().size(), 1u);
   Korvan({"check"}, 0, {"0 Problem(e)"});
 }
 

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <ostream>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -12,6 +13,8 @@
 #include "app/commands/lv/lv_project.h"
 #include "boq/lv/project_lvs.h"
 #include "boq/lv/tb_lv.h"
+#include "boq/model/lv_pos_list_io.h"
+#include "calc/tables/lv_calc_delete.h"
 
 namespace korvan::app {
 namespace {
@@ -40,12 +43,32 @@ int LvDeleteCommand::Run(Streams& streams) {
   const bool had_bim_folder = std::filesystem::exists(bim_folder, missing);
 
   data::TStdDb* text_db = target.TextDb();
+  // The calculation of the LV goes with it: its settings and its items' cost elements.
+  std::vector<int32_t> descriptions;
+  const boq::TLVPosList entries = boq::LoadLvPosList(db, nullptr, lv.id);
+  for (const boq::TLvPos& entry : entries.Entries()) {
+    const int32_t description = entry.LvBgBeschr.IDBeschr;
+    descriptions.push_back(description);
+  }
+  data::TStdDb* calc_db = nullptr;  // a project without a calculation database has nothing there
+  try {
+    calc_db = &target.CalcDb();
+  } catch (const CommandError&) {
+  }
   // What was deleted before a failure comes back at once: an LV is deleted whole or not at all.
   RunAsOneStep<boq::EStoredLvError>(
       target.Journal(), data::TOperationKind::okDelete, caption,
       {"es wurde nichts gelöscht",
        "die bis dahin gelöschten Datensätze konnten nicht zurückgeholt werden", "das Löschen"},
-      streams.err, [&] { boq::DeleteLv(db, lv.id, text_db); });
+      streams.err, [&] {
+        boq::DeleteLv(db, lv.id, text_db);
+        if (calc_db == nullptr) return;
+        if (int result = calc::DeleteLvCalculation(*calc_db, lv.id, descriptions); result != 0) {
+          throw boq::EStoredLvError(calc_db->BasePath() +
+                                    "0: die Kalkulation des LV kann nicht gelöscht werden (" +
+                                    std::to_string(result) + ")");
+        }
+      });
   if (json) {
     streams.out << "{\"id\": " << lv.id << ", \"name\": " << JsonString(lv.name)
                 << ", \"project\": " << JsonString(target.Name()) << ", \"entries\": " << lv.entries

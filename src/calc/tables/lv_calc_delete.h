@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "data/tables/std_db.h"
+
+namespace korvan::calc {
+
+// Deletes what the calculation keeps of an LV in the project's DB_KP: its surcharges,
+// average wage and end-sum settings, and the sub-items and cost approach lines of the
+// descriptions of its entries. 0 or the first failure's kernel code.
+int DeleteLvCalculation(data::TStdDb& project, int32_t lv,
+                        const std::vector<int32_t>& descriptions);
+
+}  // namespace korvan::calc
