@@ -14,6 +14,7 @@
 #include "data/tables/table_change_journal.h"
 #include "data/undo/undo_redo.h"
 #include "data/undo/undo_table_restorer.h"
+#include "testing/files.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
 
@@ -76,6 +77,41 @@ TEST(CurrencyCommand, ConvertsTheProjectsLvsAndTheProjectTemplateAsOneUndoStep) 
   for (const std::string& db : {lv_db, template_db}) {
     ExpectKorvan({"db", "dump", db, "--table", "K"}, 0, {"Summe: 0 [-1]\n"});
   }
+}
+
+// A conversion that fails half-way leaves data and journal as they were: no amount
+// converted, no step to undo, and the step the user had undone can still be made again.
+TEST(CurrencyCommand, AConversionFailingHalfWayLeavesDataAndJournalAsTheyWere) {
+  testing::TempDir dir;
+  const fs::path base = testing::MakeInstallation(dir, "demo");
+  for (const char* lv : {"Rohbau", "Zweites", "Drittes"}) {
+    ExpectKorvan({"lv", "new", lv, "-d", base.string()}, 0);
+  }
+  ExpectKorvan({"undo", "-d", base.string()}, 0);
+  const std::string journal = ExpectKorvan({"undo", "--list", "-d", base.string()}, 0).out;
+  // The second LV's header becomes unreadable: its length field says 12 bytes.
+  const fs::path data_file = base / "PROJEKTE/Beispiel/DB_Lv.QA0";
+  std::string bytes = testing::ReadFile(data_file);
+  const size_t name = bytes.find(std::string("\x07") + "Zweites");
+  ASSERT_NE(name, std::string::npos);
+  const size_t record = name - 806;  // the name's place in the LV header
+  const std::string length = bytes.substr(record, 4);
+  bytes.replace(record, 4, std::string("\x0c\0\0\0", 4));
+  testing::WriteFile(data_file, bytes);
+
+  ExpectKorvan({"currency", "convert", "-d", base.string(), "CHF"}, 1,
+               {"Währungskonvertierung abgebrochen, nichts geändert: "});
+  EXPECT_EQ(ExpectKorvan({"undo", "--list", "-d", base.string()}, 0).out, journal);
+  EXPECT_FALSE(fs::exists(base / "PROJEKTE/Beispiel/WaeKonv.LOG"));
+  bytes = testing::ReadFile(data_file);
+  bytes.replace(record, 4, length);
+  testing::WriteFile(data_file, bytes);
+  const std::string headers =
+      ExpectKorvan({"db", "dump", (base / "PROJEKTE/Beispiel/DB_Lv.QA").string(), "--table", "K"},
+                   0, {"Summe: 0 [-1]\n"})
+          .out;
+  EXPECT_FALSE(testing::Contains(headers, "[41]")) << headers;
+  ExpectKorvan({"redo", "-d", base.string()}, 0);
 }
 
 TEST(CurrencyCommand, AnEmptyCurrencyTableIsNamed) {

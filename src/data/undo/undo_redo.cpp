@@ -199,12 +199,25 @@ void TUndoRedo::EndTransaction() {
     DropStep();
     return;
   }
+  if (!EndEmptyStep()) KeepStep();
+}
+
+// Whether the step just ended recorded nothing: it is then removed, and the undone steps
+// stay. A journal that cannot be written drops the step.
+bool TUndoRedo::EndEmptyStep() {
   try {
-    if (FUndoStack->Normalize()) {
-      // Nothing changed: no step, and the undone steps stay.
-      if (FIntent && FIntent->Begun()) FIntent->Finish();
-      return;
-    }
+    if (!FUndoStack->Normalize()) return false;
+    if (FIntent && FIntent->Begun()) FIntent->Finish();
+  } catch (const UndoJournalError& error) {
+    FLastError = error.what();
+    DropStep();
+  }
+  return true;
+}
+
+// The step just ended stays on the undo stack.
+void TUndoRedo::KeepStep() {
+  try {
     FUndoStack->UpdateLastStartItem();
     FinishRecording();
   } catch (const UndoJournalError& error) {
@@ -215,6 +228,56 @@ void TUndoRedo::EndTransaction() {
   FUndoStack->SetModified(true);
   FRedoStack->SetModified(true);
   Notify();
+}
+
+// The changes are taken back while the step is still open, before its commit: should
+// the process die meanwhile, the next opening takes back the rest by the intent, which
+// holds every change, and finds those already taken back as they were.
+TUndoOutcome TUndoRedo::CancelTransaction() {
+  TUndoOutcome outcome;
+  if (Locked() || FTransactions == 0) return outcome;
+  if (FTransactions > 1) {
+    outcome.code = kUndoInTransaction;
+    outcome.error = "ein äußerer Schritt ist noch offen";
+    return outcome;
+  }
+  FTransactions = 0;
+  if (FStepBroken) {
+    // Changes made after the break were not recorded and cannot be taken back.
+    DropStep();
+    outcome.code = kUndoDamaged;
+    outcome.error = FLastError;
+    return outcome;
+  }
+  if (EndEmptyStep()) return outcome;
+  TUndoTransaction step;
+  try {
+    FUndoStack->UpdateLastStartItem();
+    step = FUndoStack->ReadLastTransaction();
+  } catch (const UndoJournalError& error) {
+    FLastError = error.what();
+    DropStep();
+    outcome.code = kUndoDamaged;
+    outcome.error = FLastError;
+    return outcome;
+  }
+  outcome.start = step.start;
+  std::vector<std::unique_ptr<TCustomUndoRedoItem>> applied;
+  {
+    const TLockScope no_recording(*this);
+    if (!ReverseItems(step, applied, outcome)) {
+      KeepStep();
+      return outcome;
+    }
+  }
+  try {
+    FUndoStack->DropLastTransaction();
+    if (FIntent) FIntent->Finish();
+  } catch (const UndoJournalError& error) {
+    // The data is as before the step; the next opening cuts the stack by the intent.
+    FLastError = error.what();
+  }
+  return outcome;
 }
 
 // The step is complete on the undo stack. A new change makes the undone steps
@@ -366,20 +429,6 @@ TUndoOutcome TUndoRedo::PopRedo() {
   return Transfer(*FRedoStack, *FUndoStack);
 }
 
-TUndoOutcome TUndoRedo::AbandonStep(int steps_before) {
-  if (FUndoStack->TransactionCount() <= steps_before) return {};
-  TUndoOutcome outcome = PopUndo();
-  if (!outcome.ok()) return outcome;
-  try {
-    FRedoStack->DropLastTransaction();
-  } catch (const UndoJournalError& error) {
-    outcome.code = kUndoDamaged;
-    outcome.error = error.what();
-  }
-  Notify();
-  return outcome;
-}
-
 namespace {
 
 // The change that applying `item` makes, as an undo item: reversing it takes the change
@@ -453,6 +502,25 @@ TUndoOutcome TUndoRedo::Transfer(TVirtualStack& from, TVirtualStack& to) {
     }
   }
   std::vector<std::unique_ptr<TCustomUndoRedoItem>> applied;
+  if (!ReverseItems(step, applied, outcome)) {
+    try {
+      if (FIntent) FIntent->Finish();
+    } catch (const UndoJournalError&) {
+      // Left for the next opening, which finds every change taken back already.
+    }
+    return outcome;
+  }
+  outcome = MoveStep(from, to, step, applied);
+  if (outcome.ok()) Notify();
+  return outcome;
+}
+
+// Reverses the items of `step` newest first, written in batches; they move to `applied`
+// in the order reversed. When one cannot be reversed, or the data cannot be written,
+// those already reversed are made again and `outcome` says why.
+bool TUndoRedo::ReverseItems(TUndoTransaction& step,
+                             std::vector<std::unique_ptr<TCustomUndoRedoItem>>& applied,
+                             TUndoOutcome& outcome) {
   TBatchHold batch(DatabasesOf(step.items));
   for (size_t i = step.items.size(); i-- > 0;) {
     TestKillPoint();
@@ -465,12 +533,7 @@ TUndoOutcome TUndoRedo::Transfer(TVirtualStack& from, TVirtualStack& to) {
     if (result != kUndoOk) {
       TakeBack(applied, FTargets);
       outcome.code = result;
-      try {
-        if (FIntent) FIntent->Finish();
-      } catch (const UndoJournalError&) {
-        // Left for the next opening, which finds every change taken back already.
-      }
-      return outcome;
+      return false;
     }
     applied.push_back(std::move(step.items[i]));
   }
@@ -479,11 +542,9 @@ TUndoOutcome TUndoRedo::Transfer(TVirtualStack& from, TVirtualStack& to) {
     outcome.code = written;
     outcome.error = "die Daten können nicht auf die Platte geschrieben werden (Fehler " +
                     std::to_string(written) + ")";
-    return outcome;
+    return false;
   }
-  outcome = MoveStep(from, to, step, applied);
-  if (outcome.ok()) Notify();
-  return outcome;
+  return true;
 }
 
 // Records the applied step on `to` and removes it from `from`. Up to the commit in the

@@ -60,6 +60,13 @@ class TUndoRedo : public TableChangeObserver {
   // --- Recording ---------------------------------------------------------------------
   void StartTransaction(const TStartItem& item);
   void EndTransaction();
+  // Ends the outermost transaction without keeping it, for a command that failed
+  // half-way: the changes recorded in it are taken back, newest first, and the step is
+  // forgotten; the undone steps stay to be made again, since the data is as they left
+  // it. When a change cannot be taken back, those already taken back are made again and
+  // the step is kept as EndTransaction keeps it, so that journal and data agree; the
+  // outcome says why. Refused inside a nested transaction.
+  TUndoOutcome CancelTransaction();
   // Records an item in the open transaction; false when nothing is recorded (no open
   // transaction, locked or switched off).
   bool Push(const TCustomUndoRedoItem& item);
@@ -87,10 +94,6 @@ class TUndoRedo : public TableChangeObserver {
   // stay as they were.
   TUndoOutcome PopUndo();
   TUndoOutcome PopRedo();
-  // Takes back the step a command recorded but could not finish, and forgets it, so
-  // that redo cannot make half of it again. Nothing when the undo stack holds no more
-  // than `steps_before` steps, i.e. no step was recorded.
-  TUndoOutcome AbandonStep(int steps_before);
   void Clear();
   bool Empty() const { return FUndoStack->TransactionCount() == 0; }
   bool CanRedo() const { return FRedoStack->TransactionCount() > 0; }
@@ -131,7 +134,12 @@ class TUndoRedo : public TableChangeObserver {
       const std::vector<std::unique_ptr<TCustomUndoRedoItem>>& items) const;
   void BeginIntent(TIntentOperation operation,
                    const std::vector<std::unique_ptr<TCustomUndoRedoItem>>& items);
+  bool ReverseItems(TUndoTransaction& step,
+                    std::vector<std::unique_ptr<TCustomUndoRedoItem>>& applied,
+                    TUndoOutcome& outcome);
   void FinishRecording();
+  bool EndEmptyStep();
+  void KeepStep();
   void DropStep();
   TableTarget JournalTarget(const TableTarget& table) const;
   bool Recording() const;

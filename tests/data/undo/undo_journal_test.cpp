@@ -75,20 +75,26 @@ TEST_F(UndoJournalTest, NestedTransactionsMakeOneStepAndNewStepsEmptyRedo) {
   EXPECT_EQ(journal_.UndoCaptions(), Captions{"b"});
 }
 
-// A command that fails half-way takes its step back; neither undo nor redo may offer the
-// half step afterwards.
-TEST_F(UndoJournalTest, AbandonedStepIsTakenBackAndCannotBeRedone) {
+// A command that fails half-way cancels its step: what it wrote is taken back, neither
+// undo nor redo offers the half step, and the step undone before can still be made again.
+TEST_F(UndoJournalTest, CancelledStepIsTakenBackAndTheUndoneStepsStay) {
   InsertStep("kept", 1);
+  InsertStep("undone", 2);
+  ASSERT_TRUE(journal_.PopUndo().ok());
   const FakeTables::State before = tables_.Snapshot();
-  const int steps_before = journal_.UndoStack().TransactionCount();
-  InsertStep("half", 2);
-  ASSERT_TRUE(journal_.AbandonStep(steps_before).ok());
+  Begin("half");
+  tables_.Insert('W', MakeImage('W', 3));
+  tables_.Update('W', MakeImage('W', 1, {7}));
+  ASSERT_TRUE(journal_.CancelTransaction().ok());
   EXPECT_EQ(tables_.Snapshot(), before);
   EXPECT_EQ(journal_.UndoCaptions(), Captions{"kept"});
-  EXPECT_FALSE(journal_.CanRedo());
-  // Nothing was recorded since: nothing to abandon, the older step stays.
-  ASSERT_TRUE(journal_.AbandonStep(steps_before).ok());
+  EXPECT_EQ(journal_.RedoCaptions(), Captions{"undone"});
+  // Nothing was recorded: nothing to take back, both stacks stay.
+  Begin("nothing");
+  ASSERT_TRUE(journal_.CancelTransaction().ok());
   EXPECT_EQ(journal_.UndoCaptions(), Captions{"kept"});
+  ASSERT_TRUE(journal_.PopRedo().ok());
+  EXPECT_EQ(journal_.UndoCaptions(), (Captions{"undone", "kept"}));
 }
 
 TEST_F(UndoJournalTest, EmptyActionsLocksAndSwitchingOffRecordNothing) {

@@ -12,6 +12,7 @@
 #include "app/cli/command_error.h"
 #include "app/cli/progress_line.h"
 #include "app/commands/db/db_database.h"
+#include "app/commands/lists/journal_step.h"
 #include "app/commands/lists/master_data_session.h"
 #include "app/program/command_sign_in.h"
 #include "app/program/current_project.h"
@@ -258,40 +259,41 @@ int RunCurrencyConvert(const CurrencyConvertRequest& request, Streams& streams) 
 
   boq::TWaeConvertReport report;
   int failed = 0;
-  const int steps_before = journal->UndoStack().TransactionCount();
+  data::TUndoOutcome cancelled;
   {
     ProgressLine progress(streams.err);
     const auto show = [&](const std::string& database, int64_t done, int64_t total) {
       progress.Show("Währungskonvertierung ... " + database, done, total);
     };
-    journal->StartTransaction(
-        data::TStartItem(0, data::TOperationKind::okEdit,
-                         "Währungskonvertierung " + source.symbol + " nach " + target.symbol));
     const auto show_template = [&](const std::string& database, int64_t done, int64_t total) {
       progress.Show("Währungskonvertierung ... Projektvorlage " + database, done, total);
     };
+    // A conversion that fails half-way, by a kernel code or an exception, is cancelled:
+    // no amount stays converted, and the journal is as it was.
+    JournalStep step(*journal, data::TOperationKind::okEdit,
+                     "Währungskonvertierung " + source.symbol + " nach " + target.symbol);
     for (data::TStdDb* db : project_dbs) {
-      failed = convert.ConvertDatabase(*db, show, report);
-      if (failed != 0) break;
+      if (failed == 0) failed = convert.ConvertDatabase(*db, show, report);
     }
     for (data::TStdDb* db : template_dbs) {
       if (failed == 0) failed = convert.ConvertDatabase(*db, show_template, report);
     }
-    journal->EndTransaction();
-  }
-  if (!journal->LastError().empty()) {
-    throw CommandError("Währungskonvertierung nicht im Journal aufgezeichnet: " +
-                       journal->LastError());
+    if (failed != 0) cancelled = step.Cancel();
   }
   if (failed != 0) {
     const std::string why = (report.lines.empty() ? ResultCodeText(failed) : report.lines.back()) +
                             LastMessage(messages);
-    if (!journal->AbandonStep(steps_before).ok()) {
+    if (!cancelled.ok()) {
       throw CommandError("Währungskonvertierung abgebrochen: " + why +
-                         "; die schon umgerechneten Datensätze stehen als letzter Schritt im "
-                         "Journal (\"korvan undo\")");
+                         "; die schon umgerechneten Datensätze konnten nicht zurückgenommen "
+                         "werden: " +
+                         cancelled.error);
     }
     throw CommandError("Währungskonvertierung abgebrochen, nichts geändert: " + why);
+  }
+  if (!journal->LastError().empty()) {
+    throw CommandError("Währungskonvertierung nicht im Journal aufgezeichnet: " +
+                       journal->LastError());
   }
 
   for (const std::string& line : report.lines) streams.out << line << '\n';

@@ -139,17 +139,16 @@ void WarnIfNotUndoable(data::TUndoRedo& journal, std::string_view work, std::ost
 void RunAsOneStep(data::TUndoRedo& journal, data::TOperationKind kind, const std::string& caption,
                   const StepWords& words, std::ostream& warnings,
                   const std::function<std::string()>& change) {
-  const int steps_before = journal.UndoStack().TransactionCount();
   std::string failure;
+  data::TUndoOutcome cancelled;
   {
     JournalStep step(journal, kind, caption);
     failure = change();
+    if (!failure.empty()) cancelled = step.Cancel();
   }
   if (!failure.empty()) {
-    std::string outcome = words.nothing_done;
-    if (const data::TUndoOutcome undone = journal.AbandonStep(steps_before); !undone.ok()) {
-      outcome = words.not_taken_back + ": " + undone.error;
-    }
+    const std::string outcome =
+        cancelled.ok() ? words.nothing_done : words.not_taken_back + ": " + cancelled.error;
     throw CommandError(failure + "; " + outcome);
   }
   WarnIfNotUndoable(journal, words.work, warnings);

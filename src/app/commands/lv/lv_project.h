@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/commands/lists/journal_step.h"
 #include "app/commands/lists/master_data_session.h"
 #include "boq/units/unit_list.h"
 #include "boq/units/value_converter.h"
@@ -64,22 +65,6 @@ class LvProject {
   boq::TValueConverterSettings national_settings_;
 };
 
-// One step of the journal for the lifetime of the object: everything the command changes
-// meanwhile is taken back by one `korvan undo`.
-class JournalStep {
- public:
-  JournalStep(data::TUndoRedo& journal, data::TOperationKind kind, std::string caption)
-      : journal_(journal) {
-    journal_.StartTransaction(data::TStartItem(0, kind, std::move(caption)));
-  }
-  ~JournalStep() { journal_.EndTransaction(); }
-  JournalStep(const JournalStep&) = delete;
-  JournalStep& operator=(const JournalStep&) = delete;
-
- private:
-  data::TUndoRedo& journal_;
-};
-
 // How a step's messages speak of its work.
 struct StepWords {
   std::string nothing_done;  // "es wurde nichts gelöscht"
@@ -93,8 +78,8 @@ struct StepWords {
 void WarnIfNotUndoable(data::TUndoRedo& journal, std::string_view work, std::ostream& warnings);
 
 // Runs `change` as one step of the journal, whole or not at all: when it fails (returns a
-// failure text), what it wrote is taken back and the step forgotten, and a CommandError
-// names the failure and whether the taking back worked.
+// failure text or throws), what it wrote is taken back and the step forgotten, and a
+// CommandError names the failure and whether the taking back worked.
 void RunAsOneStep(data::TUndoRedo& journal, data::TOperationKind kind, const std::string& caption,
                   const StepWords& words, std::ostream& warnings,
                   const std::function<std::string()>& change);
