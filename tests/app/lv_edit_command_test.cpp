@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "testing/files.h"
@@ -41,7 +42,7 @@ TEST_F(LvEditCommands, BuildNumberRemoveRenumberAndUndo) {
         {"lv", "add", "Rohbau", "B", "--under", "01", "--short", "Titel " + std::to_string(group)});
     for (int item = 1; item <= 5; ++item) {
       Korvan({"lv", "add", "Rohbau", "P", "--under", "1." + std::to_string(group), "--short",
-              "Position", "--qty", "2", "--unit", "m²", "--up", "10.5"});
+              "Position", "--qty", "2", "--unit", "m²", "--up", "10,5"});
     }
   }
   const std::string built = Show();
@@ -116,6 +117,16 @@ TEST_F(LvEditCommands, WrongCallsChangeNothing) {
   Korvan({"lv", "add", "Rohbau", "P", "--unit", "Stunden"}, 2, {"zu lang (höchstens 6 Zeichen)"});
   Korvan({"lv", "add", "Rohbau", "H", "--unit", "m"}, 2, {"Eine Einheit haben nur Positionen"});
   Korvan({"lv", "add", "Rohbau", "H", "--qty", "3"}, 2, {"nur Positionen"});
+  // Every numeric value is read alike and refused alike.
+  for (const auto& [args, refusal] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+           {{"add", "Rohbau", "P", "--qty", "2,x"}, "\"2,x\" ist keine Zahl (--qty)."},
+           {{"add", "Rohbau", "P", "--up", "inf"}, "\"inf\" ist keine Zahl (--up)."},
+           {{"set", "Rohbau", "01", "qty=2,x"}, "\"2,x\" ist keine Zahl (Feld qty)."},
+           {{"qty", "Rohbau", "01", "add", "--qty", ""}, "\"\" ist keine Zahl (--qty)."}}) {
+    std::vector<std::string> call = {"lv"};
+    call.insert(call.end(), args.begin(), args.end());
+    Korvan(call, 2, {refusal});
+  }
   Korvan({"lv", "set", "Rohbau", "01", "menge=3"}, 2, {"Unbekanntes Feld"});
   Korvan({"lv", "move", "Rohbau", "01", "--after", "01"}, 2, {"hinter sich selbst"});
   Korvan({"lv", "structure", "Rohbau", "--mask", "PPPPPPPPPPPPPPP"}, 2, {"mehr als 14 Stellen"});

@@ -37,7 +37,7 @@ class LvQtyCommands : public ::testing::Test {
 
 TEST_F(LvQtyCommands, ThreePartialQuantitiesGiveTheQuantityAndUndoRestoresBoth) {
   Korvan({"lv", "qty", "Rohbau", "01.0001", "add", "--qty", "10"}, 0, {"Teilmenge 1 angefügt"});
-  Korvan({"lv", "qty", "Rohbau", "01.0001", "add", "--qty", "15.5", "--source", "Achse B"});
+  Korvan({"lv", "qty", "Rohbau", "01.0001", "add", "--qty", "15,5", "--source", "Achse B"});
   Korvan({"lv", "qty", "Rohbau", "01.0001", "add", "--qty", "4.5"}, 0,
          {"Menge der Position jetzt 30,000"});
   testing::JsonValue item = Item();

@@ -1,8 +1,11 @@
 #include "app/cli/german_number.h"
 
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+
+#include "app/cli/command_error.h"
 
 namespace korvan::app {
 
@@ -14,7 +17,14 @@ std::optional<double> ParseGermanNumber(std::string_view text) {
   errno = 0;
   const double value = std::strtod(plain.c_str(), &end);
   if (end != plain.c_str() + plain.size() || errno == ERANGE) return std::nullopt;
+  // strtod also reads "inf" and "nan", which no quantity or price can be.
+  if (!std::isfinite(value)) return std::nullopt;
   return value;
+}
+
+double RequireGermanNumber(const std::string& text, const std::string& what) {
+  if (const std::optional<double> value = ParseGermanNumber(text)) return *value;
+  throw UsageError("\"" + text + "\" ist keine Zahl (" + what + ").");
 }
 
 std::string GermanFigure(double value, const char* format) {

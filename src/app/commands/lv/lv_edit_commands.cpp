@@ -164,14 +164,16 @@ class LvAddCommand : public LvEditOperation {
     app.add_option("--short", values_.short_text, "Kurztext");
     app.add_option("--long-file", values_.long_file,
                    "Datei mit dem Langtext (RTF oder reiner Text)");
-    app.add_option("--qty", values_.qty, "Menge");
+    app.add_option("--qty", qty_, "Menge, z. B. 2,5");
     app.add_option("--unit", values_.unit, "Einheit");
-    app.add_option("--up", values_.unit_price, "Einheitspreis (Schätzung)");
+    app.add_option("--up", unit_price_, "Einheitspreis (Schätzung), z. B. 12,50");
   }
   int Run(Streams& streams) override {
     if (kind_.size() != 1 || boq::kKzBgBeschrCodes.find(kind_[0]) == std::string_view::npos) {
       throw UsageError("Unbekannte Art \"" + kind_ + "\": " + std::string(boq::kKzBgBeschrText));
     }
+    if (qty_) values_.qty = RequireGermanNumber(*qty_, "--qty");
+    if (unit_price_) values_.unit_price = RequireGermanNumber(*unit_price_, "--up");
     return RunEdit(
         streams, "Eintrag anfügen", false, [this](boq::TLVPosList& list, LvProject& target) {
           boq::TLvPos entry = boq::NewLvPos(kind_[0]);
@@ -193,6 +195,7 @@ class LvAddCommand : public LvEditOperation {
 
  private:
   std::string kind_, under_, after_, oz_;
+  std::optional<std::string> qty_, unit_price_;
   EntryValues values_;
 };
 
@@ -223,9 +226,9 @@ class LvSetCommand : public LvEditOperation {
       } else if (field == "long-file") {
         values.long_file = value;
       } else if (field == "qty") {
-        values.qty = Number(field, value);
+        values.qty = RequireGermanNumber(value, "Feld " + field);
       } else if (field == "up") {
-        values.unit_price = Number(field, value);
+        values.unit_price = RequireGermanNumber(value, "Feld " + field);
       } else if (field == "unit") {
         values.unit = value;
       } else if (field == "oz") {
@@ -257,11 +260,6 @@ class LvSetCommand : public LvEditOperation {
     }
     if (std::string problem = boq::SetReference(list, index, EntryAt(list, base)); !problem.empty())
       throw UsageError("Bezug geht nicht: " + problem + ".");
-  }
-
-  static double Number(const std::string& field, const std::string& value) {
-    if (const std::optional<double> number = ParseGermanNumber(value)) return *number;
-    throw UsageError("\"" + value + "\" ist keine Zahl (Feld " + field + ").");
   }
 
   std::string oz_;

@@ -49,7 +49,7 @@ void LvQtyCommand::Define(CLI::App& app) {
       ->required()
       ->check(CLI::IsMember({"add", "set", "remove", "list"}));
   app.add_option("number", number_, "die Nummer der Teilmenge (wie list sie zeigt)");
-  app.add_option("--qty", qty_, "die Menge der Teilmenge");
+  app.add_option("--qty", qty_, "die Menge der Teilmenge, z. B. 2,5");
   app.add_option("--source", source_, "woher die Menge stammt (höchstens 50 Zeichen)");
 }
 
@@ -67,6 +67,7 @@ int LvQtyCommand::Run(Streams& streams) {
   if (number_ && (*number_ < 1 || *number_ > 65535)) {
     throw UsageError("Die Nummer einer Teilmenge liegt zwischen 1 und 65535.");
   }
+  const double qty = qty_ ? RequireGermanNumber(*qty_, "--qty") : 0.0;
   if (data::Utf8ToCp1252(source_).size() > boq::kSourceCapacity) {
     throw UsageError("Die Herkunft \"" + source_ + "\" ist zu lang (höchstens 50 Zeichen).");
   }
@@ -78,13 +79,12 @@ int LvQtyCommand::Run(Streams& streams) {
   if (action_ == "add") {
     target.Change("Teilmenge anfügen an " + oz_, streams.err, [&] {
       done = "Teilmenge " +
-             std::to_string(boq::AddPartialQuantity(target.Db(), item, *qty_, source_)) +
-             " angefügt";
+             std::to_string(boq::AddPartialQuantity(target.Db(), item, qty, source_)) + " angefügt";
     });
   } else if (action_ == "set") {
     target.Change("Teilmenge " + std::to_string(number) + " von " + oz_ + " ändern", streams.err,
                   [&] {
-                    if (!boq::SetPartialQuantity(target.Db(), item, number, *qty_)) {
+                    if (!boq::SetPartialQuantity(target.Db(), item, number, qty)) {
                       throw boq::EStoredLvError("Die Position " + oz_ + " hat keine Teilmenge " +
                                                 std::to_string(number));
                     }

@@ -24,7 +24,7 @@ class LvQtyCommand : public LvOperation {
   std::string oz_;
   std::string action_;
   std::optional<int> number_;
-  std::optional<double> qty_;
+  std::optional<std::string> qty_;
   std::string source_;
 };
 
