@@ -16,9 +16,11 @@
 #include "boq/lv/tb_lv_bg.h"
 #include "boq/lv/tb_struktur.h"
 #include "boq/model/lv_references.h"
+#include "boq/qty/item_quantities.h"
 #include "boq/text/long_text_store.h"
 #include "boq/text/tb_text_header.h"
 #include "boq/text/tb_texte.h"
+#include "boq/vars/variable_codes.h"
 #include "data/common/result_code_text.h"
 #include "data/records/null_values.h"
 #include "data/tables/batch_hold.h"
@@ -319,6 +321,8 @@ class ListWriter {
     const std::string key = KeyNumber(row.IdBgBeschr);
     data::TStdTB& table = row.KzBgBeschr == 'B' ? static_cast<data::TStdTB&>(groups_) : items_;
     if (!table.GetKey(key, '1')) return;
+    const std::vector<int32_t> variables =
+        row.KzBgBeschr == 'B' ? std::vector<int32_t>{} : VariablesOfItem(db_, row.IdBgBeschr);
     // The description goes on with the entry: detach it before the record goes.
     if (row.KzBgBeschr == 'B') {
       groups_.Rec().LvBgBeschr1.IDBeschr = kNullId;
@@ -329,14 +333,20 @@ class ListWriter {
       Fail(db_, RowName(row), result, &table);
     if (int result = table.DeleteRec(); result != storage::kOk)
       Fail(db_, RowName(row), result, &table);
+    DeleteVariableLines(row, variables);
   }
 
   void DeleteRow(int32_t id, const t_Struktur& row) {
     const int32_t description = DescriptionOf(row);
+    // The item's cascade deletes its variables, but their lines live in the text database,
+    // which the tables of the LV database cannot reach.
+    const std::vector<int32_t> variables =
+        row.KzBgBeschr == 'B' ? std::vector<int32_t>{} : VariablesOfItem(db_, row.IdBgBeschr);
     if (!rows_.GetKey(KeyNumber(id), '1')) return;
     if (int result = rows_.DeleteRec(); result != storage::kOk) {
       Fail(db_, RowName(row) + " kann nicht gelöscht werden", result, &rows_);
     }
+    DeleteVariableLines(row, variables);
     if (text_db_ == nullptr || description == kNullId) return;
     TTbTexte short_texts(*text_db_);
     TTbTextHeader long_texts(*text_db_);
@@ -346,6 +356,18 @@ class ListWriter {
     }
     if (result != storage::kOk) {
       Fail(*text_db_, "die Texte von " + RowName(row) + " können nicht gelöscht werden", result);
+    }
+  }
+
+  void DeleteVariableLines(const t_Struktur& row, const std::vector<int32_t>& variables) {
+    if (text_db_ == nullptr) return;
+    TTbTexte lines(*text_db_);
+    for (const int32_t variable : variables) {
+      if (int result = lines.DeleteOwner(variable, kVariableTextKind); result != storage::kOk) {
+        Fail(*text_db_,
+             "die Texte der Variablen von " + RowName(row) + " können nicht gelöscht werden",
+             result);
+      }
     }
   }
 

@@ -9,6 +9,7 @@
 #include "data/integrity/data_check.h"
 #include "data/records/null_values.h"
 #include "data/tables/table_key.h"
+#include "data/tables/tb_counter.h"
 #include "storage/result_codes.h"
 
 namespace korvan::boq {
@@ -26,6 +27,9 @@ using data::TStdTB;
 namespace {
 
 constexpr int kNameKeyWidth = 20;
+// The counter of variable ids in the LV database.
+constexpr char kVariableCounterKind = 'L';
+constexpr char kVariableCounter[] = "Variable";
 constexpr int kDrawingKeyWidth = 6;
 
 // The table an owner kind's records live in, or '\0' for kinds this installation does
@@ -122,6 +126,24 @@ int TTbVariable::DeleteRec() {
     }
   }
   return TStdTB::DeleteRec();
+}
+
+int TTbVariable::NewVariable(int32_t owner, char owner_kind, const std::string& name) {
+  const std::vector<t_Variable_2600> others = ListOf(owner, owner_kind);
+  int32_t id = 0;
+  data::TTbCounter counters(Db());
+  if (int result = counters.NextId(kVariableCounterKind, kVariableCounter, &id);
+      result != storage::kOk) {
+    return result;
+  }
+  InitRecord();
+  Rec().ID = id;
+  Rec().IdBezug = owner;
+  Rec().KzBezug = owner_kind;
+  Rec().Typ = kTypeInput;
+  Rec().Name.Set(name);
+  Rec().SzBezug = static_cast<int16_t>(others.empty() ? 1 : others.back().SzBezug + 1);
+  return storage::kOk;
 }
 
 int TTbVariable::DeleteAllOf(int32_t owner, char owner_kind) {

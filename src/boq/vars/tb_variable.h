@@ -35,6 +35,11 @@ class TTbVariable : public data::TTypedTB<t_Variable_2600> {
   // are not kept by this installation yet, so nothing of them is left behind.
   int DeleteRec() override;
 
+  // Makes a new variable of an owner with this name the current record, not yet written:
+  // its id from the LV database's counter, its sort number behind the owner's other
+  // variables, entered by hand. Every writer of new variables comes through here, so
+  // that ids and order are given alike. 0 or the counter's kernel code.
+  int NewVariable(int32_t owner, char owner_kind, const std::string& name);
   // Deletes every variable of an owner; 0 or the first failure's kernel code.
   int DeleteAllOf(int32_t owner, char owner_kind);
   // The variables of an owner in their order.

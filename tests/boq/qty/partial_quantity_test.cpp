@@ -4,10 +4,14 @@
 
 #include <map>
 #include <random>
+#include <utility>
+#include <vector>
 
 #include "boq/lv/lv_test_support.h"
 #include "boq/lv/project_lvs.h"
+#include "boq/model/lv_editing.h"
 #include "boq/model/lv_pos.h"
+#include "boq/model/lv_pos_list_io.h"
 #include "boq/qty/item_partial_quantities.h"
 #include "boq/qty/tb_lv_teilmenge.h"
 #include "boq/text/tb_texte.h"
@@ -183,19 +187,53 @@ TEST_F(PartialQuantityTest, DeletingItemsAndLvsLeavesNoVariableOrPartialQuantity
   EXPECT_EQ(Check(true, &log), 0) << log;
 }
 
-TEST_F(PartialQuantityTest, AVariablesDescriptionLinesGoWithItsLv) {
+TEST_F(PartialQuantityTest, NewVariablesAreNumberedAndOrderedPerOwner) {
+  const int32_t item = Entry(kKindItem).LvBgBeschr.ID;
+  TTbVariable variables(*db_);
+  std::vector<std::pair<int32_t, int16_t>> made;  // id, sort number
+  for (const char* name : {"a", "b"}) {
+    ASSERT_EQ(variables.NewVariable(item, kOwnerLvItem, name), 0);
+    ASSERT_EQ(variables.UpDateRec(), 0);
+    made.emplace_back(variables.Rec().ID, variables.Rec().SzBezug);
+  }
+  ASSERT_EQ(variables.NewVariable(item, kOwnerLvPartialQty, "a"), 0);
+  EXPECT_NE(made[0].first, made[1].first);
+  EXPECT_EQ(made[0].second, 1);
+  EXPECT_EQ(made[1].second, 2);
+  EXPECT_EQ(variables.Rec().SzBezug, 1);  // another owner kind counts on its own
+  EXPECT_EQ(variables.Rec().Typ, kTypeInput);
+}
+
+TEST_F(PartialQuantityTest, AVariablesDescriptionLinesGoWithItsItemAndItsLv) {
   CreateTexts();
   TLvPos item = Entry(kKindItem);
+  const int32_t item_id = item.LvBgBeschr.ID;
+  const int32_t other = Entry(kKindItem).LvBgBeschr.ID;
   AddPartialQuantity(*db_, item, 1.0, "");
-  AddVariable(item.LvBgBeschr.ID, kOwnerLvItem, "a");
-  AddVariable(PartialQuantitiesOf(*db_, item.LvBgBeschr.ID).front().ID, kOwnerLvPartialQty, "b");
+  const int32_t own = PartialQuantitiesOf(*db_, item_id).front().ID;
+  TTbVariable variables(*db_);
   TTbTexte lines(*texts_);
-  for (const int32_t variable : {next_id_ - 2, next_id_ - 1}) {
-    ASSERT_TRUE(lines.WriteLines(variable, kVariableTextKind, 49, {"Breite der Achse"}).Ok());
+  std::vector<int32_t> ids;
+  for (const auto& [owner, owner_kind] :
+       {std::pair{item_id, kOwnerLvItem}, {own, kOwnerLvPartialQty}, {other, kOwnerLvItem}}) {
+    ASSERT_EQ(variables.NewVariable(owner, owner_kind, "a"), 0);
+    ASSERT_EQ(variables.UpDateRec(), 0);
+    ids.push_back(variables.Rec().ID);
+    ASSERT_TRUE(lines.WriteLines(ids.back(), kVariableTextKind, 49, {"Breite der Achse"}).Ok());
   }
+
+  TLVPosList list = LoadLvPosList(*db_, texts_.get(), lv_, false);
+  ASSERT_EQ(RemoveEntry(list, list.SearchItemIndexByIdLvBgBeschr(item_id)), "");
+  SaveLvPosList(*db_, texts_.get(), list);
+  EXPECT_TRUE(lines.ReadLines(ids[0], kVariableTextKind, 49).empty());
+  EXPECT_TRUE(lines.ReadLines(ids[1], kVariableTextKind, 49).empty());
+  EXPECT_FALSE(lines.ReadLines(ids[2], kVariableTextKind, 49).empty());
+  std::string log;
+  EXPECT_EQ(Check(true, &log), 0) << log;
+
   DeleteLv(*db_, lv_, texts_.get());
-  EXPECT_TRUE(lines.ReadLines(next_id_ - 2, kVariableTextKind, 49).empty());
-  EXPECT_TRUE(lines.ReadLines(next_id_ - 1, kVariableTextKind, 49).empty());
+  EXPECT_TRUE(lines.ReadLines(ids[2], kVariableTextKind, 49).empty());
+  EXPECT_EQ(Check(true, &log), 0) << log;
 }
 
 TEST_F(PartialQuantityTest, TheCheckReportsVariablesWhoseOwnerDoesNotAgree) {

@@ -21,7 +21,6 @@
 #include "boq/vars/tb_variable.h"
 #include "boq/vars/variable_codes.h"
 #include "data/common/cp1252.h"
-#include "data/tables/tb_counter.h"
 #include "storage/result_codes.h"
 
 namespace korvan::app {
@@ -79,10 +78,7 @@ class VarSetCommand : public LvOperation {
                        "\" ist kein Variablenname (Buchstabe oder _ zuerst, dann Buchstaben, "
                        "Ziffern, _; höchstens 20 Zeichen).");
     }
-    const std::optional<double> value = ParseGermanNumber(assignment_.substr(equals + 1));
-    if (!value) {
-      throw UsageError("\"" + assignment_.substr(equals + 1) + "\" ist keine Zahl.");
-    }
+    const double value = RequireGermanNumber(assignment_.substr(equals + 1), "Variable " + name);
     std::optional<std::string> unit;
     if (unit_) {
       unit = boq::NormalizedVariableUnit(*unit_);
@@ -100,9 +96,14 @@ class VarSetCommand : public LvOperation {
     target.Change("Variable " + name + " von " + oz_ + " setzen", streams.err, [&] {
       boq::TTbVariable variables(target.Db(), target.Project().TextDb());
       if (!variables.FindByName(owner, boq::kOwnerLvItem, name)) {
-        NewVariable(variables, owner, name);
+        if (int result = variables.NewVariable(owner, boq::kOwnerLvItem, name);
+            result != storage::kOk) {
+          throw boq::EStoredLvError(target.Db().BasePath() +
+                                    "0: für die Variable gibt es keine neue Nummer (" +
+                                    std::to_string(result) + ")");
+        }
       }
-      variables.Rec().Menge = *value;
+      variables.Rec().Menge = value;
       if (unit) variables.Rec().Einheit.Set(*unit);
       if (int result = variables.UpDateRec(); result != storage::kOk) {
         throw boq::EStoredLvError(target.Db().BasePath() + "0: die Variable \"" + name +
@@ -121,25 +122,6 @@ class VarSetCommand : public LvOperation {
   }
 
  private:
-  // A new variable of the item behind its others, made current.
-  static void NewVariable(boq::TTbVariable& variables, int32_t owner, const std::string& name) {
-    const std::vector<boq::t_Variable_2600> others = variables.ListOf(owner, boq::kOwnerLvItem);
-    int32_t id = 0;
-    data::TTbCounter counters(variables.Db());
-    if (int result = counters.NextId('L', "Variable", &id); result != storage::kOk) {
-      throw boq::EStoredLvError(variables.Db().BasePath() +
-                                "0: für die Variable gibt es keine neue Nummer (" +
-                                std::to_string(result) + ")");
-    }
-    variables.InitRecord();
-    variables.Rec().ID = id;
-    variables.Rec().IdBezug = owner;
-    variables.Rec().KzBezug = boq::kOwnerLvItem;
-    variables.Rec().Typ = boq::kTypeInput;
-    variables.Rec().Name.Set(name);
-    variables.Rec().SzBezug = static_cast<int16_t>(others.empty() ? 1 : others.back().SzBezug + 1);
-  }
-
   std::string lv_, oz_, assignment_;
   std::optional<std::string> unit_;
 };
