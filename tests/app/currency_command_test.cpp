@@ -66,14 +66,24 @@ TEST(CurrencyCommand, ConvertsTheProjectsLvsAndTheProjectTemplateAsOneUndoStep) 
   const std::string lv_db = (project / "DB_Lv.QA").string();
   const std::string template_db = (project_template / "DB_Lv.QA").string();
   ExpectKorvan({"db", "dump", lv_db, "--table", "K"}, 0, {"Summe: 0 [-1]\n"});
+  ExpectKorvan({"lv", "list", "-d", base.string()}, 0, {"Projekt \"Beispiel\": 1 LV, Währung EUR"});
   ExpectKorvan({"currency", "convert", "-d", base.string(), "CHF"}, 0,
                {"Währungskonvertierung EUR nach CHF: 2 Datensätze, ", " und der Projektvorlage",
                 "Rückgängig: korvan undo"});
+  // The LVs record their currency: it is the project's from now on.
   for (const std::string& db : {lv_db, template_db}) {
-    ExpectKorvan({"db", "dump", db, "--table", "K"}, 0, {"Summe: 0 [41]\n", "Budget: 0 [41]\n"});
+    ExpectKorvan({"db", "dump", db, "--table", "K"}, 0,
+                 {"IdWae: 41\n", "Summe: 0 [41]\n", "Budget: 0 [41]\n"});
   }
-  ExpectKorvan({"undo", "-d", base.string()}, 0,
-               {"Rückgängig gemacht: Währungskonvertierung EUR nach CHF"});
+  ExpectKorvan({"lv", "new", "Zweites", "-d", base.string()}, 0);
+  ExpectKorvan({"lv", "show", "Zweites", "-d", base.string()}, 0, {", Währung CHF, "});
+  ExpectKorvan({"lv", "list", "-d", base.string()}, 0, {"2 LVs, Währung CHF"});
+  ExpectKorvan({"currency", "convert", "-d", base.string(), "EUR"}, 0,
+               {"Währungskonvertierung CHF nach EUR: 3 Datensätze, "});
+  for (const char* step : {"Währungskonvertierung CHF nach EUR", "LV \"Zweites\" anlegen",
+                           "Währungskonvertierung EUR nach CHF"}) {
+    ExpectKorvan({"undo", "-d", base.string()}, 0, {std::string("Rückgängig gemacht: ") + step});
+  }
   for (const std::string& db : {lv_db, template_db}) {
     ExpectKorvan({"db", "dump", db, "--table", "K"}, 0, {"Summe: 0 [-1]\n"});
   }
@@ -99,7 +109,7 @@ TEST(CurrencyCommand, AConversionFailingHalfWayLeavesDataAndJournalAsTheyWere) {
   bytes.replace(record, 4, std::string("\x0c\0\0\0", 4));
   testing::WriteFile(data_file, bytes);
 
-  ExpectKorvan({"currency", "convert", "-d", base.string(), "CHF"}, 1,
+  ExpectKorvan({"currency", "convert", "-d", base.string(), "--von", "EUR", "CHF"}, 1,
                {"Währungskonvertierung abgebrochen, nichts geändert: "});
   EXPECT_EQ(ExpectKorvan({"undo", "--list", "-d", base.string()}, 0).out, journal);
   EXPECT_FALSE(fs::exists(base / "PROJEKTE/Beispiel/WaeKonv.LOG"));

@@ -38,7 +38,7 @@ TEST_F(LvCommands, NewListDeleteAndUndoBringTheLvBack) {
   EXPECT_EQ(Korvan({"lv", "new", "Außenanlagen", "--json"}).out,
             "{\"id\": 2, \"name\": \"Außenanlagen\", \"project\": \"Beispiel\"}\n");
   EXPECT_EQ(Korvan({"lv", "list", "--json"}).out,
-            "{\"project\": \"Beispiel\", \"lvs\": ["
+            "{\"project\": \"Beispiel\", \"currency\": \"EUR\", \"lvs\": ["
             "{\"id\": 1, \"name\": \"Rohbau\", \"status\": \"N\", \"status_text\": \"neu\", "
             "\"entries\": 0, \"total\": 0}, "
             "{\"id\": 2, \"name\": \"Außenanlagen\", \"status\": \"N\", \"status_text\": \"neu\", "
@@ -61,7 +61,8 @@ TEST_F(LvCommands, NewListDeleteAndUndoBringTheLvBack) {
   Korvan({"rebuild"}, 0, {"DB_Lv.QA0: neu aufgebaut, 2 Datensätze"});
   Korvan({"check"}, 0, {"0 Problem(e)"});
   EXPECT_EQ(Korvan({"lv", "list", "--json"}).out,
-            "{\"project\": \"Beispiel\", \"lvs\": [{\"id\": 1, \"name\": \"Rohbau\", \"status\": "
+            "{\"project\": \"Beispiel\", \"currency\": \"EUR\", \"lvs\": [{\"id\": 1, "
+            "\"name\": \"Rohbau\", \"status\": "
             "\"N\", \"status_text\": \"neu\", \"entries\": 0, \"total\": 0}]}\n");
 }
 

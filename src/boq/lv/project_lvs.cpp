@@ -79,7 +79,8 @@ std::vector<LvSummary> ListLvs(data::TStdDb& db) {
   std::vector<LvSummary> lvs;
   for (const std::vector<uint8_t>& record : records) {
     const t_Lv_DB_VERSION_3100 header = TTbLV::Of(record);
-    LvSummary lv{header.FId, header.Name.Get(), header.Status, 0, header.Summe.Betrag};
+    LvSummary lv{header.FId, header.Name.Get(),   header.Status,
+                 0,          header.Summe.Betrag, header.IdWae};
     if (int result = entries.CountOf(lv.id, &lv.entries); result != storage::kOk) {
       Fail(db, "die Einträge von " + Describe(lv) + " können nicht gezählt werden", result,
            &entries);
@@ -87,6 +88,20 @@ std::vector<LvSummary> ListLvs(data::TStdDb& db) {
     lvs.push_back(std::move(lv));
   }
   return lvs;
+}
+
+int16_t ProjectCurrency(const std::vector<LvSummary>& lvs, int16_t fallback) {
+  const LvSummary* recorded = nullptr;
+  for (const LvSummary& lv : lvs) {
+    if (lv.currency == data::kOwnerCurrencyId) continue;
+    if (recorded != nullptr && recorded->currency != lv.currency) {
+      throw EStoredLvError("die LVs des Projekts sind in verschiedenen Währungen: " +
+                           Describe(*recorded) + " in " + std::to_string(recorded->currency) +
+                           ", " + Describe(lv) + " in " + std::to_string(lv.currency));
+    }
+    recorded = &lv;
+  }
+  return recorded != nullptr ? recorded->currency : fallback;
 }
 
 LvLookup FindLvByIdOrName(data::TStdDb& db, std::string_view name_or_id) {
@@ -146,6 +161,7 @@ int32_t CreateLv(data::TStdDb& db, const NewLv& lv) {
   if (any) header.SzPrj = sort_number < INT32_MAX ? sort_number + 1 : sort_number;
   header.Name.Set(lv.name);
   header.PosMaske.Set(lv.mask);
+  header.IdWae = lv.currency;
   if (int result = headers.UpDateRec(); result != storage::kOk) {
     Fail(db, "LV \"" + lv.name + "\" kann nicht gespeichert werden", result, &headers);
   }

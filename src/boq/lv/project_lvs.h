@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "data/records/null_values.h"
 #include "data/tables/std_db.h"
 
 // The LVs of a project as a whole: listing, naming, creating and deleting them in the
@@ -20,11 +21,19 @@ struct LvSummary {
   char status = 'N';
   uint32_t entries = 0;  // structure rows: groups, items and texts
   double total = 0.0;    // the stored LV total (net, before discount)
+  // The LV's currency (its header's IdWae); none until a currency conversion records one.
+  int16_t currency = data::kOwnerCurrencyId;
 };
 
 // The LVs of the database in project order (sort number, line kind, id). Records that
 // cannot be read are a failure: EStoredLvError naming the database.
 std::vector<LvSummary> ListLvs(data::TStdDb& db);
+
+// The project's currency. There is no project record to keep it: it is the currency the
+// project's LVs record, which a currency conversion sets in all of them alike, and amounts
+// without a currency of their own are in it; `fallback` (the installation's base
+// currency) while no LV records one. EStoredLvError when LVs record different ones.
+int16_t ProjectCurrency(const std::vector<LvSummary>& lvs, int16_t fallback);
 
 // What naming an LV by its id or its name found: exactly one LV, or why not.
 struct LvLookup {
@@ -41,6 +50,7 @@ LvLookup FindLvByIdOrName(data::TStdDb& db, std::string_view name_or_id);
 struct NewLv {
   std::string name;
   std::string mask;
+  int16_t currency = data::kOwnerCurrencyId;  // the project's, when its LVs record one
 };
 
 // Why a name and mask cannot be those of an LV ("" when they can): name empty, too

@@ -35,6 +35,23 @@ void CollectAmounts(const data::RecordLayout& layout, uint32_t base, std::vector
   }
 }
 
+bool IsCurrencyIdField(const data::FieldDescriptor& field) {
+  const std::string_view name = field.name;
+  const bool integer = field.type == FieldType::kInt16 || field.type == FieldType::kUInt16 ||
+                       field.type == FieldType::kInt32;
+  return integer && (name == "IdWae" || name == "IdWaehrung");
+}
+
+void CollectCurrencyIds(const data::RecordLayout& layout, uint32_t base,
+                        std::vector<TdmWaeConvert::TCurrencyIdField>& out) {
+  for (const data::FieldDescriptor& field : layout.fields) {
+    if (IsCurrencyIdField(field)) out.push_back({base + field.offset, field.size});
+    if (field.type == FieldType::kNested && field.nested != nullptr) {
+      CollectCurrencyIds(*field.nested, base + field.offset, out);
+    }
+  }
+}
+
 }  // namespace
 
 TdmWaeConvert::TdmWaeConvert(const data::TTableRegistry& tables,
@@ -45,6 +62,13 @@ std::vector<uint32_t> TdmWaeConvert::AmountOffsets(const data::RecordLayout& lay
   std::vector<uint32_t> offsets;
   CollectAmounts(layout, 0, offsets);
   return offsets;
+}
+
+std::vector<TdmWaeConvert::TCurrencyIdField> TdmWaeConvert::CurrencyIdFields(
+    const data::RecordLayout& layout) {
+  std::vector<TCurrencyIdField> fields;
+  CollectCurrencyIds(layout, 0, fields);
+  return fields;
 }
 
 int TdmWaeConvert::ConvertDatabase(data::TStdDb& db, const Progress& progress,
@@ -59,15 +83,15 @@ int TdmWaeConvert::ConvertDatabase(data::TStdDb& db, const Progress& progress,
                  db.Name().c_str(), table->TableName().c_str(), table->TableType()));
       continue;
     }
-    const std::vector<uint32_t> amounts = AmountOffsets(*format->layout);
-    if (amounts.empty()) continue;
+    const TFields fields{AmountOffsets(*format->layout), CurrencyIdFields(*format->layout)};
+    if (fields.amounts.empty() && fields.currency_ids.empty()) continue;
     ++report.tables;
-    if (int result = ConvertTable(*table, amounts, progress, report); result != 0) return result;
+    if (int result = ConvertTable(*table, fields, progress, report); result != 0) return result;
   }
   return 0;
 }
 
-int TdmWaeConvert::ConvertTable(data::TStdTB& table, const std::vector<uint32_t>& amounts,
+int TdmWaeConvert::ConvertTable(data::TStdTB& table, const TFields& fields,
                                 const Progress& progress, TWaeConvertReport& report) {
   // Positions first: the walk is not disturbed by the records it rewrites.
   std::vector<std::string> keys;
@@ -85,7 +109,7 @@ int TdmWaeConvert::ConvertTable(data::TStdTB& table, const std::vector<uint32_t>
                              table.LastErrorText());
       return table.LastError() != 0 ? table.LastError() : -1;
     }
-    if (!ConvertRecord(table, amounts, report)) continue;
+    if (!ConvertRecord(table, fields, report)) continue;
     if (int result = table.UpDateRec(); result != 0) {
       report.lines.push_back(table.Db().Name() + ", " + table.CurrentRecordToString() +
                              ": nicht gespeichert: " + table.LastErrorText());
@@ -97,11 +121,11 @@ int TdmWaeConvert::ConvertTable(data::TStdTB& table, const std::vector<uint32_t>
   return 0;
 }
 
-bool TdmWaeConvert::ConvertRecord(data::TStdTB& table, const std::vector<uint32_t>& amounts,
+bool TdmWaeConvert::ConvertRecord(data::TStdTB& table, const TFields& fields,
                                   TWaeConvertReport& report) {
   std::vector<uint8_t>& record = table.CurrentRecord();
-  bool changed = false;
-  for (uint32_t offset : amounts) {
+  bool changed = SetCurrencyIds(record, fields);
+  for (uint32_t offset : fields.amounts) {
     if (offset + sizeof(data::t_WaeBetrag) > record.size()) continue;
     data::t_WaeBetrag amount;
     std::memcpy(&amount, record.data() + offset, sizeof amount);
@@ -118,6 +142,27 @@ bool TdmWaeConvert::ConvertRecord(data::TStdTB& table, const std::vector<uint32_
     amount.IdWaehrung = static_cast<int16_t>(target_);
     std::memcpy(record.data() + offset, &amount, sizeof amount);
     ++report.amounts;
+    changed = true;
+  }
+  return changed;
+}
+
+bool TdmWaeConvert::SetCurrencyIds(std::vector<uint8_t>& record, const TFields& fields) const {
+  bool changed = false;
+  for (const TCurrencyIdField& field : fields.currency_ids) {
+    if (field.offset + field.size > record.size()) continue;
+    if (field.size == sizeof(int16_t)) {
+      int16_t id = 0;
+      std::memcpy(&id, record.data() + field.offset, sizeof id);
+      if (id == static_cast<int16_t>(target_)) continue;
+      id = static_cast<int16_t>(target_);
+      std::memcpy(record.data() + field.offset, &id, sizeof id);
+    } else {
+      int32_t id = 0;
+      std::memcpy(&id, record.data() + field.offset, sizeof id);
+      if (id == target_) continue;
+      std::memcpy(record.data() + field.offset, &target_, sizeof target_);
+    }
     changed = true;
   }
   return changed;

@@ -24,7 +24,9 @@ struct TWaeConvertReport {
 // The one-off conversion of every stored amount of a project into another currency.
 // Which fields are amounts comes from the tables' registrations: every field of type
 // t_WaeBetrag (alone, in arrays, in nested layouts) of the layout registered for a table
-// letter, so tables registered later are converted without a change here. Each amount
+// letter, so tables registered later are converted without a change here; integer
+// fields named "IdWae" or "IdWaehrung" are the currency of their record and are set to
+// the target. Each amount
 // is converted with the value converter into the target currency (rounded to its
 // decimals when the project rounds amounts) and gets the target's id; amounts marked
 // never to be converted (-2) stay, and so does an amount whose currency the currency
@@ -45,11 +47,25 @@ class TdmWaeConvert {
   // The offsets of the amounts of a layout, from the start of the record.
   static std::vector<uint32_t> AmountOffsets(const data::RecordLayout& layout);
 
+  // A field that names the currency of a record as a whole ("IdWae", "IdWaehrung": the
+  // LV header's currency, a bidder's or contract's): it takes the new currency with the
+  // amounts, so that the LV records which currency it is in now.
+  struct TCurrencyIdField {
+    uint32_t offset;
+    uint32_t size;  // 2 or 4 bytes
+    bool operator==(const TCurrencyIdField&) const = default;
+  };
+  static std::vector<TCurrencyIdField> CurrencyIdFields(const data::RecordLayout& layout);
+
  private:
-  int ConvertTable(data::TStdTB& table, const std::vector<uint32_t>& amounts,
-                   const Progress& progress, TWaeConvertReport& report);
-  bool ConvertRecord(data::TStdTB& table, const std::vector<uint32_t>& amounts,
-                     TWaeConvertReport& report);
+  struct TFields {
+    std::vector<uint32_t> amounts;
+    std::vector<TCurrencyIdField> currency_ids;
+  };
+  int ConvertTable(data::TStdTB& table, const TFields& fields, const Progress& progress,
+                   TWaeConvertReport& report);
+  bool ConvertRecord(data::TStdTB& table, const TFields& fields, TWaeConvertReport& report);
+  bool SetCurrencyIds(std::vector<uint8_t>& record, const TFields& fields) const;
 
   const data::TTableRegistry& tables_;
   const TAvaUiValueConverter& converter_;

@@ -19,6 +19,8 @@
 #include "app/program/data_dir.h"
 #include "app/program/installation.h"
 #include "app/program/program_tables.h"
+#include "boq/lv/lv_table_types.h"
+#include "boq/lv/project_lvs.h"
 #include "boq/units/currency_list.h"
 #include "boq/units/dm_wae_convert.h"
 #include "boq/units/tb_prj_wae_faktor.h"
@@ -159,6 +161,13 @@ std::vector<const data::DatabaseFile*> SharedFiles(const data::DatabaseFiles& fi
   return chosen;
 }
 
+// The currency of the amounts that name none: the one the project's LVs record (the last
+// conversion set it), else the installation's base currency.
+int16_t ProjectCurrency(data::TStdDb* lv_db, int16_t base) {
+  if (lv_db == nullptr) return base;
+  return boq::ProjectCurrency(boq::ListLvs(*lv_db), base);
+}
+
 std::string LastMessage(const data::TCollectedMessages& messages) {
   return messages.errors.empty() ? std::string() : " (" + messages.errors.back() + ")";
 }
@@ -172,8 +181,9 @@ void CurrencyCommand::Define(CLI::App& app) {
   AddDataDirOption(*convert_, request_.data_dir);
   convert_->add_option("--project", request_.project, "Projektordner (sonst das aktuelle Projekt)");
   convert_->add_option("--von", request_.source,
-                       "Währung der Beträge, die in der Projektwährung stehen (sonst die "
-                       "Basiswährung der Installation)");
+                       "Währung der Beträge ohne eigene Währung (sonst die Währung des "
+                       "Projekts, die seine LVs nennen, ohne sie die Basiswährung der "
+                       "Installation)");
   convert_->add_flag("--with-master-data", request_.with_master_data,
                      "auch Stammdaten, Kataloge und Ablagen umrechnen, die alle Projekte teilen");
   convert_->add_option("waehrung", request_.target, "neue Währung: Symbol (EUR) oder Id")
@@ -216,9 +226,11 @@ int RunCurrencyConvert(const CurrencyConvertRequest& request, Streams& streams) 
   data::TStdDb& stamm_db = dbs.Open(*stamm);
   std::vector<data::TStdDb*> project_dbs;
   data::TStdDb* glob = nullptr;
+  data::TStdDb* lv_db = nullptr;
   for (const data::DatabaseFile& file : project_files) {
     project_dbs.push_back(&dbs.Open(file));
     if (file.group_name() == "DB_GlobData") glob = project_dbs.back();
+    if (file.group_name() == boq::kLvDbGroup) lv_db = project_dbs.back();
   }
   for (const data::DatabaseFile* file : shared_files) {
     project_dbs.push_back(file == stamm ? &stamm_db : &dbs.Open(*file));
@@ -245,7 +257,8 @@ int RunCurrencyConvert(const CurrencyConvertRequest& request, Streams& streams) 
   const boq::TCurrency target = FindCurrency(currencies, request.target);
   const boq::TCurrency source =
       request.source.empty()
-          ? FindCurrency(currencies, std::to_string(installation.system.IdBasisWae()))
+          ? FindCurrency(currencies,
+                         std::to_string(ProjectCurrency(lv_db, installation.system.IdBasisWae())))
           : FindCurrency(currencies, request.source);
 
   boq::TValueConverterSettings settings;

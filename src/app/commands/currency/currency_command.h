@@ -15,7 +15,7 @@ struct CurrencyConvertRequest {
   std::string data_dir;
   std::string project;  // empty: the user's current project
   std::string target;   // symbol or id of the new currency
-  std::string source;   // of amounts kept in "the project's currency"; empty: the base
+  std::string source;   // of amounts without a currency of their own; empty: the project's
   // Also the databases shared by every project: master data, catalogs, clip folders.
   bool with_master_data = false;
 };

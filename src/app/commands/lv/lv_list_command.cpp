@@ -37,9 +37,10 @@ std::string GermanAmount(double value) {
   return whole + "," + cents;
 }
 
-void PrintJson(std::ostream& out, const std::string& project,
+void PrintJson(std::ostream& out, const std::string& project, const std::string& currency,
                const std::vector<boq::LvSummary>& lvs) {
-  out << "{\"project\": " << JsonString(project) << ", \"lvs\": [";
+  out << "{\"project\": " << JsonString(project) << ", \"currency\": " << JsonString(currency)
+      << ", \"lvs\": [";
   for (size_t i = 0; i < lvs.size(); ++i) {
     const boq::LvSummary& lv = lvs[i];
     out << (i == 0 ? "" : ", ") << "{\"id\": " << lv.id << ", \"name\": " << JsonString(lv.name)
@@ -50,10 +51,10 @@ void PrintJson(std::ostream& out, const std::string& project,
   out << "]}\n";
 }
 
-void PrintTable(std::ostream& out, const std::string& project,
+void PrintTable(std::ostream& out, const std::string& project, const std::string& currency,
                 const std::vector<boq::LvSummary>& lvs) {
   out << "Projekt \"" << project << "\": " << lvs.size() << (lvs.size() == 1 ? " LV" : " LVs")
-      << '\n';
+      << ", Währung " << currency << '\n';
   if (lvs.empty()) return;
   char line[160];
   std::snprintf(line, sizeof line, "%6s  %-20s  %-17s  %8s  %16s\n", "Nr", "Name", "Status",
@@ -76,10 +77,11 @@ void PrintTable(std::ostream& out, const std::string& project,
 int LvListCommand::Run(Streams& streams) {
   LvProject target(data_dir, project);
   const std::vector<boq::LvSummary> lvs = boq::ListLvs(target.Db(false));
+  const std::string currency = target.CurrencySymbol(target.Currency());
   if (json) {
-    PrintJson(streams.out, target.Name(), lvs);
+    PrintJson(streams.out, target.Name(), currency, lvs);
   } else {
-    PrintTable(streams.out, target.Name(), lvs);
+    PrintTable(streams.out, target.Name(), currency, lvs);
   }
   return kExitOk;
 }

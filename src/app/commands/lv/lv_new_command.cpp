@@ -18,13 +18,15 @@ void LvNewCommand::Define(CLI::App& app) {
 }
 
 int LvNewCommand::Run(Streams& streams) {
-  const boq::NewLv lv{name_, mask_};
+  boq::NewLv lv{name_, mask_};
   if (const std::string problem = boq::CheckNewLv(lv); !problem.empty()) {
     throw UsageError(problem);
   }
   LvProject target(data_dir, project);
   data::TStdDb& db = target.Db(true);
   target.RequireFreeLvName(lv.name);
+  // A project converted to another currency keeps it for its new LVs.
+  lv.currency = target.RecordedCurrency();
   int32_t id = 0;
   {
     JournalStep step(target.Journal(), data::TOperationKind::okInsert,

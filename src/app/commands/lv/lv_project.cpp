@@ -9,6 +9,7 @@
 #include "boq/lv/lv_table_types.h"
 #include "boq/lv/project_lvs.h"
 #include "boq/model/lv_pos_list_io.h"
+#include "boq/units/tb_waehrung.h"
 #include "data/db/path_types.h"
 
 namespace korvan::app {
@@ -69,6 +70,7 @@ LvProject::LvProject(const std::string& data_dir, const std::string& project) {
   }
   euro_settings_ = SettingsOf(installation.system, installation.system.EuroWaeGenauigkeit());
   national_settings_ = SettingsOf(installation.system, installation.system.LandesWaeGenauigkeit());
+  base_currency_ = installation.system.IdBasisWae();
 }
 
 data::TStdDb& LvProject::CalcDb() {
@@ -115,6 +117,28 @@ const boq::TUnitList& LvProject::Units() {
     }
   }
   return *units_;
+}
+
+int16_t LvProject::RecordedCurrency() {
+  try {
+    return boq::ProjectCurrency(boq::ListLvs(Db(false)), data::kOwnerCurrencyId);
+  } catch (const boq::EStoredLvError& error) {
+    throw CommandError("Projekt \"" + name_ + "\": " + error.what());
+  }
+}
+
+int16_t LvProject::Currency() {
+  const int16_t recorded = RecordedCurrency();
+  return recorded != data::kOwnerCurrencyId ? recorded : base_currency_;
+}
+
+std::string LvProject::CurrencySymbol(int16_t id) {
+  if (!currencies_) {
+    boq::TTbWaehrung table(session_->Db());
+    currencies_ = boq::TCurrencyList::Load(table);
+  }
+  const boq::TCurrency* currency = currencies_->Find(id);
+  return currency != nullptr ? currency->symbol : std::to_string(id);
 }
 
 int32_t LvProject::ResolveLv(const std::string& name_or_id) {

@@ -9,6 +9,7 @@
 
 #include "app/commands/lists/journal_step.h"
 #include "app/commands/lists/master_data_session.h"
+#include "boq/units/currency_list.h"
 #include "boq/units/unit_list.h"
 #include "boq/units/value_converter.h"
 #include "data/db/db_groups.h"
@@ -38,6 +39,13 @@ class LvProject {
   data::TStdDb* TextDb();
   // The units of the master data in the language of entry texts, read on first use.
   const boq::TUnitList& Units();
+  // The currency the project's LVs record (a conversion sets it), or none (-1); Currency()
+  // falls back to the installation's base currency. CommandError when the LVs disagree.
+  int16_t RecordedCurrency();
+  int16_t Currency();
+  // The symbol of a currency in the master data's currency table ("EUR"); its id when
+  // the table does not hold it.
+  std::string CurrencySymbol(int16_t id);
 
   // The project's calculation database (DB_KP) and the installation's calculation master
   // data (DB_KR), open for writing; CommandError when either is missing. Open the LV
@@ -63,6 +71,8 @@ class LvProject {
   std::optional<data::DatabaseFile> calc_master_;
   boq::TValueConverterSettings euro_settings_;
   boq::TValueConverterSettings national_settings_;
+  std::optional<boq::TCurrencyList> currencies_;
+  int16_t base_currency_ = 0;
 };
 
 // How a step's messages speak of its work.

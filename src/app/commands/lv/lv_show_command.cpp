@@ -79,11 +79,11 @@ std::string QuantityText(const boq::TLvPos& entry, double quantity, const boq::T
 
 void PrintTree(std::ostream& out, const boq::TLVPosList& list,
                const std::vector<boq::TLvEntryFigures>& figures, double total, bool long_texts,
-               const boq::TUnitList& units) {
+               const boq::TUnitList& units, const std::string& currency) {
   const boq::TAvaUiValueConverter converter({}, {});
   const boq::t_Lv_DB_VERSION_3100& lv = list.FLv();
   out << "LV " << lv.FId << " \"" << lv.Name.Get() << "\", Maske " << list.FOzMask().FMask()
-      << ", Status " << StatusText(lv.Status) << ", " << list.Count()
+      << ", Status " << StatusText(lv.Status) << ", Währung " << currency << ", " << list.Count()
       << (list.Count() == 1 ? " Eintrag" : " Einträge") << '\n';
   for (int i = 0; i < list.Count(); ++i) {
     const boq::TLvPos& entry = list[i];
@@ -126,7 +126,11 @@ int LvShowCommand::Run(Streams& streams) {
   if (json) {
     PrintJson(streams.out, list, figures, total, long_texts_, boq::AllPartialQuantities(db));
   } else {
-    PrintTree(streams.out, list, figures, total, long_texts_, target.Units());
+    // An LV that records no currency of its own is in the project's.
+    const int16_t currency = list.FLv().IdWae;
+    PrintTree(
+        streams.out, list, figures, total, long_texts_, target.Units(),
+        target.CurrencySymbol(currency != data::kOwnerCurrencyId ? currency : target.Currency()));
   }
   return kExitOk;
 }
