@@ -3,6 +3,7 @@
 #include "app/commands/calc/calc_commands.h"
 
 #include <cctype>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <optional>
@@ -209,6 +210,12 @@ TPriceColumn ColumnOption(const std::string& text, const char* option) {
   return *column;
 }
 
+// Whether an operation changed an entry's prices (its item and common parts).
+bool PricesDiffer(const boq::TLvPos& before, const boq::TLvPos& after) {
+  return std::memcmp(&before.LvBeschr, &after.LvBeschr, sizeof before.LvBeschr) != 0 ||
+         std::memcmp(&before.LvBgBeschr, &after.LvBgBeschr, sizeof before.LvBgBeschr) != 0;
+}
+
 // One price operation on the selected items (--oz, else every item) as one undo step.
 class PriceOperation : public LvOperation {
  public:
@@ -224,7 +231,9 @@ class PriceOperation : public LvOperation {
     int changed = 0;
     target.Change(Caption(), streams.err, [&] {
       for (int index : selection) {
-        if (Apply(target, target.List()[index])) ++changed;
+        boq::TLvPos& entry = target.List()[index];
+        const boq::TLvPos before = entry;
+        if (Apply(target, entry) && PricesDiffer(before, entry)) ++changed;
       }
     });
     if (json) {
