@@ -92,8 +92,16 @@ TEST(ProgramTables, EveryTableClassOfTheSourcesIsRegistered) {
 TEST(ProgramTables, ModulesAndDumpFormatsOfTheMasterData) {
   EXPECT_EQ(ProgramTables().ModuleNames(), (std::vector<std::string>{"waehrung", "einheit"}));
   for (const char letter : {'W', 'E', 'Z', 'V'}) {
-    EXPECT_NE(ProgramTables().FindDumpFormat(letter), nullptr) << letter;
+    EXPECT_NE(ProgramTables().FindDumpFormat('E', letter), nullptr) << letter;
   }
+  // A letter registered for every type is found in any; one of another type is not.
+  data::TTableRegistry registry;
+  registry.RegisterDumpFormat('W', ProgramTables().FindDumpFormat('E', 'W')->layout[0]);
+  registry.RegisterDumpFormat('K', 'R', ProgramTables().FindDumpFormat('E', 'E')->layout[0]);
+  EXPECT_NE(registry.FindDumpFormat('K', 'W'), nullptr);
+  EXPECT_EQ(registry.FindDumpFormat('K', 'R')->layout,
+            ProgramTables().FindDumpFormat('E', 'E')->layout);
+  EXPECT_EQ(registry.FindDumpFormat('E', 'R'), nullptr);
 }
 
 }  // namespace

@@ -74,7 +74,7 @@ std::vector<TdmWaeConvert::TCurrencyIdField> TdmWaeConvert::CurrencyIdFields(
 int TdmWaeConvert::ConvertDatabase(data::TStdDb& db, const Progress& progress,
                                    TWaeConvertReport& report) {
   for (const std::unique_ptr<data::TStdTB>& table : tables_.CreateTables(db)) {
-    const data::TableDumpFormat* format = tables_.FindDumpFormat(table->TableType());
+    const data::TableDumpFormat* format = tables_.FindDumpFormat(db.DbType(), table->TableType());
     if (format == nullptr || format->layout == nullptr ||
         format->layout->size != static_cast<uint32_t>(table->PhysRecLen())) {
       report.lines.push_back(

@@ -20,7 +20,12 @@ void TTableRegistry::RegisterModule(std::string name, ModuleFactory factory) {
 
 void TTableRegistry::RegisterDumpFormat(char table_type, const RecordLayout& layout,
                                         std::span<const DumpColumn> columns) {
-  dump_formats_[table_type] = TableDumpFormat{&layout, columns};
+  RegisterDumpFormat(kAnyDbType, table_type, layout, columns);
+}
+
+void TTableRegistry::RegisterDumpFormat(char db_type, char table_type, const RecordLayout& layout,
+                                        std::span<const DumpColumn> columns) {
+  dump_formats_[{db_type, table_type}] = TableDumpFormat{&layout, columns};
 }
 
 void TTableRegistry::RegisterInitialRows(char db_type, InitialRows fill) {
@@ -78,9 +83,12 @@ std::vector<std::string> TTableRegistry::ModuleNames() const {
   return names;
 }
 
-const TableDumpFormat* TTableRegistry::FindDumpFormat(char table_type) const {
-  const auto found = dump_formats_.find(table_type);
-  return found == dump_formats_.end() ? nullptr : &found->second;
+const TableDumpFormat* TTableRegistry::FindDumpFormat(char db_type, char table_type) const {
+  for (const char type : {db_type, kAnyDbType}) {
+    const auto found = dump_formats_.find({type, table_type});
+    if (found != dump_formats_.end()) return &found->second;
+  }
+  return nullptr;
 }
 
 }  // namespace korvan::data

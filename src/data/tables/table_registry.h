@@ -67,8 +67,12 @@ class TTableRegistry {
   // Registers a data module under the name the command line knows it by ("waehrung"); a
   // later registration of the same name replaces the earlier one.
   void RegisterModule(std::string name, ModuleFactory factory);
-  // Registers how the records of a table letter are dumped.
+  // Registers how the records of a table letter are dumped, in every database type.
   void RegisterDumpFormat(char table_type, const RecordLayout& layout,
+                          std::span<const DumpColumn> columns = {});
+  // The same for one database type: all 26 record letters are taken, so a letter can
+  // stand for different records in different database types.
+  void RegisterDumpFormat(char db_type, char table_type, const RecordLayout& layout,
                           std::span<const DumpColumn> columns = {});
 
   // Registers the rows a new database of `db_type` is filled with, in registration order.
@@ -89,13 +93,14 @@ class TTableRegistry {
   // The names of the modules, in the order they were registered.
   std::vector<std::string> ModuleNames() const;
 
-  // The dump format of a table letter, or nullptr when none is registered.
-  const TableDumpFormat* FindDumpFormat(char table_type) const;
+  // The dump format of a table letter in a database type (kAnyDbType when the type is not
+  // known): the one registered for that type, else the one for every type, else nullptr.
+  const TableDumpFormat* FindDumpFormat(char db_type, char table_type) const;
 
  private:
   std::map<std::pair<char, char>, Factory> factories_;
   std::vector<std::pair<std::string, ModuleFactory>> modules_;
-  std::map<char, TableDumpFormat> dump_formats_;
+  std::map<std::pair<char, char>, TableDumpFormat> dump_formats_;
   std::vector<std::pair<char, InitialRows>> initial_rows_;
 };
 

@@ -1,5 +1,7 @@
 #include "storage/file/file_names.h"
 
+#include <cctype>
+
 namespace korvan::storage {
 namespace {
 
@@ -15,6 +17,17 @@ constexpr char kBackupSuffix[] = ".bak";
 std::string DatabaseBasePath(const std::string& directory, const std::string& group,
                              char type_letter) {
   return directory + group + kBaseInfix + type_letter;
+}
+
+char TypeLetterOfBasePath(const std::string& base_path) {
+  const std::string infix = kBaseInfix;
+  const size_t size = base_path.size();
+  if (size <= infix.size() ||
+      base_path.compare(size - infix.size() - 1, infix.size(), infix) != 0) {
+    return '\0';
+  }
+  const char letter = base_path.back();
+  return std::isalpha(static_cast<unsigned char>(letter)) ? letter : '\0';
 }
 
 std::string DataFileName(const std::string& base_path) {

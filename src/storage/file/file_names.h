@@ -17,6 +17,10 @@ namespace korvan::storage {
 std::string DatabaseBasePath(const std::string& directory, const std::string& group,
                              char type_letter);
 
+// The type letter of a base path built as above, or '\0' when the path does not end in
+// ".Q" and a letter.
+char TypeLetterOfBasePath(const std::string& base_path);
+
 std::string DataFileName(const std::string& base_path);
 std::string KeyFileName(const std::string& base_path);
 std::string LockFileName(const std::string& base_path);

@@ -16,6 +16,9 @@ TEST(FileNamesTest, TheFilesOfOneDatabaseAndOfItsRebuild) {
   EXPECT_EQ(RebuildCommitMarkName("/data/", 'A'), "/data/DB_TEMP.QA.commit");
   EXPECT_EQ(BackupFileName(DataFileName(base)), "/data/DB_LV.QA0.bak");
   EXPECT_EQ(DatabaseBasePath("", "DB_Stamm", 'E'), "DB_Stamm.QE");
+  EXPECT_EQ(TypeLetterOfBasePath(base), 'A');
+  EXPECT_EQ(TypeLetterOfBasePath("/data/DB_LV.QA0"), '\0');  // a file name, not a base path
+  EXPECT_EQ(TypeLetterOfBasePath(".Q"), '\0');
 }
 
 TEST(FileNamesTest, WhatARebuildMayLeaveBehind) {

@@ -75,7 +75,9 @@ int RunDbDumpTable(const std::string& base_path, char table_type,
   std::ifstream file(data_file, std::ios::binary);
   if (!file) throw CommandError(data_file + ": nicht lesbar");
 
-  const data::TableDumpFormat* format = tables.FindDumpFormat(table_type);
+  const char db_type = storage::TypeLetterOfBasePath(base_path);
+  const data::TableDumpFormat* format =
+      tables.FindDumpFormat(db_type ? db_type : data::TTableRegistry::kAnyDbType, table_type);
   TableDump dump(format, streams.out);
   const std::string stopped = WalkDataFile(data_file, [&](const DataBlock& block) {
     if (block.has_header && block.header.RecTyp == table_type) {
