@@ -73,27 +73,16 @@ void CalcLv::RequireSurchargeMethod() const {
 void CalcLv::Change(const std::string& caption, std::ostream& warnings,
                     const std::function<void()>& change) {
   if (list_.FReadOnly()) throw CommandError("Das LV ist schreibgeschützt.");
-  const auto run = [&] {
-    change();
-    calculation_.CalculateAll(list_);
-    boq::SaveLvPosList(db_, project_.TextDb(), list_);
-  };
-  RunAsOneStep(project_.Journal(), data::TOperationKind::okEdit,
-               caption + " in LV \"" + list_.FLv().Name.Get() + "\"",
-               {"es wurde nichts geändert", "die Änderung konnte nicht zurückgenommen werden",
-                "die Änderung"},
-               warnings, [&]() -> std::string {
-                 try {
-                   run();
-                   return {};
-                 } catch (const boq::EStoredLvError& error) {
-                   return error.what();
-                 } catch (const calc::ECalcError& error) {
-                   return error.what();
-                 } catch (const CommandError& error) {
-                   return error.what();
-                 }
-               });
+  RunAsOneStep<boq::EStoredLvError, calc::ECalcError, CommandError>(
+      project_.Journal(), data::TOperationKind::okEdit,
+      caption + " in LV \"" + list_.FLv().Name.Get() + "\"",
+      {"es wurde nichts geändert", "die Änderung konnte nicht zurückgenommen werden",
+       "die Änderung"},
+      warnings, [&] {
+        change();
+        calculation_.CalculateAll(list_);
+        boq::SaveLvPosList(db_, project_.TextDb(), list_);
+      });
 }
 
 }  // namespace korvan::app

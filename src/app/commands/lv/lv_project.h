@@ -94,18 +94,30 @@ void RunAsOneStep(data::TUndoRedo& journal, data::TOperationKind kind, const std
                   const StepWords& words, std::ostream& warnings,
                   const std::function<std::string()>& change);
 
-// The same for a change that fails by throwing `Error`.
-template <typename Error, typename Change>
-void RunAsOneStep(data::TUndoRedo& journal, data::TOperationKind kind, const std::string& caption,
-                  const StepWords& words, std::ostream& warnings, Change&& change) {
-  RunAsOneStep(journal, kind, caption, words, warnings, [&]() -> std::string {
-    try {
-      change();
-      return {};
-    } catch (const Error& error) {
-      return error.what();
-    }
-  });
+// The failure text of `change`: empty when it returns, what() of the first of `Errors`
+// it throws; other exceptions pass.
+template <typename Change>
+std::string FailureTextOf(Change& change) {
+  change();
+  return {};
+}
+template <typename Error, typename... More, typename Change>
+std::string FailureTextOf(Change& change) {
+  try {
+    return FailureTextOf<More...>(change);
+  } catch (const Error& error) {
+    return error.what();
+  }
+}
+
+// The same for a change that fails by throwing one of `Errors`.
+template <typename... Errors, typename Change>
+requires(sizeof...(Errors) >
+         0) void RunAsOneStep(data::TUndoRedo& journal, data::TOperationKind kind,
+                              const std::string& caption, const StepWords& words,
+                              std::ostream& warnings, Change&& change) {
+  RunAsOneStep(journal, kind, caption, words, warnings,
+               [&]() -> std::string { return FailureTextOf<Errors...>(change); });
 }
 
 }  // namespace korvan::app
