@@ -18,10 +18,9 @@ struct TBuiltInRebFormel {
   std::string_view spaltentext;
 };
 
-// The numbered formulas of REB 23.003 (numbers and names after the published list; the
-// formulas written out with their value references). Angles are in the unit the
-// project measures in (degrees or gon) where they go into SIN or TAN, in degrees where
-// they give an arc's share of the circle.
+// The numbered formulas of REB 23.003 (numbers, names and values after the published
+// list, the formulas written out with their value references). Angles are in the unit the
+// project measures in, gon or degrees, also where they give a share of the circle.
 std::span<const TBuiltInRebFormel> BuiltInRebFormeln();
 
 // The built-in list as a formula source.
