@@ -242,6 +242,66 @@ TEST(FormelLanguage, RandomArithmeticAgreesWithAReferenceEvaluator) {
   }
 }
 
+TEST(FormelLanguage, SimplifyFoldsWhatNoVariableChanges) {
+  struct Folding {
+    const char* formula;
+    const char* simplified;
+  };
+  const std::vector<Folding> cases = {
+      {"2*3+B", "6+B"},
+      {"B+2*3", "B+6"},
+      {"B-2+3", "B-2+3"},  // (B-2)+3 is not B+1 in floating point
+      {"(2+3)*4", "20"},
+      {"SQRT(SQR(3)+16)*B", "5*B"},
+      {"IF(1>2;B;3*4)", "IF(0;B;12)"},
+      {"ROUNDK(2,345;2)+B", "2,35+B"},
+      {"50%*B", "0,5*B"},
+      {"2^B*3", "2^B*3"},
+      {"(1\\0)+B", "(1\\0)+B"},  // the error stays to be reported
+  };
+  for (const Folding& c : cases) {
+    TFormelObj formula;
+    formula.SetFormel(c.formula);
+    formula.Simplify();
+    EXPECT_EQ(formula.GetFormel(), c.simplified) << c.formula;
+  }
+}
+
+TEST(FormelLanguage, SimplifiedRandomFormulasKeepTheirValueToTheLastBit) {
+  std::mt19937 random(7);
+  for (int i = 0; i < 1000; ++i) {
+    std::string text = RandomFormula(random, 5);
+    for (char& c : text) {
+      if (c == '7') c = 'B';
+    }
+    TFormelObj whole;
+    whole.SetFormel(text);
+    whole.SetVariable("B", 0.7);
+    TFormelObj simplified = whole;
+    simplified.Simplify();
+    int error = -1;
+    const double expected = whole.GetResult(error);
+    ASSERT_EQ(error, 0) << text;
+    ASSERT_EQ(simplified.GetResult(error), expected) << text;
+  }
+}
+
+TEST(FormelLanguage, VariablesAreListedAndExchangedForTheirValues) {
+  TFormelObj formula;
+  formula.SetFormel("Breite*-Höhe+Breite*Tiefe");
+  formula.SetVariable("Breite", 2);
+  formula.SetVariable("Höhe", 1.5);
+  std::vector<std::string> names;
+  for (std::string name; names.empty() ? formula.GetFirstVar(name) : formula.GetNextVar(name);) {
+    names.push_back(name);
+  }
+  EXPECT_EQ(names, (std::vector<std::string>{"BREITE", "HÖHE", "TIEFE"}));
+  EXPECT_EQ(formula.ExchangeVar(), 3);
+  EXPECT_EQ(formula.GetFormel(), "2*-1,5+2*TIEFE");
+  formula.SetFormelCol(4);
+  EXPECT_EQ(formula.GetFormelCol(), 4);
+}
+
 TEST(FormelLanguage, LongAndDeepInputAnswersWithoutRecursion) {
   std::string deep(50000, '(');
   deep += "1" + std::string(50000, ')');

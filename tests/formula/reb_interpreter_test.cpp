@@ -6,6 +6,7 @@
 
 #include "formula/catalogue/builtin_reb_formeln.h"
 #include "formula/language/formel_errors.h"
+#include "formula/reb/reb_ansatz_record.h"
 #include "formula/reb/reb_sheet.h"
 
 namespace korvan::formula {
@@ -149,6 +150,35 @@ TEST(RebNumberedFormulas, Version004SumsSideCalculationsAndTakesOverResults) {
   TRebLine kept = Line("700", "");
   kept.Ergebnis = 12.5;
   EXPECT_DOUBLE_EQ(Sheet(k004, {kept}).sum, 12.5);
+}
+
+TEST(RebProtocol, AnExpressionThatFailsGivesOneLineNamingItsPosition) {
+  TestCatalogue catalogue;
+  auto interpreter = CoREB003FormelInterpreter::Create(catalogue);
+  std::vector<TRebLine> lines = {Line("0", "2="), Line("0", "#0101*2="), Line("4", "1|2|3")};
+  std::vector<std::string> protocol;
+  EvaluateRebLines(*interpreter, lines, {},
+                   [&](const std::string& line) { protocol.push_back(line); });
+  EXPECT_EQ(protocol,
+            (std::vector<std::string>{"Eine Variable hat keinen Wert in Zeile 2: #0101*2="}));
+}
+
+TEST(RebAnsatzRecord, AStoredLineIsReadAsTheInterpreterSeesIt) {
+  t_RebAnsatz_2900 record{};
+  TRebLine line = Line("1", "4|3|2");
+  line.Adresse = "000102";
+  line.Erlaeuterung = "Giebel Süd";
+  ASSERT_TRUE(StoreRebLine(line, record));
+  record.KZ = '\0';  // a mark never written reads as blank
+  const TRebLine read = RebLineOf(record);
+  EXPECT_EQ(read.KZ, ' ');
+  EXPECT_EQ(read.Formel, "4|3|2");
+  EXPECT_EQ(read.Adresse, "000102");
+  EXPECT_EQ(read.Erlaeuterung, "Giebel Süd");
+  EXPECT_DOUBLE_EQ(Sheet(k003, {read}).sum, 12);
+  // The formula text has 70 bytes; what is longer is cut and said so.
+  EXPECT_FALSE(StoreRebLine(Line("0", std::string(71, '1')), record));
+  EXPECT_EQ(RebLineOf(record).Formel, std::string(70, '1'));
 }
 
 }  // namespace

@@ -6,6 +6,8 @@ namespace {
 
 std::map<int, std::string> GermanTexts() {
   return {
+      // Measurement protocol: "<error> in Zeile <n>: <expression>=".
+      {1670, "in Zeile "},
       // Deduction list.
       {45501, "ID"},
       {45506, "Abzug"},

@@ -137,7 +137,7 @@ class Reducer {
   // with 0 and no error.
   bool ApplyBinaryAt(int& at, int open, int close) {
     const int left = Prev(at);
-    if (!IsValueAt(left, open)) return Finish({0, 0});
+    if (!IsValueAt(left, open)) return Finish({0, 0, true});
     const auto code = static_cast<TFormelCode>(nodes_[at].item.Code);
     if (code == kPercent) {
       if (!Store(left, ApplyBinary(code, ValueAt(left), 0))) return false;
@@ -146,7 +146,7 @@ class Reducer {
       return true;
     }
     const int right = Next(at);
-    if (!IsValueAt(right, close)) return Finish({0, 0});
+    if (!IsValueAt(right, close)) return Finish({0, 0, true});
     if (!Store(left, ApplyBinary(code, ValueAt(left), ValueAt(right)))) return false;
     Unlink(at);
     Unlink(right);

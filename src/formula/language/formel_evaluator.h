@@ -10,6 +10,7 @@ namespace korvan::formula {
 struct TFormelResult {
   double value = 0;
   int error = 0;
+  bool cut = false;  // ended at an operator without a value beside it (result 0, no error)
 };
 
 // The checks made before a formula is evaluated: parentheses that are not closed (9113,

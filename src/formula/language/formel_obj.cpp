@@ -4,6 +4,8 @@
 
 #include "formula/language/formel_errors.h"
 #include "formula/language/formel_evaluator.h"
+#include "formula/language/formel_number.h"
+#include "formula/language/formel_simplify.h"
 
 namespace korvan::formula {
 
@@ -16,6 +18,7 @@ TFormelObj TFormelObj::CreateNeugrad() {
 int TFormelObj::SetFormel(std::string_view text) {
   tokens_ = TokenizeFormel(text, gon_);
   unknown_cursor_ = 0;
+  var_cursor_ = 0;
   return tokens_.error;
 }
 
@@ -24,14 +27,52 @@ void TFormelObj::SetVariable(std::string_view name, double value) {
 }
 
 std::vector<std::string> TFormelObj::Unknowns() const {
+  std::vector<std::string> names = Variables();
+  std::erase_if(names, [&](const std::string& name) { return variables_.count(name) != 0; });
+  return names;
+}
+
+std::vector<std::string> TFormelObj::Variables() const {
   std::vector<std::string> names;
   for (const TFormelItem& item : tokens_.items) {
-    if (!item.IsVariable() || variables_.count(item.Text) != 0) continue;
+    if (!item.IsVariable()) continue;
     if (std::find(names.begin(), names.end(), item.Text) == names.end()) {
       names.push_back(item.Text);
     }
   }
   return names;
+}
+
+bool TFormelObj::GetFirstVar(std::string& name) {
+  var_cursor_ = 0;
+  return GetNextVar(name);
+}
+
+bool TFormelObj::GetNextVar(std::string& name) {
+  const std::vector<std::string> names = Variables();
+  if (var_cursor_ >= names.size()) return false;
+  name = names[var_cursor_++];
+  return true;
+}
+
+int TFormelObj::ExchangeVar() {
+  int exchanged = 0;
+  for (TFormelItem& item : tokens_.items) {
+    if (!item.IsVariable()) continue;
+    const auto found = variables_.find(item.Text);
+    if (found == variables_.end()) continue;
+    const double value = item.Negative ? -found->second : found->second;
+    item.SetDouble(value);
+    item.Text = FormatFormelNumber(value);
+    item.Negative = false;
+    ++exchanged;
+  }
+  return exchanged;
+}
+
+int TFormelObj::Simplify() {
+  if (tokens_.error != 0) return 0;
+  return SimplifyFormel(tokens_.items, tokens_.angle_factor);
 }
 
 bool TFormelObj::GetFirstUnknown(std::string& name) {
@@ -86,6 +127,7 @@ std::string TFormelObj::GetFormel() const {
 void TFormelObj::ClearFormel() {
   tokens_ = TTokenized();
   unknown_cursor_ = 0;
+  var_cursor_ = 0;
 }
 
 void TFormelObj::Clear() {

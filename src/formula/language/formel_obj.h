@@ -30,6 +30,19 @@ class TFormelObj {
   bool GetFirstUnknown(std::string& name);
   bool GetNextUnknown(std::string& name);
   std::vector<std::string> Unknowns() const;
+  // The names of all the formula's variables, with a value or without, likewise.
+  bool GetFirstVar(std::string& name);
+  bool GetNextVar(std::string& name);
+  std::vector<std::string> Variables() const;
+
+  // Writes the value of every variable that has one into the formula in its place (a
+  // variable written "-B" gets its value negated), so that GetFormel shows numbers
+  // instead of names. The number of places changed.
+  int ExchangeVar();
+  // Folds what does not depend on a variable into its value ("2*3+B" becomes "6+B");
+  // the result stays the same. The number of folds.
+  int Simplify();
+  int Vereinfache() { return Simplify(); }
 
   // The result; `error` gets 0 or the code. Variables without value are 9120.
   double GetResult(int& error);
@@ -39,15 +52,22 @@ class TFormelObj {
 
   bool IsGon() const { return gon_; }
 
+  // The column of the measurement grid the formula was written in, so that a message
+  // can point there; -1 when none was given.
+  void SetFormelCol(int col) { col_ = col; }
+  int GetFormelCol() const { return col_; }
+
   void ClearVar() { variables_.clear(); }
   void ClearFormel();
   void Clear();
 
  private:
   bool gon_ = false;
+  int col_ = -1;
   TTokenized tokens_;
   std::map<std::string, double> variables_;
   size_t unknown_cursor_ = 0;
+  size_t var_cursor_ = 0;
 };
 
 }  // namespace korvan::formula

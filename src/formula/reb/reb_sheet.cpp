@@ -3,10 +3,15 @@
 #include <cctype>
 #include <cmath>
 
+#include "data/common/text_catalogue.h"
+#include "formula/language/formel_errors.h"
 #include "formula/language/formel_obj.h"
 
 namespace korvan::formula {
 namespace {
+
+// The program text that names the line in a protocol line.
+constexpr int kTextInZeile = 1670;
 
 // The stored text of a line holds at most 70 characters with its "=".
 constexpr size_t kMaxAutoCompleteLength = 69;
@@ -40,7 +45,7 @@ std::optional<double> AddressValue(const std::vector<TRebLine>& lines, size_t in
 
 TRebLineOutcome Evaluate(const TREBFormelInterpreter& interpreter, const TRebExpression& built,
                          const std::vector<TRebLine>& lines, size_t index,
-                         const TRebVariableLookup& variables) {
+                         const TRebVariableLookup& variables, const TRebProtocol& protocol) {
   TRebLineOutcome outcome;
   outcome.expression = built.expression;
   if (built.keep_result) {
@@ -58,6 +63,9 @@ TRebLineOutcome Evaluate(const TREBFormelInterpreter& interpreter, const TRebExp
       if (value) formula.SetVariable(name, *value);
     }
     outcome.result = formula.GetResult(outcome.error);
+    if (outcome.error != 0 && protocol) {
+      protocol(RebProtocolLine(outcome.error, index, built.expression));
+    }
   }
   return outcome;
 }
@@ -99,8 +107,14 @@ void CompleteWithEquals(TRebLine& line) {
   if (last == ')' || std::isdigit(static_cast<unsigned char>(last))) line.Formel += '=';
 }
 
+std::string RebProtocolLine(int error, size_t position, const std::string& expression) {
+  return FehlerText(error) + " " + data::TTextCatalogue::German().cLoadStr(kTextInZeile) +
+         std::to_string(position + 1) + ": " + expression + "=";
+}
+
 TRebSheetOutcome EvaluateRebLines(TREBFormelInterpreter& interpreter, std::vector<TRebLine>& lines,
-                                  const TRebVariableLookup& variables) {
+                                  const TRebVariableLookup& variables,
+                                  const TRebProtocol& protocol) {
   TRebSheetOutcome sheet;
   std::vector<double> own_results(lines.size(), 0);
   const bool v003 = interpreter.Version() == TRebVersion::k23003;
@@ -115,7 +129,7 @@ TRebSheetOutcome EvaluateRebLines(TREBFormelInterpreter& interpreter, std::vecto
     }
     const TRebExpression built = interpreter.Execute(lines, i);
     if (built.mark) line.KZ = *built.mark;
-    TRebLineOutcome outcome = Evaluate(interpreter, built, lines, i, variables);
+    TRebLineOutcome outcome = Evaluate(interpreter, built, lines, i, variables, protocol);
     double own = outcome.result;
     const bool marked_total =
         line.KZ == kMarkAuxiliary || line.KZ == kMarkItemSum || line.KZ == kMarkSubTotal;
