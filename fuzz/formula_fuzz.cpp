@@ -1,7 +1,9 @@
 // Any text as a formula, in degrees and in gon, and as the lines of a measurement sheet
 // under both REB variants: every formula must be answered with a value or an error code,
-// never a crash, and in time linear in its length.
+// never a crash, and in time linear in its length. A formula simplified, or with its
+// variables exchanged for their values, must give the same value and code to the bit.
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -16,13 +18,33 @@ namespace {
 
 using korvan::formula::TFormelObj;
 
+struct Answer {
+  double value;
+  int error;
+  bool operator==(const Answer& other) const {
+    return error == other.error &&
+           (value == other.value || (std::isnan(value) && std::isnan(other.value)));
+  }
+};
+
+Answer AnswerOf(TFormelObj formula) {
+  int error = 0;
+  const double value = formula.GetResult(error);
+  return {value, error};
+}
+
 void EvaluateFormula(std::string_view text) {
   for (bool gon : {false, true}) {
     TFormelObj formula = gon ? TFormelObj::CreateNeugrad() : TFormelObj();
     formula.SetFormel(text);
     for (const std::string& name : formula.Unknowns()) formula.SetVariable(name, 1.5);
-    int error = 0;
-    formula.GetResult(error);
+    const Answer answer = AnswerOf(formula);
+    TFormelObj simplified = formula;
+    simplified.Simplify();
+    if (!(AnswerOf(simplified) == answer)) __builtin_trap();
+    TFormelObj exchanged = formula;
+    exchanged.ExchangeVar();
+    if (!(AnswerOf(exchanged) == answer)) __builtin_trap();
   }
 }
 
