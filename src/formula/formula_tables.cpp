@@ -1,6 +1,7 @@
 #include "formula/formula_tables.h"
 
 #include "formula/catalogue/builtin_reb_formeln.h"
+#include "formula/catalogue/dm_reb_formel.h"
 #include "formula/catalogue/tb_reb_formel.h"
 
 namespace korvan::formula {
@@ -17,6 +18,7 @@ void RegisterFormulaTables(data::TTableRegistry& registry) {
   using Registry = data::TTableRegistry;
   registry.Register(kStammDbType, kRebFormelTableType, Registry::FactoryOf<TTbRebFormel>());
   registry.RegisterInitialRows(kStammDbType, FillBuiltInRebFormelRows);
+  registry.RegisterModule("rebformel", Registry::ModuleFactoryOf<TdmRebFormel>());
 }
 
 }  // namespace korvan::formula

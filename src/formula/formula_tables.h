@@ -4,8 +4,8 @@
 
 namespace korvan::formula {
 
-// Enters the catalogue of numbered REB formulas (master data) and the built-in list a new
-// master-data database starts with.
+// Enters the catalogue of numbered REB formulas (master data), the built-in list a new
+// master-data database starts with, and its list "rebformel".
 void RegisterFormulaTables(data::TTableRegistry& registry);
 
 }  // namespace korvan::formula

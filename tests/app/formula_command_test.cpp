@@ -42,5 +42,17 @@ TEST(FormulaCommand, SheetSumsTheLinesOfTheInstallationsCatalogueAndNamesBadLine
   EXPECT_TRUE(bad.out.empty()) << bad.out;
 }
 
+TEST(FormulaCommand, TheCatalogueIsAListWhoseFormulasCanBeCorrected) {
+  testing::TempDir dir;
+  const std::string data = dir.File("data");
+  ExpectKorvan({"init", "-d", data}, 0);
+  ExpectKorvanOn(data, {"list", "rebformel"}, 0, {"Kegelstumpfsektor"});
+  // Row 5 is formula 4 (after 0 to 3).
+  ExpectKorvanOn(data, {"edit", "rebformel", "5", "Formel=<1>*<2>"}, 0, {"Zeile 5 gespeichert"});
+  WriteFile(dir.File("blatt.txt"), "4 3 2 5\n");
+  ExpectKorvanOn(data, {"formula", "sheet", dir.File("blatt.txt")}, 0, {"Summe: 6\n"});
+  ExpectKorvanOn(data, {"edit", "rebformel", "5", "FormelNr=4a"}, 2, {"\"FormelNr\""});
+}
+
 }  // namespace
 }  // namespace korvan

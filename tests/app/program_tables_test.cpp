@@ -90,7 +90,8 @@ TEST(ProgramTables, EveryTableClassOfTheSourcesIsRegistered) {
 }
 
 TEST(ProgramTables, ModulesAndDumpFormatsOfTheMasterData) {
-  EXPECT_EQ(ProgramTables().ModuleNames(), (std::vector<std::string>{"waehrung", "einheit"}));
+  EXPECT_EQ(ProgramTables().ModuleNames(),
+            (std::vector<std::string>{"waehrung", "einheit", "rebformel"}));
   for (const char letter : {'W', 'E', 'Z', 'V'}) {
     EXPECT_NE(ProgramTables().FindDumpFormat('E', letter), nullptr) << letter;
   }
