@@ -152,6 +152,20 @@ TEST(RebNumberedFormulas, Version004SumsSideCalculationsAndTakesOverResults) {
   EXPECT_DOUBLE_EQ(Sheet(k004, {kept}).sum, 12.5);
 }
 
+TEST(RebSettings, RoundedLinesAddUpToWhatTheyShowAndTheVersionPicksTheVariant) {
+  TestCatalogue catalogue;
+  TRebSettings settings;
+  settings.zeilen_runden = true;
+  settings.version = TRebVersion::k23004;
+  auto interpreter = CreateRebFormelInterpreter(catalogue, settings);
+  EXPECT_EQ(interpreter->Version(), k004);
+  std::vector<TRebLine> lines = {Line("", "1,2345="), Line("", "1,2344=", ' ', 1, '-')};
+  const TRebSheetOutcome sheet = EvaluateRebLines(*interpreter, lines);
+  EXPECT_DOUBLE_EQ(sheet.lines[0].result, 1.235);  // halves away from zero
+  EXPECT_DOUBLE_EQ(sheet.lines[1].result, -1.234);
+  EXPECT_NEAR(sheet.sum, 0.001, 1e-12);
+}
+
 TEST(RebProtocol, AnExpressionThatFailsGivesOneLineNamingItsPosition) {
   TestCatalogue catalogue;
   auto interpreter = CoREB003FormelInterpreter::Create(catalogue);

@@ -14,6 +14,9 @@ namespace korvan::formula {
 // Whether a line was written by people or generated from the LV.
 enum class TRebGeneratorEnum : uint8_t { rgDefault = 0, rgAutoLV = 1 };
 
+// A sheet number: the sheet (4 digits) and the line on it (2 digits).
+using TBlattNr = data::ShortString<7>;
+
 #pragma pack(push, 1)
 
 // One stored measurement line: a line of a measurement sheet or of an item's quantity
@@ -27,15 +30,15 @@ struct t_RebAnsatz_2900 {
   uint16_t SzBezug;  // the owner's version
   char KZ;           // line mark: "*", "H", "V", "L", "E", "P", "Z", "1" ... "5"
   data::ShortString<56> Erlaeuterung;
-  char Vorzeichen;               // "-": a deduction
-  double Faktor;                 // multiplier of the result; 0 for none
-  data::string3 FormelNr;        // REB formula number; empty for a free formula
-  double Ergebnis;               // computed result
-  char Formel[70];               // formula text or values and signs
-  data::ShortString<7> BlattNr;  // sheet (4 digits) and line (2 digits): the line's address
-  data::string20 VarName;        // the name under which the result is a variable
-  boq::t_IdCad IdCad;            // the CAD entity
-  int32_t IdAufmass;             // measurement position
+  char Vorzeichen;         // "-": a deduction
+  double Faktor;           // multiplier of the result; 0 for none
+  data::string3 FormelNr;  // REB formula number; empty for a free formula
+  double Ergebnis;         // computed result
+  char Formel[70];         // formula text or values and signs
+  TBlattNr BlattNr;        // the line's address
+  data::string20 VarName;  // the name under which the result is a variable
+  boq::t_IdCad IdCad;      // the CAD entity
+  int32_t IdAufmass;       // measurement position
   uint16_t SzLvBeschr;
   int32_t IdRechnung;      // the invoice
   int32_t IdBlattNrBezug;  // referenced sheet

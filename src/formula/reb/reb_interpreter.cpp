@@ -72,4 +72,12 @@ std::unique_ptr<TREBFormelInterpreter> CoREB004FormelInterpreter::Create(
   return std::make_unique<TREB004FormelInterpreter>(catalogue, settings);
 }
 
+std::unique_ptr<TREBFormelInterpreter> CreateRebFormelInterpreter(TRebFormelSource& catalogue,
+                                                                  TRebSettings settings) {
+  if (settings.version == TRebVersion::k23004) {
+    return CoREB004FormelInterpreter::Create(catalogue, settings);
+  }
+  return CoREB003FormelInterpreter::Create(catalogue, settings);
+}
+
 }  // namespace korvan::formula

@@ -11,10 +11,14 @@
 
 namespace korvan::formula {
 
+enum class TRebVersion { k23003, k23004 };
+
 // The project settings that change how lines are evaluated.
 struct TRebSettings {
   bool altgrad = true;          // FREBAltgrad: angles in degrees, else in gon
   bool auto_ist_gleich = true;  // FREBAutoIstGleich: complete a line with "=" by itself
+  bool zeilen_runden = false;   // FREBZeilenRunden: a line's result to three decimals
+  TRebVersion version = TRebVersion::k23003;  // FREBVersion: which variant reads the lines
 };
 
 // What the interpreter makes of one line: an expression for the formula evaluator, or a
@@ -28,8 +32,6 @@ struct TRebExpression {
   bool keep_result = false;      // the line's stored result stands as it is
   std::optional<char> mark;      // a new mark for the line
 };
-
-enum class TRebVersion { k23003, k23004 };
 
 // Builds the expression of a measurement line from the lines of its owner (`Execute`),
 // taking preceding lines into account: continuation lines, runs of points, stations and
@@ -91,5 +93,9 @@ struct CoREB004FormelInterpreter {
   static std::unique_ptr<TREBFormelInterpreter> Create(TRebFormelSource& catalogue,
                                                        TRebSettings settings = {});
 };
+
+// The variant the settings name (FREBVersion).
+std::unique_ptr<TREBFormelInterpreter> CreateRebFormelInterpreter(TRebFormelSource& catalogue,
+                                                                  TRebSettings settings);
 
 }  // namespace korvan::formula

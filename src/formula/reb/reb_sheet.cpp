@@ -3,6 +3,7 @@
 #include <cctype>
 #include <cmath>
 
+#include "boq/units/rounding.h"
 #include "data/common/text_catalogue.h"
 #include "formula/language/formel_errors.h"
 #include "formula/language/formel_obj.h"
@@ -139,6 +140,10 @@ TRebSheetOutcome EvaluateRebLines(TREBFormelInterpreter& interpreter, std::vecto
       const bool deduction =
           built.negative && (!line.IsQuantityLine() || std::fabs(own) > 0.000001);
       if (deduction) own = -own;
+    }
+    // Lines show their result with three decimals; rounded lines add up to what they show.
+    if (interpreter.Settings().zeilen_runden) {
+      own = boq::RoundValue(own, 3, data::TRoundingType::rtCommercial);
     }
     own_results[i] = own;
     outcome.result = v003 ? MarkedResult(lines, own_results, i) : own;

@@ -45,9 +45,11 @@ formula::TRebVariableLookup LookupOf(const std::map<std::string, double>& variab
 
 std::unique_ptr<formula::TREBFormelInterpreter> Interpreter(const FormulaOptions& options,
                                                             formula::TRebFormelSource& source) {
-  const formula::TRebSettings settings{!options.gon, true};
-  if (options.reb == "23.004") return formula::CoREB004FormelInterpreter::Create(source, settings);
-  return formula::CoREB003FormelInterpreter::Create(source, settings);
+  formula::TRebSettings settings;
+  settings.altgrad = !options.gon;
+  settings.version =
+      options.reb == "23.004" ? formula::TRebVersion::k23004 : formula::TRebVersion::k23003;
+  return formula::CreateRebFormelInterpreter(source, settings);
 }
 
 std::string ErrorText(int error) {
