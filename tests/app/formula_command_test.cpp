@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "testing/files.h"
 #include "testing/json_value.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
@@ -34,6 +35,14 @@ TEST(FormulaCommand, SheetSumsTheLinesOfTheInstallationsCatalogueAndNamesBadLine
             "# Wand\n4 3,5 2 0,5\n23 0 1 1\n23 10 4\n23 25 1 1 1 1 =\nfaktor=2 vz=- 0 3*2\n");
   ExpectKorvanOn(dir.File("data"), {"formula", "sheet", dir.File("blatt.txt")}, 0,
                  {"Zeile 1 (Formel 4): 3,5\n", "Zeile 4 (Formel 23): 90\n", "Summe: 81,5\n"});
+  // A line whose expression fails is named in the measurement protocol.
+  WriteFile(dir.File("fehler.txt"), "0 2*Breite =\n0 1,2345\n");
+  ExpectKorvanOn(dir.File("data"),
+                 {"formula", "sheet", "--runden", "--protokoll", dir.File("protokoll.txt"),
+                  dir.File("fehler.txt")},
+                 1, {"Zeile 2 (Formel 0): 1,235\n"});
+  EXPECT_EQ(testing::ReadFile(dir.File("protokoll.txt")),
+            "Eine Variable hat keinen Wert in Zeile 1: 2*Breite=\n");
   WriteFile(dir.File("kaputt.txt"), "4 3,5 2\n\nkz=HH 4 1\n");
   const ProgramResult bad =
       ExpectKorvanOn(dir.File("data"), {"formula", "sheet", dir.File("kaputt.txt")}, 1);

@@ -13,6 +13,7 @@ TRebExpression TREBFormelInterpreter::Execute(const std::vector<TRebLine>& lines
   // The evaluator reads "-(" as an operator without left operand; "-1*(" is meant.
   if (text.rfind("-(", 0) == 0) text.insert(1, "1*");
   if (!text.empty() && text.back() == '=') text.pop_back();
+  while (!text.empty() && text.back() == ' ') text.pop_back();
   return out;
 }
 

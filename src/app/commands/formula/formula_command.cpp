@@ -36,6 +36,10 @@ void FormulaCommand::Define(CLI::App& app) {
   reb_ = "23.003";
   AddRebOption(*sheet_, reb_);
   AddVariableOption(*sheet_, variables_);
+  sheet_->add_flag("--runden", round_lines_,
+                   "Ergebnis jeder Zeile auf drei Nachkommastellen runden");
+  sheet_->add_option("--protokoll", protocol_file_,
+                     "schreibt das Aufmaßprotokoll (Zeilen mit Fehlern) in diese Datei");
   sheet_->add_flag("--json", json_, "Ausgabe als JSON");
   AddDataDirOption(*sheet_, data_dir_);
   sheet_data_ = sheet_->get_option("-d");
@@ -47,7 +51,7 @@ void FormulaCommand::Define(CLI::App& app) {
 }
 
 int FormulaCommand::Run(Streams& streams) {
-  FormulaOptions options{gon_, reb_, variables_, json_};
+  FormulaOptions options{gon_, reb_, variables_, json_, round_lines_, protocol_file_};
   if (eval_->parsed()) {
     // A formula alone is the language's; --reb reads it as a free measurement line.
     if (eval_->get_option("--reb")->count() == 0) options.reb.clear();

@@ -35,8 +35,10 @@ class FormulaCommand : public Command {
   std::string reb_;
   std::string file_;
   std::string data_dir_;
+  std::string protocol_file_;
   bool gon_ = false;
   bool json_ = false;
+  bool round_lines_ = false;
 };
 
 struct FormulaOptions {
@@ -44,6 +46,8 @@ struct FormulaOptions {
   std::string reb;                     // empty: the formula language alone
   std::vector<std::string> variables;  // NAME=WERT
   bool json = false;
+  bool round_lines = false;   // FREBZeilenRunden
+  std::string protocol_file;  // the measurement protocol; empty: none
 };
 
 // The work of the three operations; each returns the exit code (1 when a formula or a

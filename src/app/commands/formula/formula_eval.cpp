@@ -14,6 +14,7 @@
 #include "formula/language/formel_obj.h"
 #include "formula/language/formel_tokenizer.h"
 #include "formula/reb/reb_sheet.h"
+#include "storage/file/atomic_file.h"
 
 namespace korvan::app {
 namespace {
@@ -47,6 +48,7 @@ std::unique_ptr<formula::TREBFormelInterpreter> Interpreter(const FormulaOptions
                                                             formula::TRebFormelSource& source) {
   formula::TRebSettings settings;
   settings.altgrad = !options.gon;
+  settings.zeilen_runden = options.round_lines;
   settings.version =
       options.reb == "23.004" ? formula::TRebVersion::k23004 : formula::TRebVersion::k23003;
   return formula::CreateRebFormelInterpreter(source, settings);
@@ -113,6 +115,20 @@ int RunFormulaEval(const std::vector<std::string>& formulas, const FormulaOption
   return exit_code;
 }
 
+namespace {
+
+// The protocol is a help, not the result: one that cannot be written is a warning.
+void WriteProtocol(const std::string& file, const std::string& protocol, Streams& streams) {
+  const storage::FileWriteResult written =
+      storage::WriteFileAtomically(file, protocol, storage::Durability::kAtomic);
+  if (!written.ok()) {
+    streams.err << "Warnung: Aufmaßprotokoll " << file
+                << " nicht geschrieben: " << written.ErrorText() << '\n';
+  }
+}
+
+}  // namespace
+
 int RunFormulaSheet(const std::string& file, const std::string& data_dir, bool named,
                     const FormulaOptions& options, Streams& streams) {
   const std::map<std::string, double> variables = ParseVariables(options.variables);
@@ -121,8 +137,11 @@ int RunFormulaSheet(const std::string& file, const std::string& data_dir, bool n
   const auto interpreter = Interpreter(options, catalogue.Source());
   std::vector<formula::TRebLine> lines;
   for (const TSheetLine& sheet_line : sheet_lines) lines.push_back(sheet_line.line);
+  std::string protocol;
   const formula::TRebSheetOutcome outcome =
-      formula::EvaluateRebLines(*interpreter, lines, LookupOf(variables));
+      formula::EvaluateRebLines(*interpreter, lines, LookupOf(variables),
+                                [&](const std::string& line) { protocol += line + "\n"; });
+  if (!options.protocol_file.empty()) WriteProtocol(options.protocol_file, protocol, streams);
   int exit_code = kExitOk;
   std::string json;
   for (size_t i = 0; i < lines.size(); ++i) {
