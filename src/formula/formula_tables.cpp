@@ -2,6 +2,7 @@
 
 #include "formula/catalogue/builtin_reb_formeln.h"
 #include "formula/catalogue/dm_reb_formel.h"
+#include "formula/catalogue/reb_formel_record.h"
 #include "formula/catalogue/tb_reb_formel.h"
 
 namespace korvan::formula {
@@ -12,13 +13,14 @@ constexpr char kStammDbType = 'E';
 
 }  // namespace
 
-// The catalogue's letter is also that of a calculation master table (in DB_KR); dump
-// formats are known by letter alone, so none is registered for it.
 void RegisterFormulaTables(data::TTableRegistry& registry) {
   using Registry = data::TTableRegistry;
   registry.Register(kStammDbType, kRebFormelTableType, Registry::FactoryOf<TTbRebFormel>());
   registry.RegisterInitialRows(kStammDbType, FillBuiltInRebFormelRows);
   registry.RegisterModule("rebformel", Registry::ModuleFactoryOf<TdmRebFormel>());
+  // The letter also stands for a calculation master table, so the format is kept to
+  // DB_Stamm.
+  registry.RegisterDumpFormat(kStammDbType, kRebFormelTableType, kRebFormelLayout);
 }
 
 }  // namespace korvan::formula

@@ -18,8 +18,8 @@ data::TInitialRowsResult FillMasterSurcharges(data::TStdDb& db) {
 
 }  // namespace
 
-// The calculation records are shown field by field only where a dump format is known;
-// their letters repeat those of other databases, so none is registered for them.
+// The letters of the calculation tables repeat those of other databases, so their dump
+// formats (which the currency conversion reads too) are registered per database type.
 void RegisterCalcTables(data::TTableRegistry& registry) {
   using Registry = data::TTableRegistry;
   registry.Register(kKrDbType, kZuTableType, Registry::FactoryOf<TTbZuR>());
@@ -27,6 +27,10 @@ void RegisterCalcTables(data::TTableRegistry& registry) {
   registry.Register(kKrDbType, kBasTableType, Registry::FactoryOf<TTbBASR>());
   registry.Register(kKrDbType, kKaGrTableType, Registry::FactoryOf<TTbKaGrR>());
   registry.RegisterInitialRows(kKrDbType, FillMasterSurcharges);
+  registry.RegisterDumpFormat(kKrDbType, kZuTableType, kKrZULayout);
+  registry.RegisterDumpFormat(kKrDbType, kMLohnTableType, kKrMLOHNLayout);
+  registry.RegisterDumpFormat(kKrDbType, kBasTableType, kKrBAS_729Layout);
+  registry.RegisterDumpFormat(kKrDbType, kKaGrTableType, kKpKAGR_729Layout);
 
   registry.Register(kKpDbType, kZuTableType, Registry::FactoryOf<TTbZuP>());
   registry.Register(kKpDbType, kMLohnTableType, Registry::FactoryOf<TTbMLohnP>());
@@ -37,9 +41,20 @@ void RegisterCalcTables(data::TTableRegistry& registry) {
   registry.Register(kKpDbType, kUPosTableType, Registry::FactoryOf<TTbUPos>());
   registry.Register(kKpDbType, kMatTableType, Registry::FactoryOf<TTbMatP>());
   registry.Register(kKpDbType, kSIdentTableType, Registry::FactoryOf<TTbSIdent>());
+  registry.RegisterDumpFormat(kKpDbType, kZuTableType, kKpZULayout);
+  registry.RegisterDumpFormat(kKpDbType, kMLohnTableType, kKpMLOHNLayout);
+  registry.RegisterDumpFormat(kKpDbType, kBasTableType, kKpBAS_729Layout);
+  registry.RegisterDumpFormat(kKpDbType, kEndsTableType, kKpENDSLayout);
+  registry.RegisterDumpFormat(kKpDbType, kKaGrTableType, kKpKAGR_729Layout);
+  registry.RegisterDumpFormat(kKpDbType, kAUPosTableType, kKpAUPos_729Layout);
+  registry.RegisterDumpFormat(kKpDbType, kUPosTableType, kKpUPosLayout);
+  registry.RegisterDumpFormat(kKpDbType, kMatTableType, kKpMAT_729Layout);
+  registry.RegisterDumpFormat(kKpDbType, kSIdentTableType, kKpSIDENTLayout);
 
   registry.Register(kUpDbType, kUpStrukturTableType, Registry::FactoryOf<TTbUpStruktur>());
   registry.Register(kUpDbType, kUpBgTableType, Registry::FactoryOf<TTbUpBg>());
+  registry.RegisterDumpFormat(kUpDbType, kUpStrukturTableType, kUpStrukturLayout);
+  registry.RegisterDumpFormat(kUpDbType, kUpBgTableType, kUpBg_729Layout);
 }
 
 }  // namespace korvan::calc

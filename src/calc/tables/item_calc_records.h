@@ -93,4 +93,77 @@ static_assert(offsetof(t_UpBg_729, IDLbTlg) == 52);
 static_assert(offsetof(t_UpBg_729, Bez) == 56);
 static_assert(offsetof(t_UpBg_729, Ka) == 112);
 
+// How dumps and the currency conversion see these records.
+inline constexpr data::FieldDescriptor kKpMAT_729Fields[] = {
+    data::HeaderField(),
+    {"KZMD", offsetof(t_KpMAT_729, KZMD), 1, data::FieldType::kChar},
+    {"ID", offsetof(t_KpMAT_729, ID), 4, data::FieldType::kInt32},
+    {"IDLIEF", offsetof(t_KpMAT_729, IDLIEF), 4, data::FieldType::kInt32},
+    {"FAKTOR", offsetof(t_KpMAT_729, FAKTOR), 8, data::FieldType::kDouble},
+    {"KZWMAN", offsetof(t_KpMAT_729, KZWMAN), 1, data::FieldType::kChar},
+    {"WMAN", offsetof(t_KpMAT_729, WMAN), 10, data::FieldType::kWaeBetrag},
+    {"ZU", offsetof(t_KpMAT_729, ZU), 8, data::FieldType::kDouble},
+    {"SORT", offsetof(t_KpMAT_729, SORT), 4, data::FieldType::kInt32},
+};
+inline constexpr data::RecordLayout kKpMAT_729Layout{"t_KpMAT_729", sizeof(t_KpMAT_729),
+                                                     kKpMAT_729Fields};
+static_assert(data::DescribesLayoutExactly(kKpMAT_729Layout));
+
+inline constexpr data::FieldDescriptor kKpSIDENTFields[] = {
+    data::HeaderField(),
+    {"IDBES", offsetof(t_KpSIDENT, IDBES), 4, data::FieldType::kInt32},
+    {"IDUPOS", offsetof(t_KpSIDENT, IDUPOS), 4, data::FieldType::kInt32},
+    {"SME", offsetof(t_KpSIDENT, SME), 2, data::FieldType::kInt16},
+    {"SMI", offsetof(t_KpSIDENT, SMI), 2, data::FieldType::kInt16},
+    {"TYP", offsetof(t_KpSIDENT, TYP), 2, data::FieldType::kInt16},
+    {"APR", offsetof(t_KpSIDENT, APR), 2, data::FieldType::kInt16},
+};
+inline constexpr data::RecordLayout kKpSIDENTLayout{"t_KpSIDENT", sizeof(t_KpSIDENT),
+                                                    kKpSIDENTFields};
+static_assert(data::DescribesLayoutExactly(kKpSIDENTLayout));
+
+inline constexpr data::FieldDescriptor kUpStrukturFields[] = {
+    data::HeaderField(),
+    {"ZuBg", offsetof(t_UpStruktur, ZuBg), 4, data::FieldType::kInt32},
+    {"SzBg", offsetof(t_UpStruktur, SzBg), 4, data::FieldType::kInt32},
+    {"IdBgUPos", offsetof(t_UpStruktur, IdBgUPos), 4, data::FieldType::kInt32},
+    {"KzBgUPos", offsetof(t_UpStruktur, KzBgUPos), 1, data::FieldType::kChar},
+};
+inline constexpr data::RecordLayout kUpStrukturLayout{"t_UpStruktur", sizeof(t_UpStruktur),
+                                                      kUpStrukturFields};
+static_assert(data::DescribesLayoutExactly(kUpStrukturLayout));
+
+inline constexpr data::FieldDescriptor kUpKa_729Fields[] = {
+    {"KzKa", offsetof(t_UpKa_729, KzKa), 1, data::FieldType::kChar},
+    {"Menge", offsetof(t_UpKa_729, Menge), 8, data::FieldType::kDouble},
+    {"Wert", offsetof(t_UpKa_729, Wert), 10, data::FieldType::kWaeBetrag},
+};
+inline constexpr data::RecordLayout kUpKa_729Layout{"t_UpKa_729", sizeof(t_UpKa_729),
+                                                    kUpKa_729Fields};
+static_assert(data::DescribesLayoutExactly(kUpKa_729Layout));
+
+inline constexpr data::FieldDescriptor kUpBg_729Fields[] = {
+    data::HeaderField(),
+    {"ID", offsetof(t_UpBg_729, ID), 4, data::FieldType::kInt32},
+    {"IDLbTlg", offsetof(t_UpBg_729, IDLbTlg), 4, data::FieldType::kInt32},
+    {"Bez", offsetof(t_UpBg_729, Bez), 56, data::FieldType::kShortString},
+    {"Ka1", offsetof(t_UpBg_729, Ka) + 0 * sizeof(t_UpKa_729), sizeof(t_UpKa_729),
+     data::FieldType::kNested, &kUpKa_729Layout},
+    {"Ka2", offsetof(t_UpBg_729, Ka) + 1 * sizeof(t_UpKa_729), sizeof(t_UpKa_729),
+     data::FieldType::kNested, &kUpKa_729Layout},
+    {"Ka3", offsetof(t_UpBg_729, Ka) + 2 * sizeof(t_UpKa_729), sizeof(t_UpKa_729),
+     data::FieldType::kNested, &kUpKa_729Layout},
+    {"Ka4", offsetof(t_UpBg_729, Ka) + 3 * sizeof(t_UpKa_729), sizeof(t_UpKa_729),
+     data::FieldType::kNested, &kUpKa_729Layout},
+    {"Ka5", offsetof(t_UpBg_729, Ka) + 4 * sizeof(t_UpKa_729), sizeof(t_UpKa_729),
+     data::FieldType::kNested, &kUpKa_729Layout},
+    {"Ka6", offsetof(t_UpBg_729, Ka) + 5 * sizeof(t_UpKa_729), sizeof(t_UpKa_729),
+     data::FieldType::kNested, &kUpKa_729Layout},
+    {"Ka7", offsetof(t_UpBg_729, Ka) + 6 * sizeof(t_UpKa_729), sizeof(t_UpKa_729),
+     data::FieldType::kNested, &kUpKa_729Layout},
+};
+inline constexpr data::RecordLayout kUpBg_729Layout{"t_UpBg_729", sizeof(t_UpBg_729),
+                                                    kUpBg_729Fields};
+static_assert(data::DescribesLayoutExactly(kUpBg_729Layout));
+
 }  // namespace korvan::calc

@@ -196,4 +196,121 @@ static_assert(offsetof(t_KpUPos, BEZ) == 70);
 static_assert(offsetof(t_KpUPos, STLBBKAT) == 199);
 static_assert(offsetof(t_KpUPos, STLBBTLG) == 210);
 
+// How dumps and the currency conversion see these records.
+inline constexpr data::FieldDescriptor kKrZUFields[] = {
+    data::HeaderField(),
+    {"KZKALKART", offsetof(t_KrZU, KZKALKART), 1, data::FieldType::kChar},
+    {"KZKA", offsetof(t_KrZU, KZKA), 1, data::FieldType::kChar},
+    {"ZU", offsetof(t_KrZU, ZU), 8, data::FieldType::kDouble},
+};
+inline constexpr data::RecordLayout kKrZULayout{"t_KrZU", sizeof(t_KrZU), kKrZUFields};
+static_assert(data::DescribesLayoutExactly(kKrZULayout));
+
+inline constexpr data::FieldDescriptor kKpZUFields[] = {
+    data::HeaderField(),
+    {"IDLV", offsetof(t_KpZU, IDLV), 4, data::FieldType::kInt32},
+    {"KZKALKART", offsetof(t_KpZU, KZKALKART), 1, data::FieldType::kChar},
+    {"KZKA", offsetof(t_KpZU, KZKA), 1, data::FieldType::kChar},
+    {"ZU", offsetof(t_KpZU, ZU), 8, data::FieldType::kDouble},
+};
+inline constexpr data::RecordLayout kKpZULayout{"t_KpZU", sizeof(t_KpZU), kKpZUFields};
+static_assert(data::DescribesLayoutExactly(kKpZULayout));
+
+inline constexpr data::FieldDescriptor kKrMLOHNFields[] = {
+    data::HeaderField(),
+    {"MLL", offsetof(t_KrMLOHN, MLL), 8, data::FieldType::kDouble},
+    {"MLS", offsetof(t_KrMLOHN, MLS), 8, data::FieldType::kDouble},
+};
+inline constexpr data::RecordLayout kKrMLOHNLayout{"t_KrMLOHN", sizeof(t_KrMLOHN), kKrMLOHNFields};
+static_assert(data::DescribesLayoutExactly(kKrMLOHNLayout));
+
+inline constexpr data::FieldDescriptor kKpMLOHNFields[] = {
+    data::HeaderField(),
+    {"IDLV", offsetof(t_KpMLOHN, IDLV), 4, data::FieldType::kInt32},
+    {"MLL", offsetof(t_KpMLOHN, MLL), 8, data::FieldType::kDouble},
+    {"MLS", offsetof(t_KpMLOHN, MLS), 8, data::FieldType::kDouble},
+};
+inline constexpr data::RecordLayout kKpMLOHNLayout{"t_KpMLOHN", sizeof(t_KpMLOHN), kKpMLOHNFields};
+static_assert(data::DescribesLayoutExactly(kKpMLOHNLayout));
+
+inline constexpr data::FieldDescriptor kKrBAS_729Fields[] = {
+    data::HeaderField(),
+    {"ID", offsetof(t_KrBAS_729, ID), 11, data::FieldType::kShortString},
+    {"BEZ", offsetof(t_KrBAS_729, BEZ), 56, data::FieldType::kShortString},
+    {"MLA", offsetof(t_KrBAS_729, MLA), 10, data::FieldType::kWaeBetrag},
+    {"ZUWG", offsetof(t_KrBAS_729, ZUWG), 8, data::FieldType::kDouble},
+};
+inline constexpr data::RecordLayout kKrBAS_729Layout{"t_KrBAS_729", sizeof(t_KrBAS_729),
+                                                     kKrBAS_729Fields};
+static_assert(data::DescribesLayoutExactly(kKrBAS_729Layout));
+
+inline constexpr data::FieldDescriptor kKpBAS_729Fields[] = {
+    data::HeaderField(),
+    {"ID", offsetof(t_KpBAS_729, ID), 11, data::FieldType::kShortString},
+    {"MLA", offsetof(t_KpBAS_729, MLA), 10, data::FieldType::kWaeBetrag},
+    {"ZUWG", offsetof(t_KpBAS_729, ZUWG), 8, data::FieldType::kDouble},
+};
+inline constexpr data::RecordLayout kKpBAS_729Layout{"t_KpBAS_729", sizeof(t_KpBAS_729),
+                                                     kKpBAS_729Fields};
+static_assert(data::DescribesLayoutExactly(kKpBAS_729Layout));
+
+inline constexpr data::FieldDescriptor kKpENDSFields[] = {
+    data::HeaderField(),
+    {"IDLV", offsetof(t_KpENDS, IDLV), 4, data::FieldType::kInt32},
+    {"UMLPRZMAT", offsetof(t_KpENDS, UMLPRZMAT), 8, data::FieldType::kDouble},
+    {"UMLPRZRSV", offsetof(t_KpENDS, UMLPRZRSV), 8, data::FieldType::kDouble},
+    {"UMLPRZSOKO", offsetof(t_KpENDS, UMLPRZSOKO), 8, data::FieldType::kDouble},
+    {"UMLPRZAVR", offsetof(t_KpENDS, UMLPRZAVR), 8, data::FieldType::kDouble},
+    {"UMLPRZBS", offsetof(t_KpENDS, UMLPRZBS), 8, data::FieldType::kDouble},
+    {"UMLPRZFL", offsetof(t_KpENDS, UMLPRZFL), 8, data::FieldType::kDouble},
+    {"ENDSAGKPRZEL", offsetof(t_KpENDS, ENDSAGKPRZEL), 8, data::FieldType::kDouble},
+    {"ENDSAGKPRZFL", offsetof(t_KpENDS, ENDSAGKPRZFL), 8, data::FieldType::kDouble},
+    {"ENDSWUGPRZEL", offsetof(t_KpENDS, ENDSWUGPRZEL), 8, data::FieldType::kDouble},
+    {"ENDSWUGPRZFL", offsetof(t_KpENDS, ENDSWUGPRZFL), 8, data::FieldType::kDouble},
+    {"UMLLOHN", offsetof(t_KpENDS, UMLLOHN), 8, data::FieldType::kDouble},
+    {"IDUMLLV", offsetof(t_KpENDS, IDUMLLV), 4, data::FieldType::kInt32},
+};
+inline constexpr data::RecordLayout kKpENDSLayout{"t_KpENDS", sizeof(t_KpENDS), kKpENDSFields};
+static_assert(data::DescribesLayoutExactly(kKpENDSLayout));
+
+inline constexpr data::FieldDescriptor kKpKAGR_729Fields[] = {
+    data::HeaderField(),
+    {"KZKA", offsetof(t_KpKAGR_729, KZKA), 1, data::FieldType::kChar},
+    {"ID", offsetof(t_KpKAGR_729, ID), 4, data::FieldType::kInt32},
+    {"MATM", offsetof(t_KpKAGR_729, MATM), 8, data::FieldType::kDouble},
+    {"MATW", offsetof(t_KpKAGR_729, MATW), 10, data::FieldType::kWaeBetrag},
+    {"MATZU", offsetof(t_KpKAGR_729, MATZU), 8, data::FieldType::kDouble},
+    {"ZEITM", offsetof(t_KpKAGR_729, ZEITM), 8, data::FieldType::kDouble},
+    {"RSVW", offsetof(t_KpKAGR_729, RSVW), 10, data::FieldType::kWaeBetrag},
+    {"RSVZU", offsetof(t_KpKAGR_729, RSVZU), 8, data::FieldType::kDouble},
+    {"SOKOW", offsetof(t_KpKAGR_729, SOKOW), 10, data::FieldType::kWaeBetrag},
+    {"SOKOZU", offsetof(t_KpKAGR_729, SOKOZU), 8, data::FieldType::kDouble},
+    {"MLLB", offsetof(t_KpKAGR_729, MLLB), 8, data::FieldType::kDouble},
+    {"MLBA", offsetof(t_KpKAGR_729, MLBA), 8, data::FieldType::kDouble},
+    {"MLAVR", offsetof(t_KpKAGR_729, MLAVR), 10, data::FieldType::kWaeBetrag},
+    {"MLBS", offsetof(t_KpKAGR_729, MLBS), 10, data::FieldType::kWaeBetrag},
+    {"MLTL", offsetof(t_KpKAGR_729, MLTL), 8, data::FieldType::kDouble},
+    {"MLZUAVR", offsetof(t_KpKAGR_729, MLZUAVR), 8, data::FieldType::kDouble},
+    {"MLZUBS", offsetof(t_KpKAGR_729, MLZUBS), 8, data::FieldType::kDouble},
+    {"MLKOMMENTAR", offsetof(t_KpKAGR_729, MLKOMMENTAR), 256, data::FieldType::kShortString},
+    {"KZTYP", offsetof(t_KpKAGR_729, KZTYP), 1, data::FieldType::kChar},
+};
+inline constexpr data::RecordLayout kKpKAGR_729Layout{"t_KpKAGR_729", sizeof(t_KpKAGR_729),
+                                                      kKpKAGR_729Fields};
+static_assert(data::DescribesLayoutExactly(kKpKAGR_729Layout));
+
+inline constexpr data::FieldDescriptor kKpUPosFields[] = {
+    data::HeaderField(),
+    {"IDBES", offsetof(t_KpUPos, IDBES), 4, data::FieldType::kInt32},
+    {"IDUPOS", offsetof(t_KpUPos, IDUPOS), 4, data::FieldType::kInt32},
+    {"KZUPOS", offsetof(t_KpUPos, KZUPOS), 1, data::FieldType::kChar},
+    {"MENGE", offsetof(t_KpUPos, MENGE), 8, data::FieldType::kDouble},
+    {"EINHEIT", offsetof(t_KpUPos, EINHEIT), 5, data::FieldType::kShortString},
+    {"BEZ", offsetof(t_KpUPos, BEZ), 129, data::FieldType::kShortString},
+    {"STLBBKAT", offsetof(t_KpUPos, STLBBKAT), 11, data::FieldType::kShortString},
+    {"STLBBTLG", offsetof(t_KpUPos, STLBBTLG), 4, data::FieldType::kInt32},
+};
+inline constexpr data::RecordLayout kKpUPosLayout{"t_KpUPos", sizeof(t_KpUPos), kKpUPosFields};
+static_assert(data::DescribesLayoutExactly(kKpUPosLayout));
+
 }  // namespace korvan::calc
