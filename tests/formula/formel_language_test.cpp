@@ -313,6 +313,13 @@ TEST(FormelLanguage, LongAndDeepInputAnswersWithoutRecursion) {
   for (int i = 0; i < 50000; ++i) sum += "+1";
   formula.SetFormel(sum + "*2");
   EXPECT_DOUBLE_EQ(formula.GetResult(error), 50002);
+  // Simplify too goes through in one pass (quadratic work would take minutes here).
+  formula.SetFormel(std::string(10000, '(') + "2*3" + std::string(10000, ')'));
+  formula.Simplify();
+  EXPECT_EQ(formula.GetFormel(), "6");
+  formula.SetFormel(sum.substr(0, 20001) + "+B");
+  formula.Simplify();
+  EXPECT_EQ(formula.GetFormel(), "10001+B");
 }
 
 TEST(FormelNumber, PrintsWithADecimalComma) {

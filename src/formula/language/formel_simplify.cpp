@@ -24,11 +24,6 @@ uint8_t Priority(const TFormelItem& item) {
   return PriorityOf(static_cast<TFormelCode>(item.Code));
 }
 
-// Where a part ends: nothing that could take its value follows.
-bool EndsPart(const Items& items, size_t at) {
-  return at >= items.size() || items[at].Code == kClose || items[at].Code == kCodeSeparator;
-}
-
 // The value of items [from, to) evaluated alone, when that gives a value cleanly.
 std::optional<double> ValueOf(const Items& items, size_t from, size_t to, double angle_factor) {
   const TFormelResult result =
@@ -37,100 +32,121 @@ std::optional<double> ValueOf(const Items& items, size_t from, size_t to, double
   return result.value;
 }
 
-void Replace(Items& items, size_t from, size_t to, double value) {
+TFormelItem ValueItem(double value) {
   TFormelItem folded;
   folded.SetDouble(value);
   folded.Text = FormatFormelNumber(value);
-  items.erase(items.begin() + from + 1, items.begin() + to);
-  items[from] = std::move(folded);
+  return folded;
 }
 
-size_t ClosingOf(const Items& items, size_t open) {
-  int depth = 0;
-  for (size_t at = open; at < items.size(); ++at) {
-    if (items[at].Code == kOpen) ++depth;
-    if (items[at].Code == kClose && --depth == 0) return at;
+// Whether the token that follows a value lets a fold end at that value: nothing, ")",
+// ";" or an operator of at most `priority`.
+bool FreeAfter(const TFormelItem* next, uint8_t priority) {
+  if (next == nullptr || next->Code == kClose || next->Code == kCodeSeparator) return true;
+  return next->Klasse == kClassBinary && Priority(*next) <= priority;
+}
+
+// Builds the simplified formula token by token: whatever ends at the token just put
+// out is folded at once, so each token is looked at a bounded number of times.
+class Folder {
+ public:
+  explicit Folder(double angle_factor) : angle_factor_(angle_factor) {}
+
+  void Put(const TFormelItem& item, const TFormelItem* next) {
+    out_.push_back(item);
+    if (item.Code == kOpen) {
+      groups_.push_back({out_.size() - 1, false, false});
+    } else if (item.IsVariable() && !groups_.empty()) {
+      groups_.back().has_variable = true;
+    } else if (item.Code == kClose && !groups_.empty()) {
+      CloseGroup();
+    }
+    FoldAtEnd(next);
   }
-  return items.size();
-}
 
-// A parenthesis without variables, with the function or IF that takes it.
-bool FoldGroup(Items& items, size_t open, double angle_factor) {
-  const size_t close = ClosingOf(items, open);
-  if (close == items.size()) return false;
-  const auto begin = items.begin() + static_cast<std::ptrdiff_t>(open);
-  const auto end = items.begin() + static_cast<std::ptrdiff_t>(close);
-  if (std::any_of(begin, end, [](const TFormelItem& item) { return item.IsVariable(); })) {
-    return false;
-  }
-  const size_t from = open > 0 && IsFunction(items[open - 1]) ? open - 1 : open;
-  const std::optional<double> value = ValueOf(items, from, close + 1, angle_factor);
-  if (!value) return false;
-  Replace(items, from, close + 1, *value);
-  return true;
-}
+  Items Take() { return std::move(out_); }
+  int Folds() const { return folds_; }
 
-// A function applied to a value, "%" after a value, or an infix operator between two
-// values that binds before its neighbours.
-bool FoldOperator(Items& items, size_t at, double angle_factor) {
-  const TFormelItem& item = items[at];
-  const bool value_after = at + 1 < items.size() && items[at + 1].IsValue();
-  const bool value_before = at > 0 && items[at - 1].IsValue();
-  if (item.Klasse == kClassFunction && item.Code != kRoundK && value_after) {
-    if (!EndsPart(items, at + 2) && !(items[at + 2].Klasse == kClassBinary)) return false;
-    const std::optional<double> value = ValueOf(items, at, at + 2, angle_factor);
+ private:
+  struct Group {
+    size_t open;
+    bool has_variable;
+    bool blocked;  // holds a part that cannot be folded
+  };
+
+  const TFormelItem& Back(size_t n) const { return out_[out_.size() - 1 - n]; }
+  bool Has(size_t n) const { return out_.size() > n; }
+
+  bool Fold(size_t from) {
+    const std::optional<double> value = ValueOf(out_, from, out_.size(), angle_factor_);
     if (!value) return false;
-    Replace(items, at, at + 2, *value);
+    out_.resize(from);
+    out_.push_back(ValueItem(*value));
+    ++folds_;
     return true;
   }
-  if (item.Code == kPercent && value_before) {
-    if (at >= 2 && IsFunction(items[at - 2])) return false;
-    const std::optional<double> value = ValueOf(items, at - 1, at + 1, angle_factor);
-    if (!value) return false;
-    Replace(items, at - 1, at + 1, *value);
-    return true;
-  }
-  if (!IsInfix(item) || !value_before || !value_after) return false;
-  const uint8_t priority = Priority(item);
-  if (at >= 2) {
-    const TFormelItem& left = items[at - 2];
-    const bool free = left.Code == kOpen || left.Code == kCodeSeparator ||
-                      (IsInfix(left) && Priority(left) < priority);
-    if (!free) return false;
-  }
-  if (!EndsPart(items, at + 2)) {
-    const TFormelItem& right = items[at + 2];
-    if (right.Klasse != kClassBinary || Priority(right) > priority) return false;
-  }
-  const std::optional<double> value = ValueOf(items, at - 1, at + 2, angle_factor);
-  if (!value) return false;
-  Replace(items, at - 1, at + 2, *value);
-  return true;
-}
 
-int FoldOnce(Items& items, double angle_factor) {
-  int folds = 0;
-  for (size_t at = 0; at < items.size(); ++at) {
-    if (items[at].Code == kOpen && FoldGroup(items, at, angle_factor)) {
-      ++folds;
-    } else if (FoldOperator(items, at, angle_factor)) {
-      ++folds;
-      at = at > 1 ? at - 2 : 0;  // the value may now fold with what stands before it
+  void CloseGroup() {
+    const Group group = groups_.back();
+    groups_.pop_back();
+    bool folded = false;
+    if (!group.has_variable && !group.blocked) {
+      const bool called = group.open > 0 && IsFunction(out_[group.open - 1]);
+      folded = Fold(called ? group.open - 1 : group.open);
+    }
+    if (!groups_.empty()) {
+      groups_.back().has_variable |= group.has_variable;
+      groups_.back().blocked |= !folded && !group.has_variable;
     }
   }
-  return folds;
-}
+
+  void FoldAtEnd(const TFormelItem* next) {
+    for (bool again = true; again;) {
+      again = FoldFunction(next) || FoldPercent() || FoldInfix(next);
+    }
+  }
+
+  bool FoldFunction(const TFormelItem* next) {
+    if (!Has(1) || !Back(0).IsValue()) return false;
+    const TFormelItem& function = Back(1);
+    if (function.Klasse != kClassFunction || function.Code == kRoundK) return false;
+    return FreeAfter(next, 100) && Fold(out_.size() - 2);
+  }
+
+  bool FoldPercent() {
+    if (!Has(1) || Back(0).Code != kPercent || !Back(1).IsValue()) return false;
+    if (Has(2) && IsFunction(Back(2))) return false;
+    return Fold(out_.size() - 2);
+  }
+
+  bool FoldInfix(const TFormelItem* next) {
+    if (!Has(2) || !Back(0).IsValue() || !IsInfix(Back(1)) || !Back(2).IsValue()) return false;
+    const uint8_t priority = Priority(Back(1));
+    if (Has(3)) {
+      const TFormelItem& left = Back(3);
+      const bool free = left.Code == kOpen || left.Code == kCodeSeparator ||
+                        (IsInfix(left) && Priority(left) < priority);
+      if (!free) return false;
+    }
+    return FreeAfter(next, priority) && Fold(out_.size() - 3);
+  }
+
+  double angle_factor_;
+  Items out_;
+  std::vector<Group> groups_;
+  int folds_ = 0;
+};
 
 }  // namespace
 
 int SimplifyFormel(Items& items, double angle_factor) {
   if (CheckFormelSyntax(items) != 0) return 0;
-  int folds = 0;
-  for (int round = FoldOnce(items, angle_factor); round > 0;
-       round = FoldOnce(items, angle_factor)) {
-    folds += round;
+  Folder folder(angle_factor);
+  for (size_t at = 0; at < items.size(); ++at) {
+    folder.Put(items[at], at + 1 < items.size() ? &items[at + 1] : nullptr);
   }
-  return folds;
+  items = folder.Take();
+  return folder.Folds();
 }
 
 }  // namespace korvan::formula
