@@ -20,6 +20,7 @@
 #include "app/commands/calc/calc_item_view.h"
 #include "app/commands/calc/calc_lv.h"
 #include "app/commands/lv/lv_operation.h"
+#include "app/commands/lv/lv_totals_view.h"
 #include "boq/model/lv_pos_list_io.h"
 #include "calc/price/price_columns.h"
 #include "calc/price/quantity_formula.h"
@@ -165,7 +166,6 @@ class CalcRunCommand : public LvOperation {
       t_Lv lv = list.FLv();
       lv.KalkAktuell = 1;
       list.RefreshLvProperties(lv);
-      boq::SaveLvHeader(target.Db(), list);
     });
     double total = 0.0;
     for (const boq::TLvPos& entry : target.List().Entries()) {
@@ -187,16 +187,47 @@ class CalcRunCommand : public LvOperation {
   std::string lv_;
 };
 
+class CalcSumsCommand : public LvOperation {
+ public:
+  std::string Name() const override { return "sums"; }
+  std::string Summary() const override {
+    return "bildet die Summen der Gruppen und des LV neu (Summen), mit Nachlässen und "
+           "Pauschalsummen";
+  }
+  void Define(CLI::App& app) override {
+    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+  }
+  int Run(Streams& streams) override {
+    CalcLv target(data_dir, project, lv_, true);
+    // The saving sums; nothing else is to change.
+    target.Change("Summen", streams.err, [] {});
+    const boq::t_Lv_DB_VERSION_3100& lv = target.List().FLv();
+    const StoredTotals totals = LvTotals(lv);
+    if (json) {
+      streams.out << "{\"lv\": " << lv.FId << ", \"totals\": " << TotalsJson(totals) << "}\n";
+    } else {
+      streams.out << "Summen gebildet; Schätzung " << GermanFigure(totals.estimate, "%.2f")
+                  << TotalsText(totals) << '\n';
+    }
+    return kExitOk;
+  }
+
+ private:
+  std::string lv_;
+};
+
 class CalcCommand : public LvOperationGroup {
  public:
   CalcCommand() {
     operations_.push_back(std::make_unique<CalcItemCommand>());
     operations_.push_back(std::make_unique<CalcSetCommand>());
     operations_.push_back(std::make_unique<CalcRunCommand>());
+    operations_.push_back(std::make_unique<CalcSumsCommand>());
   }
   std::string Name() const override { return "calc"; }
   std::string Summary() const override {
-    return "Kalkulation von Einheitspreisen: anzeigen, Kostenelemente setzen, neu kalkulieren";
+    return "Kalkulation von Einheitspreisen: anzeigen, Kostenelemente setzen, neu kalkulieren, "
+           "Summen bilden";
   }
 };
 

@@ -80,8 +80,7 @@ void CalcLv::Change(const std::string& caption, std::ostream& warnings,
        "die Änderung"},
       warnings, [&] {
         change();
-        calculation_.CalculateAll(list_);
-        boq::SaveLvPosList(db_, project_.TextDb(), list_);
+        project_.SaveWithSums(list_, warnings);
       });
 }
 

@@ -38,7 +38,7 @@ class CalcLv {
   // CommandError unless the LV is calculated with fixed surcharges (method Z).
   void RequireSurchargeMethod() const;
 
-  // Runs `change`, recalculates every entry and saves what changed, as one step of the
+  // Runs `change`, recalculates every entry and the sums and saves what changed, as one step of the
   // journal; a failure takes back what was written.
   void Change(const std::string& caption, std::ostream& warnings,
               const std::function<void()>& change);

@@ -12,6 +12,7 @@
 #include "app/commands/lv/lv_project.h"
 #include "app/program/data_dir.h"
 #include "boq/lv/project_lvs.h"
+#include "boq/model/lv_pos_list_io.h"
 #include "exchange/gaeb_import/gaeb_import.h"
 #include "exchange/gaeb_import/gaeb_import_store.h"
 #include "storage/file/atomic_file.h"
@@ -158,7 +159,11 @@ int GaebImportCommand::Run(Streams& streams) {
       {"es wurde nichts gespeichert",
        "die bis dahin gespeicherten Datensätze konnten nicht zurückgenommen werden",
        "das Einlesen"},
-      streams.err, [&] { id = exchange::StoreImportedLv(db, target.TextDb(), import); });
+      streams.err, [&] {
+        id = exchange::StoreImportedLv(db, target.TextDb(), import);
+        boq::TLVPosList stored = boq::LoadLvPosList(db, target.TextDb(), id);
+        target.SaveWithSums(stored, streams.err);
+      });
   const std::string protocol = WriteProtocol(target, import, streams);
   if (json_) {
     PrintJson(streams.out, import, id, target.Name(), protocol);

@@ -53,9 +53,8 @@ class LvEditOperation : public LvOperation {
         {"es wurde nichts geändert", "die Änderung konnte nicht zurückgenommen werden",
          "die Änderung"},
         streams.err, [&] {
-          boq::SaveLvHeader(db, list);
           SaveLevels(db, list);
-          boq::SaveLvPosList(db, text_db, list);
+          target.SaveWithSums(list, streams.err);
         });
     streams.out << (json ? outcome.json : outcome.text) << '\n';
     return kExitOk;
@@ -204,14 +203,22 @@ class LvSetCommand : public LvEditOperation {
   std::string Name() const override { return "set"; }
   std::string Summary() const override {
     return "ändert Felder eines Eintrags: short=, long-file=, qty=, unit=, up=, oz=, ref= (Bezug "
-           "einer Zuschlagsposition S)";
+           "einer Zuschlagsposition S), discount=, lumpsum= (Gruppe); ohne OZ Nachlass und "
+           "Pauschalsumme des LV";
   }
   void Define(CLI::App& app) override {
     app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
-    app.add_option("oz", oz_, "OZ des Eintrags")->required();
-    app.add_option("assignments", assignments_, "Feld=Wert ...")->required();
+    app.add_option("oz", oz_, "OZ des Eintrags (ohne: das LV selbst)");
+    app.add_option("assignments", assignments_, "Feld=Wert ...");
   }
   int Run(Streams& streams) override {
+    // An OZ has no "=": without one the assignments are the LV's own.
+    if (oz_.find('=') != std::string::npos) {
+      assignments_.insert(assignments_.begin(), oz_);
+      oz_.clear();
+    }
+    if (assignments_.empty()) throw UsageError("Es fehlt Feld=Wert.");
+    std::optional<double> discount, lump_sum;
     EntryValues values;
     std::optional<std::string> new_oz;
     std::optional<std::string> reference;  // the OZ of the surcharge's base, "" for none
@@ -235,13 +242,31 @@ class LvSetCommand : public LvEditOperation {
         new_oz = value;
       } else if (field == "ref") {
         reference = value;
+      } else if (field == "discount") {
+        discount = Percent(value);
+      } else if (field == "lumpsum") {
+        lump_sum = Amount(value);
       } else {
         throw UsageError("Unbekanntes Feld \"" + field +
-                         "\" (short, long-file, qty, up, unit, oz, ref).");
+                         "\" (short, long-file, qty, up, unit, oz, ref, discount, lumpsum).");
       }
+    }
+    if (oz_.empty()) {
+      if (values.short_text || values.long_file || values.qty || values.unit_price || values.unit ||
+          new_oz || reference) {
+        throw UsageError("Ohne OZ ändert \"lv set\" nur das LV selbst: discount=, lumpsum=.");
+      }
+      return SetLvDiscount(streams, discount, lump_sum);
     }
     return RunEdit(streams, "Eintrag ändern", false, [&](boq::TLVPosList& list, LvProject& target) {
       const int index = EntryAt(list, oz_);
+      if ((discount || lump_sum) && !list[index].IsGroup()) {
+        throw UsageError(std::string("Nachlass und Pauschalsumme haben nur Gruppen (B) und das LV, "
+                                     "nicht die Art ") +
+                         list[index].Kind() + ".");
+      }
+      if (discount) list[index].LvBgBeschr.NachlassProz = *discount;
+      if (lump_sum) list[index].LvBg.SummePsch.Betrag = *lump_sum;
       if (reference) SetReference(list, index, *reference);
       boq::TLvPos& entry = list[index];
       Apply(values, entry, target);
@@ -252,6 +277,31 @@ class LvSetCommand : public LvEditOperation {
   }
 
  private:
+  // A discount percent: at most the whole amount.
+  static double Percent(const std::string& value) {
+    const double percent = RequireGermanNumber(value, "Feld discount");
+    if (percent < 0.0 || percent > 100.0)
+      throw UsageError("Der Nachlass \"" + value + "\" liegt nicht zwischen 0 und 100 Prozent.");
+    return percent;
+  }
+  static double Amount(const std::string& value) {
+    const double amount = RequireGermanNumber(value, "Feld lumpsum");
+    if (amount < 0.0) throw UsageError("Die Pauschalsumme \"" + value + "\" ist negativ.");
+    return amount;
+  }
+
+  int SetLvDiscount(Streams& streams, std::optional<double> discount,
+                    std::optional<double> lump_sum) {
+    return RunEdit(streams, "LV-Nachlass ändern", false, [&](boq::TLVPosList& list, LvProject&) {
+      boq::t_Lv_DB_VERSION_3100 lv = list.FLv();
+      if (discount) lv.NachlassProz = *discount;
+      if (lump_sum) lv.SummePsch.Betrag = *lump_sum;
+      list.RefreshLvProperties(lv);
+      return EditOutcome{"LV \"" + lv.Name.Get() + "\" geändert",
+                         "{\"lv\": " + std::to_string(lv.FId) + ", \"changed\": true}"};
+    });
+  }
+
   // ref=OZ makes the entry a surcharge item "S" on the item OZ; ref= drops its reference.
   static void SetReference(boq::TLVPosList& list, int index, const std::string& base) {
     if (base.empty()) {

@@ -36,8 +36,8 @@ void LvItemTarget::Change(const std::string& caption, std::ostream& warnings,
       warnings, [&] {
         change();
         Item().RecalcQuantity(db_, list_.FLv().ForceTeilmengen != 0);
-        // Writes only what differs from the stored records (the item, when anything changed).
-        boq::SaveLvPosList(db_, project_.TextDb(), list_);
+        // Writes only what differs from the stored records: the item and the totals above it.
+        project_.SaveWithSums(list_, warnings);
       });
 }
 

@@ -10,6 +10,7 @@
 #include "boq/lv/project_lvs.h"
 #include "boq/model/lv_pos_list_io.h"
 #include "boq/units/tb_waehrung.h"
+#include "calc/sums/lv_sums_save.h"
 #include "data/db/path_types.h"
 
 namespace korvan::app {
@@ -86,6 +87,18 @@ data::TStdDb& LvProject::CalcMasterDb() {
 
 boq::TValueConverterSettings LvProject::ValueSettings(bool euro) const {
   return euro ? euro_settings_ : national_settings_;
+}
+
+boq::TAvaUiValueConverter LvProject::Converter(const boq::t_Lv_DB_VERSION_3100& lv) const {
+  const bool euro = lv.LVWaehrung == static_cast<uint8_t>(boq::TWaehrungstyp::wtEuro);
+  return boq::TAvaUiValueConverter(boq::TCurrencyList(), ValueSettings(euro));
+}
+
+void LvProject::SaveWithSums(boq::TLVPosList& list, std::ostream& warnings) {
+  const calc::TSumRunResult result =
+      calc::SaveWithSums(Db(true), TextDb(), list, Converter(list.FLv()));
+  if (const std::string warning = calc::SumRunWarning(result); !warning.empty())
+    warnings << warning << '\n';
 }
 
 data::TStdDb& LvProject::Db(bool journal) {

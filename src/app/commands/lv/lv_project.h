@@ -9,6 +9,8 @@
 
 #include "app/commands/lists/journal_step.h"
 #include "app/commands/lists/master_data_session.h"
+#include "boq/lv/lv_record.h"
+#include "boq/model/lv_pos_list.h"
 #include "boq/units/currency_list.h"
 #include "boq/units/unit_list.h"
 #include "boq/units/value_converter.h"
@@ -55,6 +57,12 @@ class LvProject {
   // How the installation rounds amounts; `euro`: the LV is kept in euros (else in the
   // national currency), which chooses the amount decimals.
   boq::TValueConverterSettings ValueSettings(bool euro) const;
+  // The converter that rounds the amounts of `lv` as the installation rounds them.
+  boq::TAvaUiValueConverter Converter(const boq::t_Lv_DB_VERSION_3100& lv) const;
+  // Sums `list` and writes it back (header and changed entries): the one way an LV command
+  // saves, so that every change of a price or quantity updates the totals. A warning of the
+  // sum run goes to `warnings`.
+  void SaveWithSums(boq::TLVPosList& list, std::ostream& warnings);
 
   // The id of the LV that the command line names by id or name; CommandError (in the
   // project's words) when it names none or more than one.

@@ -10,6 +10,7 @@
 #include "app/cli/german_number.h"
 #include "app/cli/json_text.h"
 #include "app/commands/lv/lv_project.h"
+#include "app/commands/lv/lv_totals_view.h"
 #include "app/commands/lv/partial_qty_json.h"
 #include "boq/model/lv_entry_totals.h"
 #include "boq/model/lv_pos_list_io.h"
@@ -43,7 +44,8 @@ void PrintJson(std::ostream& out, const boq::TLVPosList& list,
       << ", \"status\": " << JsonString(StatusText(lv.Status))
       << ", \"mask\": " << JsonString(list.FOzMask().FMask()) << ", \"currency\": "
       << (lv.IdWae == data::kOwnerCurrencyId ? std::string("null") : std::to_string(lv.IdWae))
-      << ", \"total\": " << JsonNumber(total) << "}, \"entries\": [";
+      << ", \"total\": " << JsonNumber(total) << ", \"totals\": " << TotalsJson(LvTotals(lv))
+      << "}, \"entries\": [";
   for (int i = 0; i < list.Count(); ++i) {
     const boq::TLvPos& entry = list[i];
     const boq::TLvEntryFigures& figure = figures[static_cast<std::size_t>(i)];
@@ -55,6 +57,7 @@ void PrintJson(std::ostream& out, const boq::TLVPosList& list,
         << ", \"unit\": " << (entry.Unit.empty() ? "null" : JsonString(entry.Unit))
         << ", \"unit_price\": " << OptionalNumber(figure.unit_price)
         << ", \"total\": " << OptionalNumber(figure.total);
+    if (entry.IsGroup()) out << ", \"totals\": " << TotalsJson(GroupTotals(entry));
     const int32_t id = entry.LvBgBeschr.ID;  // out of the packed record
     const auto own = entry.IsGroup() ? partial_qty.end() : partial_qty.find(id);
     out << ", \"partial_qty\": " << (own == partial_qty.end() ? "[]" : PartialQtyJson(own->second))
@@ -95,6 +98,7 @@ void PrintTree(std::ostream& out, const boq::TLVPosList& list,
     if (!entry.Unit.empty()) out << ' ' << entry.Unit;
     if (figure.unit_price) out << "  EP " << Figure(figure.unit_price, "%.2f");
     if (figure.total) out << "  GP " << Figure(figure.total, "%.2f");
+    if (entry.IsGroup()) out << TotalsText(GroupTotals(entry));
     out << '\n';
     if (long_texts && !entry.LongText.empty()) {
       std::string plain = PlainLongText(entry.LongText);
@@ -106,7 +110,7 @@ void PrintTree(std::ostream& out, const boq::TLVPosList& list,
       }
     }
   }
-  out << "Summe " << Figure(total, "%.2f") << '\n';
+  out << "Summe " << Figure(total, "%.2f") << TotalsText(LvTotals(lv)) << '\n';
 }
 
 }  // namespace
