@@ -1,5 +1,6 @@
 #include "app/program/program_tables.h"
 
+#include "award/award_tables.h"
 #include "boq/boq_tables.h"
 #include "calc/tables/calc_tables.h"
 #include "data/tables/data_tables.h"
@@ -17,6 +18,7 @@ data::TTableRegistry ComposeProgramTables() {
   boq::RegisterBoqTables(registry);
   formula::RegisterFormulaTables(registry);
   calc::RegisterCalcTables(registry);
+  award::RegisterAwardTables(registry);
   exchange::RegisterExchangeTables(registry);
   return registry;
 }

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <array>
+#include <vector>
+
+namespace korvan::award {
+
+// What the bid check (AngebotsCheck) found, per check the lines (LV line indexes).
+struct TBidCheck {
+  std::vector<int> without_price;      // 0 "Positionen ohne Angebotspreis"
+  std::vector<int> without_quantity;   // 1 "Positionen ohne Menge"
+  std::vector<int> other_quantity;     // 2 "Positionen mit vom LV abweichender Menge"
+  std::vector<int> components_differ;  // EP-Anteile <> EP (arithmetic)
+  std::vector<int> total_differs;      // Menge * EP <> GP (arithmetic)
+  bool Found() const {
+    return !without_price.empty() || !without_quantity.empty() || !other_quantity.empty() ||
+           !components_differ.empty() || !total_differs.empty();
+  }
+};
+
+}  // namespace korvan::award

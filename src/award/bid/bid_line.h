@@ -1,0 +1,25 @@
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "award/tables/angebot_record.h"
+
+namespace korvan::award {
+
+// One bid line in memory (TAO): the record, and what the group sums need besides it.
+struct TAO {
+  t_Angebot_DB_VERSION_201501 Angebot{};
+  std::array<double, 6> GPAnteil{};        // group: sums of the components times quantity
+  double GPvorNL = 0.0;                    // group: sum before the group's discount
+  bool Stored = false;                     // a record of the line exists
+  t_Angebot_DB_VERSION_201501 AsStored{};  // the record as read, to write only changes
+};
+
+// One TAO per LV line, index = LV line index.
+using TAngebotList = std::vector<TAO>;
+
+// The sum of a line's six unit-price components.
+double ComponentSum(const t_Angebot_DB_VERSION_201501& line);
+
+}  // namespace korvan::award

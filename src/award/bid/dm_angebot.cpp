@@ -1,0 +1,450 @@
+#include "award/bid/dm_angebot.h"
+
+#include <cmath>
+#include <cstring>
+#include <map>
+
+#include "award/bid/bidder_sums.h"
+#include "award/tables/tb_angebot.h"
+#include "award/tables/tb_bieter.h"
+#include "data/records/null_values.h"
+#include "data/tables/tb_counter.h"
+#include "storage/result_codes.h"
+
+namespace korvan::award {
+namespace {
+
+constexpr double kTolerance = 0.0001;
+constexpr char kBidLineCounterKind = 'L';
+constexpr char kBidLineCounter[] = "Angebot";
+constexpr int kDataModuleId = 5101;
+
+bool IsZero(double value) {
+  return std::fabs(value) < kTolerance;
+}
+
+bool IsSurcharge(const boq::TLvPos& entry) {
+  const char kind = entry.LvBeschr.ZuschArt;
+  return kind == 'A' || kind == 'S' || kind == 'Z';
+}
+
+// Descriptions, notes and texts carry no prices.
+bool IsTextKind(char kind) {
+  return kind == 'A' || kind == 'E' || kind == 'F' || kind == 'H' || kind == 'T' || kind == 'U';
+}
+
+// Group kinds whose sums count in the bid's total.
+bool CountsInTotal(char titelart, bool contingency_in_totals) {
+  if (titelart == 'A') return false;
+  if (titelart == 'E') return contingency_in_totals;
+  return true;
+}
+
+// The part of a record after its header: what a line's values are.
+bool SameValues(const t_Angebot_DB_VERSION_201501& a, const t_Angebot_DB_VERSION_201501& b) {
+  constexpr std::size_t header = sizeof(data::TDbRecordHeader);
+  return std::memcmp(reinterpret_cast<const char*>(&a) + header,
+                     reinterpret_cast<const char*>(&b) + header, sizeof a - header) == 0;
+}
+
+// Whether a line not stored yet holds anything worth a record.
+bool HoldsValues(const t_Angebot_DB_VERSION_201501& line) {
+  if (!IsZero(line.EP.Betrag) || !IsZero(line.GP.Betrag) || !IsZero(line.NachlassProz) ||
+      !IsZero(line.GPPsch.Betrag) || !IsZero(line.DiscountAmt.Betrag) || !IsZero(line.Zeit) ||
+      line.Kennz != kMarkNone) {
+    return true;
+  }
+  for (const data::t_WaeBetrag& part : line.EPAnteil) {
+    if (!IsZero(part.Betrag)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+double ComponentSum(const t_Angebot_DB_VERSION_201501& line) {
+  double sum = 0.0;
+  for (const data::t_WaeBetrag& part : line.EPAnteil) sum += part.Betrag;
+  return sum;
+}
+
+TdmAngebot::TdmAngebot(data::TStdDb& lv_db, const boq::TLVPosList& lv,
+                       const boq::TAvaUiValueConverter& converter, TBidSettings settings)
+    : TSTDdataModule(kDataModuleId, "Angebot"),
+      lv_db_(lv_db),
+      lv_(lv),
+      converter_(converter),
+      rounding_(converter, lv.FLv().EPGenauigkeit),
+      settings_(settings) {
+  lv_.RefreshGroupKinds();
+}
+
+void TdmAngebot::Fail(const std::string& what, int code) const {
+  throw EBidError(lv_db_.BasePath() + "0: " + what + " (Bieter " + std::to_string(bidder_.ID) +
+                  " \"" + bidder_.Bietername.Get() + "\", Fehler " + std::to_string(code) + ")");
+}
+
+void TdmAngebot::Open(const t_Bieter_DB_VERSION_3100& bidder) {
+  bidder_ = bidder;
+  TTbAngebot table(lv_db_);
+  std::map<int32_t, t_Angebot_DB_VERSION_201501> stored;
+  std::vector<t_Angebot_DB_VERSION_201501> read;
+  if (int result = table.LinesOf(bidder.ID, read); result != storage::kOk) {
+    Fail("die Angebotszeilen können nicht gelesen werden", result);
+  }
+  for (const t_Angebot_DB_VERSION_201501& line : read) stored[line.IdLvBgBeschr] = line;
+  table.InitRecord();
+  const t_Angebot_DB_VERSION_201501 fresh = table.Rec();
+  lines_.assign(static_cast<std::size_t>(lv_.Count()), TAO{});
+  for (int i = 0; i < lv_.Count(); ++i) {
+    TAO& line = lines_[static_cast<std::size_t>(i)];
+    const int32_t entry = lv_[i].Struktur.IdBgBeschr;
+    if (auto found = stored.find(entry); found != stored.end()) {
+      line.Angebot = found->second;
+      line.AsStored = found->second;
+      line.Stored = true;
+    } else {
+      line.Angebot = fresh;
+      line.Angebot.IdBieter = bidder.ID;
+      line.Angebot.IdLvBgBeschr = entry;
+    }
+  }
+}
+
+bool TdmAngebot::IsPriced(int line) const {
+  const boq::TLvPos& entry = lv_[line];
+  if (entry.Kind() != 'P' && entry.Kind() != 'L') return false;
+  const boq::t_LvBgBeschr_3000& common = entry.LvBgBeschr;
+  if (common.ZZWahl != 0 || common.KzEntfaellt != 0) return false;
+  return common.Bedarf != 'E' || settings_.contingency_in_totals;
+}
+
+double TdmAngebot::LvBidQuantity(int line) const {
+  const boq::t_LvBeschr2_DB_VERSION_201401& item = lv_[line].LvBeschr;
+  // The LV's bid quantities are its own unless it says otherwise and gives one.
+  if (lv_.FLv().AngebotsmengenGleichLvMengen != 0 || IsZero(item.AngMenge)) return item.FMenge;
+  return item.AngMenge;
+}
+
+double TdmAngebot::SurchargeBase(int line) const {
+  const boq::TLvPos& entry = lv_[line];
+  const int32_t parent = entry.Struktur.ZuBg;
+  auto boundary = [&](int at) { return lv_[at].IsGroup() || lv_[at].Struktur.ZuBg != parent; };
+  auto after_discount = [&](int at) {
+    return lines_[static_cast<std::size_t>(at)].Angebot.GPnachNL.Betrag;
+  };
+  double base = 0.0;
+  switch (entry.LvBeschr.ZuschArt) {
+    case 'A':
+      for (int at = line - 1; at >= 0 && !boundary(at); --at) {
+        if (IsSurcharge(lv_[at])) {
+          if (at == line - 1) continue;  // a surcharge item directly above is stepped over
+          break;
+        }
+        base += after_discount(at);
+      }
+      break;
+    case 'S':
+      for (const boq::TLvPosRef& ref : entry.RefIDs) {
+        if (ref.Type != boq::kQuantityRefType) continue;
+        const int at = lv_.SearchItemIndexByIdLvBgBeschr(ref.Id);
+        if (at >= 0) base += after_discount(at);
+      }
+      break;
+    case 'Z': {
+      int at = line - 1;
+      while (at >= 0 && !boundary(at) && lv_[at].LvBeschr.ZuschArt == 'Z') --at;
+      for (; at >= 0 && !boundary(at) && !IsSurcharge(lv_[at]); --at) {
+        if (lv_[at].LvBeschr.KzZuschl != 0 || lv_[at].Kind() == 'U') base += after_discount(at);
+      }
+      break;
+    }
+    default:
+      break;
+  }
+  return base;
+}
+
+void TdmAngebot::Gesamtpreis(int line) {
+  const boq::TLvPos& entry = lv_[line];
+  t_Angebot_DB_VERSION_201501& a = lines_[static_cast<std::size_t>(line)].Angebot;
+  if (entry.IsGroup()) {
+    a.EP.Betrag = 0.0;
+    a.AMenge = 0.0;
+    return;
+  }
+  const double components = ComponentSum(a);
+  if (!IsZero(components) && entry.Kind() != 'F') a.EP.Betrag = components;
+  a.EP.Betrag = rounding_.RoundUnitPrice(a.EP.Betrag);
+  if (entry.LvBeschr.KzFrMenge == 0) a.AMenge = LvBidQuantity(line);
+  a.GP.Betrag = 0.0;
+  a.GPnachNL.Betrag = 0.0;
+  if (IsTextKind(entry.Kind())) {
+    a.EP.Betrag = 0.0;
+    a.AMenge = 0.0;
+    return;
+  }
+  if (!IsPriced(line)) return;
+  if (IsSurcharge(entry)) {
+    a.GP.Betrag = rounding_.RoundAmount(SurchargeBase(line) / 100.0 * a.EP.Betrag);
+  } else {
+    a.GP.Betrag = rounding_.RoundAmount(a.AMenge * a.EP.Betrag);
+  }
+  a.GPnachNL.Betrag = rounding_.RoundAmount(a.GP.Betrag * (1.0 - a.NachlassProz / 100.0));
+}
+
+void TdmAngebot::BuildGroupSums() {
+  std::map<int32_t, int> group_index;
+  for (int i = 0; i < lv_.Count(); ++i) {
+    if (lv_[i].IsGroup()) group_index[lv_[i].Struktur.IdBgBeschr] = i;
+  }
+  std::vector<std::vector<int>> children(static_cast<std::size_t>(lv_.Count()));
+  angebot_gp_ = 0.0;
+  summe_ = 0.0;
+  total_time_ = 0.0;
+  for (int i = 0; i < lv_.Count(); ++i) {
+    const int32_t parent = lv_[i].Struktur.ZuBg;
+    if (auto found = group_index.find(parent); found != group_index.end()) {
+      children[static_cast<std::size_t>(found->second)].push_back(i);
+    } else if (!lv_[i].IsGroup() && lv_[i].LvBgBeschr.KzEntfaellt == 0) {
+      // Items outside any group (an LV without groups) count in the total themselves.
+      const t_Angebot_DB_VERSION_201501& item = lines_[static_cast<std::size_t>(i)].Angebot;
+      angebot_gp_ += item.GP.Betrag;
+      summe_ += item.GPnachNL.Betrag;
+    }
+  }
+  for (int g = lv_.Count() - 1; g >= 0; --g) {
+    if (!lv_[g].IsGroup()) continue;
+    TAO& group = lines_[static_cast<std::size_t>(g)];
+    t_Angebot_DB_VERSION_201501& sum = group.Angebot;
+    sum.GP.Betrag = 0.0;
+    sum.GPnachNL.Betrag = 0.0;
+    sum.Zeit = 0.0;
+    group.GPAnteil = {};
+    group.GPvorNL = 0.0;
+    for (int c : children[static_cast<std::size_t>(g)]) {
+      const TAO& child = lines_[static_cast<std::size_t>(c)];
+      const t_Angebot_DB_VERSION_201501& line = child.Angebot;
+      const boq::TLvPos& entry = lv_[c];
+      if (entry.IsGroup()) {
+        sum.GP.Betrag += line.GP.Betrag;
+        group.GPvorNL += line.GPnachNL.Betrag;
+        for (std::size_t k = 0; k < 6; ++k) group.GPAnteil[k] += child.GPAnteil[k];
+        sum.Zeit += line.Zeit;
+        continue;
+      }
+      const boq::t_LvBgBeschr_3000& common = entry.LvBgBeschr;
+      if (common.KzEntfaellt != 0) continue;
+      sum.GP.Betrag += line.GP.Betrag;
+      group.GPvorNL += rounding_.RoundAmount(line.GP.Betrag * (1.0 - line.NachlassProz / 100.0));
+      for (std::size_t k = 0; k < 6; ++k) {
+        group.GPAnteil[k] += line.EPAnteil[k].Betrag * entry.LvBeschr.FMenge;
+      }
+      if (common.ZZWahl == 0 && common.Bedarf != 'E') sum.Zeit += line.AMenge * line.Zeit;
+    }
+    sum.GP.Betrag = rounding_.RoundAmount(sum.GP.Betrag);
+    group.GPvorNL = rounding_.RoundAmount(group.GPvorNL);
+    sum.GPExclNachlass.Betrag = group.GPvorNL;
+    sum.GPnachNL.Betrag = group.GPvorNL;
+    if (!IsZero(sum.NachlassProz)) {
+      sum.GPnachNL.Betrag = rounding_.RoundAmount(group.GPvorNL * (1.0 - sum.NachlassProz / 100.0));
+      sum.GPPsch.Betrag = 0.0;
+    } else if (!IsZero(sum.DiscountAmt.Betrag)) {
+      sum.GPnachNL.Betrag = rounding_.RoundAmount(group.GPvorNL - sum.DiscountAmt.Betrag);
+      sum.GPPsch.Betrag = 0.0;
+    } else if (!IsZero(sum.GPPsch.Betrag)) {
+      sum.GPnachNL.Betrag = sum.GPPsch.Betrag;
+    }
+    const boq::TLvPos& entry = lv_[g];
+    if (entry.Struktur.ZuBg == data::kRootParentId &&
+        CountsInTotal(entry.LvBgBeschr.Titelart, settings_.contingency_in_totals)) {
+      angebot_gp_ += sum.GP.Betrag;
+      summe_ += sum.GPnachNL.Betrag;
+      total_time_ += sum.Zeit * 60.0 / 3600.0;
+    }
+  }
+  angebot_gp_ = rounding_.RoundAmount(angebot_gp_);
+  summe_ = rounding_.RoundAmount(summe_);
+}
+
+void TdmAngebot::Recalculate() {
+  for (int i = 0; i < lv_.Count(); ++i) {
+    if (!IsSurcharge(lv_[i])) Gesamtpreis(i);
+  }
+  for (int i = 0; i < lv_.Count(); ++i) {
+    if (IsSurcharge(lv_[i])) Gesamtpreis(i);
+  }
+  BuildGroupSums();
+  WriteBidderSums();
+}
+
+void TdmAngebot::WriteBidderSums() {
+  bidder_.Summe.Betrag = summe_;
+  bidder_.TotalTime = total_time_;
+  ComputeBidderSums(bidder_, rounding_);
+  UpdateStatus();
+}
+
+void TdmAngebot::UpdateStatus() {
+  int priced = 0;
+  int without = 0;
+  for (int i = 0; i < lv_.Count(); ++i) {
+    if (!IsPriced(i)) continue;
+    if (IsZero(lines_[static_cast<std::size_t>(i)].Angebot.EP.Betrag)) {
+      ++without;
+    } else {
+      ++priced;
+    }
+  }
+  bidder_.Status = priced == 0 ? kBidsBlanko : (without > 0 ? kBidsIncomplete : 0);
+}
+
+void TdmAngebot::SetUnitPrice(int line, double price) {
+  t_Angebot_DB_VERSION_201501& a = lines_[static_cast<std::size_t>(line)].Angebot;
+  a.EP.Betrag = price;
+  for (data::t_WaeBetrag& part : a.EPAnteil) part.Betrag = 0.0;
+  if (a.Kennz == kMarkComponents || a.Kennz == kMarkFaulty || a.Kennz == kMarkNotOffered) {
+    a.Kennz = kMarkNone;
+  }
+}
+
+TBidCheck TdmAngebot::AngebotsCheck() const {
+  TBidCheck check;
+  for (int i = 0; i < lv_.Count(); ++i) {
+    if (!IsPriced(i)) continue;
+    const boq::TLvPos& entry = lv_[i];
+    const t_Angebot_DB_VERSION_201501& a = lines_[static_cast<std::size_t>(i)].Angebot;
+    if (IsZero(a.EP.Betrag)) check.without_price.push_back(i);
+    const bool free_quantity = entry.LvBeschr.KzFrMenge != 0;
+    const char surcharge = entry.LvBeschr.ZuschArt;
+    if ((free_quantity && IsZero(a.AMenge)) ||
+        (!free_quantity && (surcharge == ' ' || surcharge == 0 || surcharge == 'B') &&
+         IsZero(LvBidQuantity(i)))) {
+      check.without_quantity.push_back(i);
+    }
+    if (!IsZero(entry.LvBeschr.FMenge - a.AMenge) && !IsSurcharge(entry)) {
+      check.other_quantity.push_back(i);
+    }
+    const double components = ComponentSum(a);
+    if (a.Kennz == kMarkFaulty || a.Kennz == kMarkComponents ||
+        (!IsZero(components) && !IsZero(components - a.EP.Betrag))) {
+      check.components_differ.push_back(i);
+    }
+    if (!IsSurcharge(entry) &&
+        !IsZero(a.GP.Betrag - rounding_.RoundAmount(a.AMenge * a.EP.Betrag))) {
+      check.total_differs.push_back(i);
+    }
+  }
+  return check;
+}
+
+bool TdmAngebot::ConvertLumpSum() {
+  if (IsZero(bidder_.SummePsch.Betrag)) return false;
+  Recalculate();
+  const double net = bidder_.SummeNachNL.Betrag;
+  if (IsZero(net)) return false;
+  const double factor = bidder_.SummePsch.Betrag / net;
+  for (TAO& line : lines_) {
+    t_Angebot_DB_VERSION_201501& a = line.Angebot;
+    a.EP.Betrag = rounding_.RoundUnitPrice(a.EP.Betrag * factor);
+    // Components would give the old price back: they are scaled alike.
+    for (data::t_WaeBetrag& part : a.EPAnteil) {
+      part.Betrag = rounding_.RoundUnitPrice(part.Betrag * factor);
+    }
+  }
+  Recalculate();
+  return true;
+}
+
+bool TdmAngebot::ApplyMarkup(double percent, double amount) {
+  if (IsZero(percent) && IsZero(amount)) return false;
+  double factor = 1.0;
+  if (!IsZero(percent)) {
+    factor = percent / 100.0 + 1.0;
+  } else {
+    Recalculate();
+    const double net = bidder_.SummeNachNL.Betrag;
+    if (!IsZero(net)) factor = (net + amount) / net;
+  }
+  for (TAO& line : lines_) {
+    t_Angebot_DB_VERSION_201501& a = line.Angebot;
+    a.EP.Betrag = rounding_.RoundUnitPrice(a.EP.Betrag * factor);
+    for (data::t_WaeBetrag& part : a.EPAnteil) {
+      part.Betrag = rounding_.RoundUnitPrice(part.Betrag * factor);
+    }
+  }
+  Recalculate();
+  return true;
+}
+
+int TdmAngebot::CopyPricesToLv(boq::TLVPosList& lv) const {
+  const double factor = bidder_.Waehrungsfaktor > 0.0 ? bidder_.Waehrungsfaktor : 1.0;
+  int changed = 0;
+  for (int i = 0; i < lv_.Count(); ++i) {
+    if (!IsPriced(i)) continue;
+    const int target = lv.SearchItemIndexByIdLvBgBeschr(lv_[i].Struktur.IdBgBeschr);
+    if (target < 0) continue;
+    boq::TLvPos& entry = lv[target];
+    const t_Angebot_DB_VERSION_201501& a = lines_[static_cast<std::size_t>(i)].Angebot;
+    boq::t_LvBeschr2_DB_VERSION_201401& item = entry.LvBeschr;
+    const boq::t_LvBeschr2_DB_VERSION_201401 before = item;
+    item.VergabeEP.Betrag = rounding_.RoundUnitPrice(a.EP.Betrag * factor);
+    for (std::size_t k = 0; k < 6; ++k) {
+      item.EPAnteil[k].Betrag = rounding_.RoundUnitPrice(a.EPAnteil[k].Betrag * factor);
+    }
+    item.AbrechnungsEP.Betrag = item.VergabeEP.Betrag;
+    if (item.KzFrMenge != 0 && !IsZero(a.AMenge - item.FMenge)) item.FMenge = a.AMenge;
+    if (std::memcmp(&before, &item, sizeof item) != 0) {
+      entry.LvBgBeschr.IdAngebot = bidder_.ID;
+      ++changed;
+    }
+  }
+  return changed;
+}
+
+void TdmAngebot::Save() {
+  std::vector<TAO*> fresh;
+  for (TAO& line : lines_) {
+    if (!line.Stored && HoldsValues(line.Angebot)) fresh.push_back(&line);
+  }
+  if (!fresh.empty()) {
+    int32_t first = 0;
+    data::TTbCounter counters(lv_db_);
+    if (int result = counters.NextIds(kBidLineCounterKind, kBidLineCounter,
+                                      static_cast<int32_t>(fresh.size()), &first);
+        result != storage::kOk) {
+      Fail("für die Angebotszeilen gibt es keine Nummern", result);
+    }
+    for (TAO* line : fresh) line->Angebot.ID = first++;
+  }
+  TTbAngebot table(lv_db_);
+  for (TAO& line : lines_) {
+    const bool is_new = !line.Stored && line.Angebot.ID != data::kNullId;
+    if (!is_new && !(line.Stored && !SameValues(line.Angebot, line.AsStored))) continue;
+    if (is_new) {
+      table.InitRecord();
+    } else if (!table.Find(line.Angebot.IdBieter, line.Angebot.IdLvBgBeschr)) {
+      Fail("eine Angebotszeile fehlt in der Tabelle", table.LastError());
+    }
+    const data::TDbRecordHeader header = table.Rec().Header;
+    table.Rec() = line.Angebot;
+    table.Rec().Header = header;
+    if (int result = table.UpDateRec(); result != storage::kOk) {
+      Fail("eine Angebotszeile kann nicht geschrieben werden", result);
+    }
+    line.Stored = true;
+    line.Angebot = table.Rec();
+    line.AsStored = line.Angebot;
+  }
+  TTbBieter bidders(lv_db_);
+  if (!bidders.Find(bidder_.ID)) Fail("der Bieter fehlt in der Tabelle", bidders.LastError());
+  const data::TDbRecordHeader header = bidders.Rec().Header;
+  bidders.Rec() = bidder_;
+  bidders.Rec().Header = header;
+  if (int result = bidders.UpDateRec(); result != storage::kOk) {
+    Fail("der Bieter kann nicht geschrieben werden", result);
+  }
+  bidder_ = bidders.Rec();
+}
+
+}  // namespace korvan::award
