@@ -2,6 +2,7 @@
 // commands.
 #include "app/cli/command.h"
 #include "app/commands/admin/admin_commands.h"
+#include "app/commands/bid/bid_commands.h"
 #include "app/commands/calc/calc_commands.h"
 #include "app/commands/currency/currency_commands.h"
 #include "app/commands/db/db_commands.h"
@@ -25,6 +26,7 @@ CommandList AllCommands() {
   AddLvCommands(commands);
   AddVarCommands(commands);
   AddCalcCommands(commands);
+  AddBidCommands(commands);
   AddOzCommands(commands);
   AddTextCommands(commands);
   AddCurrencyCommands(commands);

@@ -174,7 +174,8 @@ void TdmAngebot::Gesamtpreis(int line) {
     return;
   }
   const double components = ComponentSum(a);
-  if (!IsZero(components) && entry.Kind() != 'F') a.EP.Betrag = components;
+  // A line marked faulty keeps the unit price its file gave.
+  if (!IsZero(components) && a.Kennz != kMarkFaulty) a.EP.Betrag = components;
   a.EP.Betrag = rounding_.RoundUnitPrice(a.EP.Betrag);
   if (entry.LvBeschr.KzFrMenge == 0) a.AMenge = LvBidQuantity(line);
   a.GP.Betrag = 0.0;

@@ -23,6 +23,8 @@ struct TGaebExportSource {
   std::optional<t_Gaeb_DB_VERSION_201401> header;
   std::string project_name;   // the project's short name (NamePrj)
   std::string project_label;  // its label (LblPrj), used when the header has none
+  // The items' components (EPAnteil) belong to the bid prices written, not to the estimate.
+  bool components_of_bid = false;
 };
 
 struct TGaebExportResult {

@@ -162,9 +162,11 @@ void AddReference(const TExportContext& context, const TEntryIds& ids, const boq
 }
 
 void AddComponents(const TExportContext& context, const boq::TLvPos& entry, TGaebElement& item) {
-  // The components are those of the calculated (estimated) price.
+  // The components are those of the calculated (estimated) price, or of a bidder's prices.
   const int count = context.Lv().PreisAnteile;
-  if (context.price_kind != TUPKind::upkSchaetz || count < 2 || count > 6) return;
+  const bool ours = context.price_kind == TUPKind::upkSchaetz ||
+                    (context.source.components_of_bid && context.price_kind == TUPKind::upkAngebot);
+  if (!ours || count < 2 || count > 6) return;
   for (int i = 0; i < count; ++i) {
     const double value =
         Rounded(entry.LvBeschr.EPAnteil[static_cast<size_t>(i)].Betrag, context.up_decimals);

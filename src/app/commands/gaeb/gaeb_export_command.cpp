@@ -8,10 +8,12 @@
 #include "app/cli/command_error.h"
 #include "app/cli/json_text.h"
 #include "app/cli/progress_line.h"
+#include "app/commands/bid/bid_lv.h"
 #include "app/commands/gaeb/gaeb_price_option.h"
 #include "app/commands/lv/lv_project.h"
 #include "app/program/data_dir.h"
 #include "exchange/gaeb/gaeb_file_name.h"
+#include "exchange/gaeb_export/gaeb_export_bid.h"
 #include "exchange/gaeb_export/gaeb_export_source.h"
 
 namespace korvan::app {
@@ -29,6 +31,9 @@ void GaebExportCommand::Define(CLI::App& app) {
   app.add_option("--prices", prices_,
                  "Preise: estimate (Schätzpreise), award (Vergabepreise), bid (Angebotspreise), "
                  "billing (Abrechnungspreise); Vorgabe je Phase");
+  app.add_option("--bidder", bidder_,
+                 "das Angebot dieses Bieters (Bieter-Nr., Nummer oder Name) ausgeben; nur "
+                 "Phase 84");
   app.add_option("-o,--output", file_,
                  "Zieldatei (Vorgabe: <Projekt>_<LV>.X8x im aktuellen Ordner)");
   app.add_flag("--short-texts-only", short_texts_only_, "ohne Langtexte (nur Kurztexte)");
@@ -61,6 +66,15 @@ exchange::TGaebExportOptions GaebExportCommand::Options() const {
     }
     options.price_kind = kind;
   }
+  if (!bidder_.empty()) {
+    if (phase_ != exchange::kPhaseBid) {
+      throw UsageError("--bidder: das Angebot eines Bieters wird als Phase 84 ausgegeben");
+    }
+    if (options.price_kind != exchange::TUPKind::upkNONE &&
+        options.price_kind != exchange::TUPKind::upkAngebot) {
+      throw UsageError("--bidder: ausgegeben werden die Angebotspreise des Bieters");
+    }
+  }
   options.long_text = !short_texts_only_;
   options.multiline_short_text = multiline_short_text_;
   options.fill_empty_complements = fill_empty_complements_;
@@ -89,6 +103,12 @@ int GaebExportCommand::Run(Streams& streams) {
   const int32_t id = target.ResolveLv(lv_);
   exchange::TGaebExportSource source = exchange::LoadGaebExportSource(
       db, options.long_text ? target.TextDb() : nullptr, id, target.Name(), options.long_text);
+  if (!bidder_.empty()) {
+    BidLv bid_lv(data_dir_, project_, lv_, false);
+    std::unique_ptr<award::TdmAngebot> bid = bid_lv.Bidders().OpenBid(bid_lv.Bidder(bidder_));
+    bid->Recalculate();
+    exchange::TakeBidIntoExportSource(source, *bid);
+  }
   std::string path = file_;
   if (path.empty()) {
     path = exchange::DefaultGaebFileName(target.Name(), source.lv.FLv().Name.Get()) +

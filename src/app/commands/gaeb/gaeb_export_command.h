@@ -33,6 +33,7 @@ class GaebExportCommand {
   int phase_ = 0;
   std::string version_ = "3.3";
   std::string prices_;
+  std::string bidder_;
   std::string file_;
   bool short_texts_only_ = false;
   bool multiline_short_text_ = false;

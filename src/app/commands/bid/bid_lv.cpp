@@ -1,0 +1,95 @@
+#include "app/commands/bid/bid_lv.h"
+
+#include <ostream>
+
+#include "app/cli/command_error.h"
+#include "app/cli/json_text.h"
+#include "award/bid/bidder_sums.h"
+#include "boq/lv/project_lvs.h"
+#include "boq/model/lv_editing.h"
+#include "boq/model/lv_pos_list_io.h"
+
+namespace korvan::app {
+namespace {
+
+boq::TLVPosList Load(LvProject& project, data::TStdDb& db, const std::string& lv) {
+  try {
+    return boq::LoadLvPosList(db, project.TextDb(), project.ResolveLv(lv));
+  } catch (const boq::EStoredLvError& error) {
+    throw CommandError(error.what());
+  }
+}
+
+}  // namespace
+
+BidLv::BidLv(const std::string& data_dir, const std::string& project, const std::string& lv,
+             bool journal)
+    : project_(data_dir, project),
+      db_(project_.Db(journal)),
+      list_(Load(project_, db_, lv)),
+      name_(list_.FLv().Name.Get()),
+      converter_(boq::TCurrencyList(),
+                 project_.ValueSettings(list_.FLv().LVWaehrung ==
+                                        static_cast<uint8_t>(boq::TWaehrungstyp::wtEuro))),
+      bidders_(std::make_unique<award::TdmBieter>(db_, project_.TextDb(), list_, converter_)) {}
+
+award::t_Bieter_DB_VERSION_3100 BidLv::Bidder(const std::string& number_or_name) {
+  const std::optional<award::t_Bieter_DB_VERSION_3100> bidder =
+      bidders_->FindBidder(number_or_name);
+  if (!bidder) {
+    throw CommandError("LV \"" + name_ + "\": es gibt keinen Bieter \"" + number_or_name +
+                       "\" (Bieter-Nr., Nummer oder Name; \"korvan bidder list\" zeigt sie).");
+  }
+  return *bidder;
+}
+
+int BidLv::IndexOf(const std::string& oz) const {
+  const int index = boq::FindEntryByOz(list_, oz);
+  if (index < 0) {
+    throw CommandError("LV \"" + name_ + "\": es gibt keinen Eintrag mit der OZ \"" + oz + "\".");
+  }
+  return index;
+}
+
+int BidLv::ItemIndexOf(const std::string& oz) const {
+  const int found = IndexOf(oz);
+  const std::string stored(list_[found].Oz());
+  for (int i = 0; i < list_.Count(); ++i) {
+    if ((list_[i].Kind() == 'P' || list_[i].Kind() == 'L') && list_[i].Oz() == stored) return i;
+  }
+  return found;
+}
+
+void BidLv::Change(const std::string& caption, std::ostream& warnings,
+                   const std::function<void()>& change) {
+  RunAsOneStep<award::EBidError, boq::EStoredLvError, CommandError>(
+      project_.Journal(), data::TOperationKind::okEdit, caption + " in LV \"" + name_ + "\"",
+      {"es wurde nichts geändert", "die Änderung konnte nicht zurückgenommen werden",
+       "die Änderung"},
+      warnings, change);
+}
+
+std::string BidderJson(const award::t_Bieter_DB_VERSION_3100& bidder,
+                       const calc::TItemCalculation& rounding, int rank) {
+  award::t_Bieter_DB_VERSION_3100 copy = bidder;
+  const award::TBidderTotals totals = award::ComputeBidderSums(copy, rounding);
+  const float discount = bidder.NachlassProz;
+  const std::string status = award::BidderStatusText(bidder.Status);
+  return "{\"number\": " + std::to_string(bidder.BieterNrIntern) +
+         ", \"id\": " + std::to_string(bidder.ID) +
+         ", \"name\": " + JsonString(bidder.Bietername.Get()) +
+         ", \"checked\": " + JsonNumber(totals.checked) +
+         ", \"discount_percent\": " + JsonNumber(discount) +
+         ", \"discount_amount\": " + JsonNumber(double{bidder.NachlassAbs.Betrag}) +
+         ", \"after_discount\": " + JsonNumber(totals.after_discount) +
+         ", \"lump_sum\": " + JsonNumber(totals.lump_sum) + ", \"net\": " + JsonNumber(totals.net) +
+         ", \"vat_rate\": " +
+         (bidder.USt < 0.0F ? std::string("null") : JsonNumber(totals.vat_rate)) +
+         ", \"vat\": " + JsonNumber(totals.vat) + ", \"gross\": " + JsonNumber(totals.gross) +
+         ", \"cash_discount_percent\": " + JsonNumber(totals.cash_discount_pcnt) +
+         ", \"gross_after_cash_discount\": " + JsonNumber(totals.gross_after_cash_discount) +
+         ", \"status\": " + (status.empty() ? std::string("null") : JsonString(status)) +
+         ", \"rank\": " + (rank == 0 ? std::string("null") : std::to_string(rank)) + "}";
+}
+
+}  // namespace korvan::app

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <string>
+
+#include "app/commands/lv/lv_project.h"
+#include "award/bid/dm_angebot.h"
+#include "award/bid/dm_bieter.h"
+#include "boq/model/lv_pos_list.h"
+#include "boq/units/value_converter.h"
+
+namespace korvan::app {
+
+// An LV loaded for a bid command: its entries, how the installation rounds, and its
+// bidders.
+class BidLv {
+ public:
+  BidLv(const std::string& data_dir, const std::string& project, const std::string& lv,
+        bool journal);
+
+  LvProject& Project() { return project_; }
+  data::TStdDb& Db() { return db_; }
+  const boq::TLVPosList& List() const { return list_; }
+  const std::string& Name() const { return name_; }
+  const boq::TAvaUiValueConverter& Converter() const { return converter_; }
+  award::TdmBieter& Bidders() { return *bidders_; }
+
+  // The bidder named by its number, id or name; CommandError naming the LV when none.
+  award::t_Bieter_DB_VERSION_3100 Bidder(const std::string& number_or_name);
+  // The entry of an OZ; CommandError naming the LV when there is none.
+  int IndexOf(const std::string& oz) const;
+  // The item (P or L) of an OZ, before a sub-description of the same OZ.
+  int ItemIndexOf(const std::string& oz) const;
+
+  // Runs `change` as one step of the journal; a failure takes back what was written.
+  void Change(const std::string& caption, std::ostream& warnings,
+              const std::function<void()>& change);
+
+ private:
+  LvProject project_;
+  data::TStdDb& db_;
+  boq::TLVPosList list_;
+  std::string name_;
+  boq::TAvaUiValueConverter converter_;
+  std::unique_ptr<award::TdmBieter> bidders_;
+};
+
+// The JSON object of a bidder with its sums and rank (0: no prices).
+std::string BidderJson(const award::t_Bieter_DB_VERSION_3100& bidder,
+                       const calc::TItemCalculation& rounding, int rank);
+
+}  // namespace korvan::app
