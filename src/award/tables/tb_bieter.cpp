@@ -91,11 +91,7 @@ int TTbBieter::DeleteRec() {
     TTbAngebot lines(Db());
     if (int result = lines.DeleteAllOf(id); result != storage::kOk) return result;
     if (text_db_ != nullptr) {
-      boq::TLongTextStore texts(*text_db_);
-      if (int result = texts.Delete(id, kBidderTextKind, kBidderTextLanguage);
-          result != storage::kOk) {
-        return result;
-      }
+      if (int result = DeleteBidderTexts(*text_db_, id); result != storage::kOk) return result;
     }
   }
   return TStdTB::DeleteRec();
@@ -141,6 +137,11 @@ int TTbBieter::DeleteAllOfLv(int32_t lv) {
     if (int result = DeleteRec(); result != storage::kOk) return result;
   }
   return storage::kOk;
+}
+
+int DeleteBidderTexts(data::TStdDb& text_db, int32_t bidder) {
+  boq::TLongTextStore texts(text_db);
+  return texts.Delete(bidder, kBidderTextKind, kBidderTextLanguage);
 }
 
 }  // namespace korvan::award

@@ -43,4 +43,7 @@ class TTbBieter : public data::TTypedTB<t_Bieter_DB_VERSION_3100> {
   data::TStdDb* text_db_;
 };
 
+// Deletes the texts of a bidder (its address) from the text database; 0 or a kernel code.
+int DeleteBidderTexts(data::TStdDb& text_db, int32_t bidder);
+
 }  // namespace korvan::award

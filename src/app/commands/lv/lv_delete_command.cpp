@@ -11,6 +11,7 @@
 #include "app/cli/command_error.h"
 #include "app/cli/json_text.h"
 #include "app/commands/lv/lv_project.h"
+#include "award/tables/tb_bieter.h"
 #include "boq/lv/project_lvs.h"
 #include "boq/lv/tb_lv.h"
 #include "boq/model/lv_pos_list_io.h"
@@ -50,6 +51,11 @@ int LvDeleteCommand::Run(Streams& streams) {
     const int32_t description = entry.LvBgBeschr.IDBeschr;
     descriptions.push_back(description);
   }
+  // The bidders go with the LV through its delete cascade; their texts are deleted here.
+  std::vector<int32_t> bidders;
+  for (const award::t_Bieter_DB_VERSION_3100& bidder : award::TTbBieter(db).ListOfLv(lv.id)) {
+    bidders.push_back(bidder.ID);
+  }
   data::TStdDb* calc_db = nullptr;  // a project without a calculation database has nothing there
   try {
     calc_db = &target.CalcDb();
@@ -61,6 +67,15 @@ int LvDeleteCommand::Run(Streams& streams) {
       {"es wurde nichts gelöscht",
        "die bis dahin gelöschten Datensätze konnten nicht zurückgeholt werden", "das Löschen"},
       streams.err, [&] {
+        if (text_db != nullptr) {
+          for (int32_t bidder : bidders) {
+            if (int result = award::DeleteBidderTexts(*text_db, bidder); result != 0) {
+              throw boq::EStoredLvError(text_db->BasePath() +
+                                        "0: die Texte der Bieter können nicht gelöscht werden (" +
+                                        std::to_string(result) + ")");
+            }
+          }
+        }
         boq::DeleteLv(db, lv.id, text_db);
         if (calc_db == nullptr) return;
         if (int result = calc::DeleteLvCalculation(*calc_db, lv.id, descriptions); result != 0) {
