@@ -308,6 +308,14 @@ void CompareStated(TGaebBidImport& result, const award::TdmAngebot& bid) {
   }
 }
 
+// Whether the BoQ name of a file names the LV: equal, or the LV keeps the name cut to
+// the 20 characters its record holds.
+bool SameLvName(const std::string& file_name, const std::string& lv_name) {
+  constexpr std::size_t kLvNameCapacity = 20;
+  if (file_name == lv_name) return true;
+  return lv_name.size() >= kLvNameCapacity && file_name.rfind(lv_name, 0) == 0;
+}
+
 }  // namespace
 
 std::string NormaliseBidOz(std::string_view oz, std::string_view mask) {
@@ -361,14 +369,15 @@ TGaebBidImport ImportGaebBid(std::string_view xml, const std::string& file,
     result.protocol.push_back("Read: No BoQBody (Zeile " + std::to_string(boq->line) + ")");
   }
   const std::string lv_name = bid.Lv().FLv().Name.Get();
-  const bool other_name = !result.boq_name.empty() && result.boq_name != lv_name;
-  if ((other_name || result.boq_name.empty()) && result.items > 0 &&
-      result.matched_items * 2 < result.items) {
+  const bool complete =
+      result.matched_items == result.items && result.matched_sections == result.sections;
+  const bool foreign = result.boq_name.empty() ? result.matched_items * 2 < result.items
+                                               : !SameLvName(result.boq_name, lv_name) && !complete;
+  if (foreign && result.items > 0) {
     result.other_lv = "Die Datei gehört zu einem anderen LV" +
                       (result.boq_name.empty() ? std::string() : " (\"" + result.boq_name + "\")") +
-                      ", nicht zu LV \"" + lv_name + "\": nur " +
-                      std::to_string(result.matched_items) + " von " +
-                      std::to_string(result.items) + " Positionen passen";
+                      ", nicht zu LV \"" + lv_name + "\": " + std::to_string(result.matched_items) +
+                      " von " + std::to_string(result.items) + " Positionen passen";
     return result;
   }
   TakeBidderValues(result, bid.Bidder());
