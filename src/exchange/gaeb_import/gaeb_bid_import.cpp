@@ -85,6 +85,11 @@ class TBidReader {
     return 0;
   }
 
+  static bool IsSurchargeEntry(const boq::TLvPos& entry) {
+    const char kind = entry.LvBeschr.ZuschArt;
+    return kind == 'A' || kind == 'S' || kind == 'Z';
+  }
+
   void Warn(int line, std::string message) {
     result_.findings.push_back({TGaebFindingKind::kWarning, line, std::move(message)});
   }
@@ -208,10 +213,13 @@ class TBidReader {
       a.Kennz = award::kMarkNotOffered;
       return;
     }
-    std::optional<double> price = Decimal(item, markup ? "Markup" : "UP");
+    // A markup item's rate is the price of a surcharge item; an LV that keeps it as a
+    // plain item gets its total as the price, as a lump sum.
+    const bool rate = markup && IsSurchargeEntry(entry);
+    std::optional<double> price = Decimal(item, rate ? "Markup" : "UP");
     const std::optional<double> total = Decimal(item, "IT");
     const std::optional<double> quantity = Decimal(item, "Qty");
-    if (!price && total && !markup && (!quantity || std::fabs(*quantity) < kTolerance)) {
+    if (!price && total && !rate && (!quantity || std::fabs(*quantity) < kTolerance)) {
       price = total;  // a lump sum without quantity: its total is its price
     }
     if (price) {
@@ -238,7 +246,7 @@ class TBidReader {
     if (const std::optional<double> discount = Decimal(item, "DiscountPcnt")) {
       a.NachlassProz = static_cast<float>(*discount);
     }
-    if (total && !markup) stated_totals_[line] = {*total, item.line};
+    if (total) stated_totals_[line] = {*total, item.line};
     int comments = 0;
     for (const TGaebElement& child : item.children) comments += child.name == "BidComm" ? 1 : 0;
     if (comments > 0) {
