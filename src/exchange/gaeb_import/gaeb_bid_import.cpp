@@ -279,7 +279,15 @@ void ReadStatedTotals(const TGaebElement& boq_info, TGaebBidImport& result) {
                    decimal("TotAfterDisc"), decimal("VAT"),          decimal("TotalNet"),
                    decimal("VATAmount"),    decimal("TotalGross")};
   int vat_parts = 0;
-  for (const TGaebElement& child : totals->children) vat_parts += child.name == "VATPart" ? 1 : 0;
+  std::optional<double> part_rate;
+  for (const TGaebElement& child : totals->children) {
+    if (child.name != "VATPart") continue;
+    ++vat_parts;
+    const std::optional<std::string> rate = child.Attribute("VATPcnt");
+    if (rate) part_rate = gaeb_xml::ParseGaebDecimal(*rate);
+  }
+  // A file that gives its one rate only with its part of the total.
+  if (!result.totals.vat_rate && vat_parts == 1) result.totals.vat_rate = part_rate;
   if (vat_parts > 1) {
     result.findings.push_back({TGaebFindingKind::kWarning, totals->line,
                                "Die Datei teilt die Summe auf " + std::to_string(vat_parts) +
