@@ -39,6 +39,7 @@ struct TLvPos {
   std::string Unit;                          // UTF-8 unit symbol (kept in the description)
   int16_t UnitId = data::kNullId16;          // the unit in the unit list; null for a free symbol
   bool UnitChanged = false;                  // Unit is to be written back
+  bool DescriptionWanted = false;            // give it a description even without texts
   std::vector<TLvPosRef> RefIDs;             // the entries this one refers to (lv_references.h)
   int32_t RefCount = 0;                      // how many references of other entries name this one
   TModelChanges Changes;                     // what changed since the list last passed it on

@@ -89,10 +89,12 @@ void WriteIfChanged(data::TStdDb& db, Table& table, bool existed, const Record& 
 
 class ListWriter {
  public:
-  ListWriter(data::TStdDb& lv_db, data::TStdDb* text_db, TLVPosList& list)
+  ListWriter(data::TStdDb& lv_db, data::TStdDb* text_db, TLVPosList& list,
+             const DescriptionRemoved& on_removed)
       : db_(lv_db),
         text_db_(text_db),
         list_(list),
+        on_removed_(on_removed),
         rows_(lv_db),
         groups_(lv_db),
         items_(lv_db),
@@ -225,7 +227,8 @@ class ListWriter {
     if (entry.LvBgBeschr.IDBeschr != kNullId) return false;
     const bool has_texts =
         !entry.ShortText.empty() || (entry.LongTextChanged && !entry.LongText.empty());
-    return (text_db_ != nullptr && has_texts) || (entry.UnitChanged && !entry.Unit.empty());
+    return (text_db_ != nullptr && has_texts) || (entry.UnitChanged && !entry.Unit.empty()) ||
+           entry.DescriptionWanted;
   }
 
   // A new description carries the entry's unit from the start.
@@ -347,6 +350,7 @@ class ListWriter {
       Fail(db_, RowName(row) + " kann nicht gelöscht werden", result, &rows_);
     }
     DeleteVariableLines(row, variables);
+    if (on_removed_ && description != kNullId) on_removed_(description);
     if (text_db_ == nullptr || description == kNullId) return;
     TTbTexte short_texts(*text_db_);
     TTbTextHeader long_texts(*text_db_);
@@ -374,6 +378,7 @@ class ListWriter {
   data::TStdDb& db_;
   data::TStdDb* text_db_;
   TLVPosList& list_;
+  const DescriptionRemoved& on_removed_;
   TTbStruktur rows_;
   TTbLvBg groups_;
   TTbLvBeschr items_;
@@ -549,10 +554,11 @@ TLVPosList LoadLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, int32_t lv_
   return list;
 }
 
-void SaveLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, TLVPosList& list) {
+void SaveLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, TLVPosList& list,
+                   const DescriptionRemoved& on_removed) {
   if (list.FReadOnly())
     Fail(lv_db, "das LV " + std::to_string(list.FLv().FId) + " ist schreibgeschützt");
-  ListWriter(lv_db, text_db, list).Run();
+  ListWriter(lv_db, text_db, list, on_removed).Run();
 }
 
 void SaveLvHeader(data::TStdDb& lv_db, const TLVPosList& list) {

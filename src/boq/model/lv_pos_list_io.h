@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include "boq/model/lv_pos_list.h"
 #include "data/tables/std_db.h"
@@ -23,7 +24,12 @@ TLVPosList LoadLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, int32_t lv_
 // with texts get a description; rows of the LV no longer in the list are deleted with their records
 // and texts. Only records that differ from the stored ones are written, so a step's journal holds
 // just the change. The list's ids are filled in.
-void SaveLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, TLVPosList& list);
+// What layers above keep per description of an entry in databases of their own (the
+// calculation's cost elements) is not reachable from here: `on_removed` is called with the
+// description of every deleted entry and throws EStoredLvError when it cannot delete that.
+using DescriptionRemoved = std::function<void(int32_t description)>;
+void SaveLvPosList(data::TStdDb& lv_db, data::TStdDb* text_db, TLVPosList& list,
+                   const DescriptionRemoved& on_removed = {});
 
 // Writes the LV header of the list (mask, numbering settings) back.
 void SaveLvHeader(data::TStdDb& lv_db, const TLVPosList& list);

@@ -5,10 +5,11 @@
 namespace korvan::calc {
 
 TSumRunResult SaveWithSums(data::TStdDb& lv_db, data::TStdDb* text_db, boq::TLVPosList& list,
-                           const boq::TAvaUiValueConverter& converter) {
+                           const boq::TAvaUiValueConverter& converter,
+                           const boq::DescriptionRemoved& on_removed) {
   const TSumRunResult result = TBoqCtgyCalcSum(list, converter).Calculate();
   boq::SaveLvHeader(lv_db, list);
-  boq::SaveLvPosList(lv_db, text_db, list);
+  boq::SaveLvPosList(lv_db, text_db, list, on_removed);
   return result;
 }
 

@@ -8,13 +8,19 @@
 
 namespace korvan::calc {
 
+int DeleteItemCalculation(data::TStdDb& project, int32_t description) {
+  TTbAUPos lines(project);
+  if (int result = lines.DeleteAllOf(description); result != storage::kOk) return result;
+  TTbUPos sub_items(project);
+  return sub_items.DeleteAllOf(description);
+}
+
 int DeleteLvCalculation(data::TStdDb& project, int32_t lv,
                         const std::vector<int32_t>& descriptions) {
-  TTbAUPos lines(project);
-  TTbUPos sub_items(project);
   for (int32_t description : descriptions) {
-    if (int result = lines.DeleteAllOf(description); result != storage::kOk) return result;
-    if (int result = sub_items.DeleteAllOf(description); result != storage::kOk) return result;
+    if (int result = DeleteItemCalculation(project, description); result != storage::kOk) {
+      return result;
+    }
   }
   TTbZuP surcharges(project);
   if (int result = surcharges.DeleteAllOf(lv); result != storage::kOk) return result;

@@ -11,6 +11,7 @@
 #include "boq/model/lv_pos_list_io.h"
 #include "boq/units/tb_waehrung.h"
 #include "calc/sums/lv_sums_save.h"
+#include "calc/tables/lv_calc_delete.h"
 #include "data/db/path_types.h"
 
 namespace korvan::app {
@@ -95,8 +96,24 @@ boq::TAvaUiValueConverter LvProject::Converter(const boq::t_Lv_DB_VERSION_3100& 
 }
 
 void LvProject::SaveWithSums(boq::TLVPosList& list, std::ostream& warnings) {
+  // A removed entry's cost elements go with it, in the same step; a project without a
+  // calculation database has none.
+  const auto remove_costs = [this](int32_t description) {
+    data::TStdDb* calc_db = nullptr;
+    try {
+      calc_db = &CalcDb();
+    } catch (const CommandError&) {
+      return;
+    }
+    if (int result = calc::DeleteItemCalculation(*calc_db, description); result != 0) {
+      throw boq::EStoredLvError(calc_db->BasePath() +
+                                "0: die Kostenansätze eines entfernten Eintrags können nicht "
+                                "gelöscht werden (" +
+                                std::to_string(result) + ")");
+    }
+  };
   const calc::TSumRunResult result =
-      calc::SaveWithSums(Db(true), TextDb(), list, Converter(list.FLv()));
+      calc::SaveWithSums(Db(true), TextDb(), list, Converter(list.FLv()), remove_costs);
   if (const std::string warning = calc::SumRunWarning(result); !warning.empty())
     warnings << warning << '\n';
 }
