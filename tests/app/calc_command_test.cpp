@@ -100,6 +100,55 @@ TEST_F(CalcCommands, PriceOperationsAreOneUndoStepEach) {
   Korvan({"check"}, 0, {"0 Problem(e)"});
 }
 
+TEST_F(CalcCommands, RemovingAnItemTakesItsCostElementsInTheSameStep) {
+  for (const char* oz : {"1", "2"}) {
+    Korvan({"lv", "add", "Kalkulation", "P"});
+    Korvan({"calc", "set", "Kalkulation", oz, "M=10", "F=5"});
+  }
+  const std::string lines = (base_ / "PROJEKTE/Beispiel/DB_KP.QK").string();
+  const auto stored_lines = [&] {
+    const std::string dump = testing::ExpectKorvan({"db", "dump", lines, "--table", "A"}, 0).out;
+    std::size_t count = 0;
+    for (std::size_t at = dump.find("KZKOART:"); at != std::string::npos;
+         at = dump.find("KZKOART:", at + 1)) {
+      ++count;
+    }
+    return count;
+  };
+  EXPECT_EQ(stored_lines(), 4u);
+  Korvan({"lv", "remove", "Kalkulation", "1"});
+  EXPECT_EQ(stored_lines(), 2u);
+  EXPECT_EQ(Item("1")["cost_elements"].Items().size(), 2u);  // the second, numbered anew
+  Korvan({"undo"});
+  EXPECT_EQ(stored_lines(), 4u);
+}
+
+// The worked example of the end sum through the program: material 1000, wage 2000 and
+// subcontracts 500 of direct costs, site overheads 300 from the allocation LV, the
+// default percentages of the method.
+TEST_F(CalcCommands, TheEndSumMethodAllocatesTheOverheadsOntoTheItems) {
+  Korvan({"lv", "add", "Kalkulation", "P", "--qty", "10"});
+  Korvan({"calc", "set", "Kalkulation", "1", "M=100", "Z=200", "F=50"});
+  Korvan({"lv", "new", "Baustelle"});
+  Korvan({"lv", "add", "Baustelle", "P", "--qty", "1", "--up", "300"});
+  Korvan({"prices", "copy", "Baustelle", "--from", "schaetz", "--to", "angebot"});
+  Korvan({"calc", "endsum", "Kalkulation", "set", "verfahren=E", "umlage-lv=Baustelle"}, 0,
+         {"BGK (Umlage-LV \"Baustelle\"): 300,00", "Gesamtumlage: 762,00",
+          "Angebotssumme: 4262,00", "Umlage auf Lohn: 687,00"});
+  // The wage takes what is left: 200 × (1 + 687 / 2000) = 268,70 per unit.
+  const testing::JsonValue run =
+      testing::ParseJson(Korvan({"calc", "run", "Kalkulation", "--json"}).out);
+  EXPECT_EQ(run["bid_total"].Number(), 4262);
+  Korvan({"calc", "endsum", "Kalkulation", "set", "target=5000"});
+  const auto ends = [&] {
+    return testing::ParseJson(Korvan({"calc", "endsum", "Kalkulation", "--json"}).out);
+  };
+  EXPECT_EQ(ends()["angebotssumme"].Number(), 5000);
+  Korvan({"undo"});
+  EXPECT_EQ(ends()["angebotssumme"].Number(), 4262);
+  Korvan({"calc", "endsum", "Kalkulation", "set", "lohn=3"}, 2, {"keine Einstellung"});
+}
+
 TEST_F(CalcCommands, RefusalsSayWhy) {
   Korvan({"lv", "add", "Kalkulation", "P"});
   Korvan({"calc", "set", "Kalkulation", "1", "X=3"}, 2, {"keine Kostenart"});

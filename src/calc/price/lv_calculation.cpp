@@ -109,6 +109,7 @@ TItemCosts TLvCalculation::CostsOf(int32_t id_beschr) {
       per_unit = sub_items.Rec().MENGE;
     }
     costs.direct[static_cast<int>(*type)] += line.FMMAN * line.FWMAN.Betrag * per_unit;
+    if (*type == TResultIndex::kLohn) costs.wage_hours += line.ZEITMMAN * per_unit;
   }
   for (int i = 0; i < kResultCostTypes; ++i) {
     costs.price[i] = costs.direct[i] * (1.0 + costs.surcharge[i] / 100.0);

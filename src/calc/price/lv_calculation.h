@@ -38,6 +38,7 @@ struct TItemCosts {
   TCostAmounts price{};      // direct cost with its surcharge
   double direct_total = 0.0;
   double price_total = 0.0;
+  double wage_hours = 0.0;  // of the time lines
   bool HasElements() const;
 };
 
@@ -53,6 +54,8 @@ class TLvCalculation {
   // The surcharge percentages of method Z per cost type; the wage's is derived from the
   // average wage (0 while the project has no work key with a wage).
   const TCostAmounts& Surcharges() const { return surcharges_; }
+  // Prices the items with other surcharges from now on (those of the end-sum method).
+  void UseSurcharges(const TCostAmounts& percentages) { surcharges_ = percentages; }
 
   // The cost elements of an item description and what they give.
   TItemCosts CostsOf(int32_t id_beschr);

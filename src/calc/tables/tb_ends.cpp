@@ -40,6 +40,13 @@ std::string TTbEndsP::CurrentRecordToString() const {
 
 int TTbEndsP::InitTable(int32_t lv, TTbZuR& master) {
   if (ExistsRec(KeyNumber(lv), '1')) return storage::kOk;
+  const t_KpENDS defaults = DefaultsFor(lv, master);
+  InitRecord();
+  std::memcpy(CurrentRecord().data(), &defaults, sizeof defaults);
+  return UpDateRec();
+}
+
+t_KpENDS TTbEndsP::DefaultsFor(int32_t lv, TTbZuR& master) {
   // Written by offset: the fields of a packed record are not aligned for a double.
   const std::pair<char, std::size_t> fields[] = {
       {'M', offsetof(t_KpENDS, UMLPRZMAT)},    {'R', offsetof(t_KpENDS, UMLPRZRSV)},
@@ -50,17 +57,26 @@ int TTbEndsP::InitTable(int32_t lv, TTbZuR& master) {
       {'P', offsetof(t_KpENDS, UMLLOHN)},
   };
   InitRecord();
-  Rec().IDLV = lv;
+  t_KpENDS record = Rec();
+  record.IDLV = lv;
   for (const auto& [code, offset] : fields) {
     const double percent = master.Find(kKalkArtEndsumme, code).value_or(0.0);
-    std::memcpy(CurrentRecord().data() + offset, &percent, sizeof percent);
+    std::memcpy(reinterpret_cast<char*>(&record) + offset, &percent, sizeof percent);
   }
-  return UpDateRec();
+  return record;
 }
 
 std::optional<t_KpENDS> TTbEndsP::Get(int32_t lv) {
   if (!GetKey(KeyNumber(lv), '1')) return std::nullopt;
   return Rec();
+}
+
+int TTbEndsP::Put(const t_KpENDS& values) {
+  if (!GetKey(KeyNumber(values.IDLV), '1')) return storage::kKeyNoMatch;
+  const data::TDbRecordHeader header = Rec().Header;
+  Rec() = values;
+  Rec().Header = header;
+  return UpDateRec();
 }
 
 int TTbEndsP::DeleteAllOf(int32_t lv) {

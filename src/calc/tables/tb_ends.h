@@ -25,7 +25,11 @@ class TTbEndsP : public data::TTypedTB<t_KpENDS> {
   // Creates the LV's record unless it has one, its percentages from the master rows of
   // kind E (M, R, S, G, B, F, K, L, N, O, P; a missing row gives 0); 0 or the code.
   int InitTable(int32_t lv, TTbZuR& master);
+  // The record InitTable would create, without writing it.
+  t_KpENDS DefaultsFor(int32_t lv, TTbZuR& master);
   std::optional<t_KpENDS> Get(int32_t lv);
+  // Writes the LV's record (which must exist) with the values of `values`; 0 or the code.
+  int Put(const t_KpENDS& values);
   int DeleteAllOf(int32_t lv);
 };
 

@@ -17,6 +17,7 @@
 #include "app/cli/german_number.h"
 #include "app/cli/json_text.h"
 #include "app/cli/progress_line.h"
+#include "app/commands/calc/calc_endsum_command.h"
 #include "app/commands/calc/calc_item_view.h"
 #include "app/commands/calc/calc_lv.h"
 #include "app/commands/lv/lv_operation.h"
@@ -24,6 +25,7 @@
 #include "boq/model/lv_pos_list_io.h"
 #include "calc/price/price_columns.h"
 #include "calc/price/quantity_formula.h"
+#include "data/records/null_values.h"
 
 namespace korvan::app {
 namespace {
@@ -46,6 +48,7 @@ class CalcItemCommand : public LvOperation {
   int Run(Streams& streams) override {
     CalcLv target(data_dir, project, lv_, false);
     boq::TLvPos& item = target.List()[target.IndexOf(oz_)];
+    target.ApplyMethod(false);
     const calc::TItemCosts costs = target.Costs(false).CostsOf(item.LvBgBeschr.IDBeschr);
     PrintItemCalculation(streams.out, target.List().FLv().FId, item, costs, json);
     return kExitOk;
@@ -108,7 +111,6 @@ class CalcSetCommand : public LvOperation {
     std::vector<CostAssignment> parsed;
     for (const std::string& text : assignments_) parsed.push_back(ParseAssignment(text));
     CalcLv target(data_dir, project, lv_, true);
-    target.RequireSurchargeMethod();
     const int index = target.IndexOf(oz_);
     boq::TLvPos& item = target.List()[index];
     if (!item.IsQuantityItem()) {
@@ -121,6 +123,12 @@ class CalcSetCommand : public LvOperation {
       values.push_back(ValueOf(assignment.value, variables));
     }
     target.Change("Kalkulation von " + oz_ + " setzen", streams.err, [&] {
+      // Cost elements are kept per description: an item without texts gets one first, so
+      // that it does not share them with the other items that have none.
+      if (item.LvBgBeschr.IDBeschr == data::kNullId) {
+        item.DescriptionWanted = true;
+        boq::SaveLvPosList(target.Db(), target.Project().TextDb(), target.List());
+      }
       calc::TLvCalculation& costs = target.Costs(true);
       for (std::size_t i = 0; i < parsed.size(); ++i) {
         if (parsed[i].type) {
@@ -129,6 +137,7 @@ class CalcSetCommand : public LvOperation {
           item.LvBeschr.FMenge = target.Converter().RoundQtyValue(values[i], 3);
         }
       }
+      target.ApplyMethod(true);
       costs.UpdateCalculatedPrice(item, target.Calculation());
     });
     const calc::TItemCosts costs = target.Costs(false).CostsOf(item.LvBgBeschr.IDBeschr);
@@ -152,10 +161,10 @@ class CalcRunCommand : public LvOperation {
   }
   int Run(Streams& streams) override {
     CalcLv target(data_dir, project, lv_, true);
-    target.RequireSurchargeMethod();
     int calculated = 0;
     target.Change("Kalkulierte EP aktualisieren", streams.err, [&] {
       calc::TLvCalculation& costs = target.Costs(true);
+      target.ApplyMethod(true);
       ProgressLine progress(streams.err);
       boq::TLVPosList& list = target.List();
       for (int i = 0; i < list.Count(); ++i) {
@@ -223,11 +232,12 @@ class CalcCommand : public LvOperationGroup {
     operations_.push_back(std::make_unique<CalcSetCommand>());
     operations_.push_back(std::make_unique<CalcRunCommand>());
     operations_.push_back(std::make_unique<CalcSumsCommand>());
+    operations_.push_back(MakeCalcEndsumCommand());
   }
   std::string Name() const override { return "calc"; }
   std::string Summary() const override {
     return "Kalkulation von Einheitspreisen: anzeigen, Kostenelemente setzen, neu kalkulieren, "
-           "Summen bilden";
+           "Summen bilden, Endsumme";
   }
 };
 

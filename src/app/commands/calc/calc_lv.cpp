@@ -5,9 +5,14 @@
 #include "boq/lv/project_lvs.h"
 #include "boq/model/lv_editing.h"
 #include "boq/model/lv_pos_list_io.h"
+#include "calc/endsum/ends_tree.h"
+#include "calc/tables/tb_ends.h"
+#include "data/records/null_values.h"
 
 namespace korvan::app {
 namespace {
+
+using calc::t_KpENDS;
 
 boq::TLVPosList Load(LvProject& project, data::TStdDb& db, const std::string& lv) {
   try {
@@ -62,12 +67,45 @@ std::vector<int> CalcLv::Selection(const std::vector<std::string>& ozs) const {
   return selected;
 }
 
-void CalcLv::RequireSurchargeMethod() const {
-  if (list_.FLv().KalkVerfahren == 'E') {
-    throw CommandError("LV \"" + list_.FLv().Name.Get() +
-                       "\" wird über die Endsumme kalkuliert; diese Kalkulation ist noch nicht "
-                       "möglich (nur Kalkulation mit vorberechneten Zuschlägen)");
+calc::TEndsumme CalcLv::EndSum(bool copy_settings, int32_t group) {
+  calc::TLvCalculation& costs = Costs(copy_settings);
+  const int32_t lv = list_.FLv().FId;
+  calc::TTbEndsP settings(project_.CalcDb());
+  calc::TTbZuR master(project_.CalcMasterDb());
+  const t_KpENDS record = settings.Get(lv).value_or(settings.DefaultsFor(lv, master));
+  calc::TEndsumme ends(record, converter_);
+  const std::unique_ptr<calc::TEndsNode> tree = calc::BuildEndsTree(list_, costs, converter_);
+  if (!ends.ValidateBg(*tree, group)) {
+    throw CommandError("LV \"" + list_.FLv().Name.Get() + "\": die Gruppe hat keine Endsumme.");
   }
+  allocation_lv_name_.clear();
+  if (record.IDUMLLV != data::kNullId) ends.SetBgk(AllocationLvTotal(record.IDUMLLV));
+  ends.Validate();
+  return ends;
+}
+
+double CalcLv::AllocationLvTotal(int32_t id) {
+  boq::TLVPosList allocation;
+  try {
+    allocation = boq::LoadLvPosList(db_, nullptr, id);
+  } catch (const boq::EStoredLvError& error) {
+    throw CommandError("Das Umlage-LV " + std::to_string(id) + " der Endsumme fehlt (" +
+                       error.what() + ").");
+  }
+  allocation_lv_name_ = allocation.FLv().Name.Get();
+  const calc::TItemCalculation calculation(converter_, allocation.FLv().EPGenauigkeit);
+  calculation.CalculateAll(allocation);
+  double total = 0.0;
+  for (const boq::TLvPos& entry : allocation.Entries()) {
+    if (!entry.IsGroup()) total += entry.LvBgBeschr.AngebotsGP.Betrag;
+  }
+  return calculation.RoundAmount(total);
+}
+
+void CalcLv::ApplyMethod(bool copy_settings) {
+  if (list_.FLv().KalkVerfahren != calc::kKalkArtEndsumme) return;
+  const calc::TEndsumme ends = EndSum(copy_settings, data::kNullId);
+  Costs(copy_settings).UseSurcharges(calc::EndSumSurcharges(ends));
 }
 
 void CalcLv::Change(const std::string& caption, std::ostream& warnings,

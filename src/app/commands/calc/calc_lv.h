@@ -10,6 +10,7 @@
 #include "app/commands/lv/lv_project.h"
 #include "boq/model/lv_pos_list.h"
 #include "boq/units/value_converter.h"
+#include "calc/endsum/endsumme.h"
 #include "calc/price/item_calculation.h"
 #include "calc/price/lv_calculation.h"
 
@@ -35,8 +36,16 @@ class CalcLv {
   int IndexOf(const std::string& oz) const;
   // The entries the command acts on: the items of the OZs named, or every item.
   std::vector<int> Selection(const std::vector<std::string>& ozs) const;
-  // CommandError unless the LV is calculated with fixed surcharges (method Z).
-  void RequireSurchargeMethod() const;
+  // The calculation over the end sum of the LV, or of one of its groups (the group's
+  // entry id; kNullId: the LV), from its settings (the master's until the LV has its own;
+  // with `copy_settings` it gets them). The site overheads are the bid total of the
+  // allocation LV the settings name.
+  calc::TEndsumme EndSum(bool copy_settings, int32_t group);
+  // The name of the allocation LV of the settings, empty when there is none.
+  const std::string& AllocationLvName() const { return allocation_lv_name_; }
+  // Prices the items by the LV's method: for the end-sum method (E) with the surcharges
+  // its end sum gives; the fixed surcharges of method Z are already in place.
+  void ApplyMethod(bool copy_settings);
 
   // Runs `change`, recalculates every entry and the sums and saves what changed, as one step of the
   // journal; a failure takes back what was written.
@@ -44,12 +53,15 @@ class CalcLv {
               const std::function<void()>& change);
 
  private:
+  double AllocationLvTotal(int32_t id);
+
   LvProject project_;
   data::TStdDb& db_;
   boq::TLVPosList list_;
   boq::TAvaUiValueConverter converter_;
   calc::TItemCalculation calculation_;
   std::unique_ptr<calc::TLvCalculation> costs_;
+  std::string allocation_lv_name_;
 };
 
 }  // namespace korvan::app
