@@ -128,13 +128,14 @@ TEST_F(CalcCommands, RemovingAnItemTakesItsCostElementsInTheSameStep) {
 // default percentages of the method.
 TEST_F(CalcCommands, TheEndSumMethodAllocatesTheOverheadsOntoTheItems) {
   Korvan({"lv", "add", "Kalkulation", "P", "--qty", "10"});
-  Korvan({"calc", "set", "Kalkulation", "1", "M=100", "Z=200", "F=50"});
+  Korvan({"calc", "set", "Kalkulation", "1", "M=100", "Z=200", "F=50", "stunden=2"});
   Korvan({"lv", "new", "Baustelle"});
   Korvan({"lv", "add", "Baustelle", "P", "--qty", "1", "--up", "300"});
   Korvan({"prices", "copy", "Baustelle", "--from", "schaetz", "--to", "angebot"});
   Korvan({"calc", "endsum", "Kalkulation", "set", "verfahren=E", "umlage-lv=Baustelle"}, 0,
          {"BGK (Umlage-LV \"Baustelle\"): 300,00", "Gesamtumlage: 762,00",
-          "Angebotssumme: 4262,00", "Umlage auf Lohn: 687,00"});
+          "Angebotssumme: 4262,00",
+          "Umlage auf Lohn: 687,00 (20,000 Lohnstunden, je Stunde 34,35)"});
   // The wage takes what is left: 200 × (1 + 687 / 2000) = 268,70 per unit.
   const testing::JsonValue run =
       testing::ParseJson(Korvan({"calc", "run", "Kalkulation", "--json"}).out);

@@ -119,16 +119,21 @@ TItemCosts TLvCalculation::CostsOf(int32_t id_beschr) {
   return costs;
 }
 
-void TLvCalculation::SetCostElement(int32_t id_beschr, TResultIndex type, double amount) {
-  const std::string failed = "Das Kostenelement kann nicht gespeichert werden";
+std::string TLvCalculation::DirectSubItem(int32_t id_beschr) {
   TTbUPos sub_items(project_);
-  const std::string sub_item_key = data::KeyNumber(id_beschr) + data::KeyNumber(kDirectSubItem);
-  if (!sub_items.GetKey(sub_item_key, '1')) {
+  const std::string key = data::KeyNumber(id_beschr) + data::KeyNumber(kDirectSubItem);
+  if (!sub_items.GetKey(key, '1')) {
     sub_items.InitRecord();
     sub_items.Rec().IDBES = id_beschr;
     sub_items.Rec().IDUPOS = kDirectSubItem;
-    Require(sub_items.UpDateRec(), failed);
+    Require(sub_items.UpDateRec(), "Das Kostenelement kann nicht gespeichert werden");
   }
+  return key;
+}
+
+void TLvCalculation::SetCostElement(int32_t id_beschr, TResultIndex type, double amount) {
+  const std::string failed = "Das Kostenelement kann nicht gespeichert werden";
+  const std::string sub_item_key = DirectSubItem(id_beschr);
   const char kind = LineKindOf(type);
   const std::string line_key = sub_item_key + std::string(1, kind);
   if (lines_.GetKey(line_key, '1')) {
@@ -148,6 +153,27 @@ void TLvCalculation::SetCostElement(int32_t id_beschr, TResultIndex type, double
   line.FMMAN = 1.0;
   line.FWMAN.Betrag = amount;
   line.BEZMAN.Set(std::string(CostTypeName(type)));
+  Require(lines_.UpDateRec(), failed);
+}
+
+void TLvCalculation::SetWageHours(int32_t id_beschr, double hours) {
+  const std::string failed = "Die Lohnstunden können nicht gespeichert werden";
+  const char kind = LineKindOf(TResultIndex::kLohn);
+  const std::string line_key = DirectSubItem(id_beschr) + std::string(1, kind);
+  if (!lines_.GetKey(line_key, '1')) {
+    if (hours == 0.0) return;
+    lines_.InitRecord();
+    lines_.Rec().IDBES = id_beschr;
+    lines_.Rec().IDUPOS = kDirectSubItem;
+    lines_.Rec().KZKOART = kind;
+    lines_.Rec().FMMAN = 1.0;
+    lines_.Rec().BEZMAN.Set(std::string(CostTypeName(TResultIndex::kLohn)));
+  } else if (hours == 0.0 && lines_.Rec().FWMAN.Betrag == 0.0) {
+    Require(lines_.DeleteRec(), failed);
+    return;
+  }
+  lines_.Rec().KZLOHNMENGE = 'A';  // the hours are entered by hand
+  lines_.Rec().ZEITMMAN = hours;
   Require(lines_.UpDateRec(), failed);
 }
 

@@ -62,6 +62,10 @@ class TLvCalculation {
   // Sets the direct cost per unit of one cost type of an item description (0 removes
   // it); ECalcError when it cannot be written.
   void SetCostElement(int32_t id_beschr, TResultIndex type, double amount);
+  // Sets the wage hours per unit of an item description on its wage line (made with no
+  // amount when there is none; 0 hours and no wage removes it); ECalcError when it cannot
+  // be written.
+  void SetWageHours(int32_t id_beschr, double hours);
 
   // Sets one item's direct cost and calculated unit price from its cost elements; false,
   // and the item unchanged, when it has none (a fixed price) or is no item.
@@ -76,6 +80,9 @@ class TLvCalculation {
  private:
   void CopySettings();
   void LoadSurcharges();
+  // The key of the sub-item that carries the cost elements entered per unit, made when
+  // missing.
+  std::string DirectSubItem(int32_t id_beschr);
 
   data::TStdDb& project_;
   data::TStdDb& master_;

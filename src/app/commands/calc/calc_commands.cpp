@@ -34,6 +34,8 @@ using calc::TPriceColumn;
 
 // The word of the quantity in `calc set`: its value is a formula of the item.
 constexpr const char* kQuantityWord = "menge";
+// The word of the wage hours per unit in `calc set`.
+constexpr const char* kHoursWord = "stunden";
 
 class CalcItemCommand : public LvOperation {
  public:
@@ -60,8 +62,9 @@ class CalcItemCommand : public LvOperation {
 
 // One KOSTENART=BETRAG of `calc set`.
 struct CostAssignment {
-  std::optional<calc::TResultIndex> type;  // none: the quantity
+  std::optional<calc::TResultIndex> type;  // none: the quantity or the hours
   std::string value;
+  bool hours = false;
 };
 
 CostAssignment ParseAssignment(const std::string& text) {
@@ -73,13 +76,18 @@ CostAssignment ParseAssignment(const std::string& text) {
   for (char& c : key) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   CostAssignment assignment{std::nullopt, text.substr(equals + 1)};
   if (key == kQuantityWord) return assignment;
+  if (key == kHoursWord) {
+    assignment.hours = true;
+    return assignment;
+  }
   assignment.type = key.size() == 1 ? calc::ResultIndexOfLineKind(static_cast<char>(
                                           std::toupper(static_cast<unsigned char>(key[0]))))
                                     : std::nullopt;
   if (!assignment.type) {
     throw UsageError("\"" + text.substr(0, equals) +
                      "\" ist keine Kostenart (M Material, Z Lohn, R RSV, G Gerät, "
-                     "B Betriebsstoffe, S Sonstige Kosten, F Fremdleistungen, oder menge).");
+                     "B Betriebsstoffe, S Sonstige Kosten, F Fremdleistungen, oder menge, "
+                     "stunden).");
   }
   return assignment;
 }
@@ -104,7 +112,8 @@ class CalcSetCommand : public LvOperation {
     app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
     app.add_option("oz", oz_, "die Position (OZ)")->required();
     app.add_option("assignments", assignments_,
-                   "KOSTENART=BETRAG (M, Z, R, G, B, S, F; Zahl oder Formel) oder menge=FORMEL")
+                   "KOSTENART=BETRAG (M, Z, R, G, B, S, F; Zahl oder Formel), menge=FORMEL "
+                   "oder stunden=LOHNSTUNDEN je Einheit")
         ->required();
   }
   int Run(Streams& streams) override {
@@ -133,6 +142,8 @@ class CalcSetCommand : public LvOperation {
       for (std::size_t i = 0; i < parsed.size(); ++i) {
         if (parsed[i].type) {
           costs.SetCostElement(item.LvBgBeschr.IDBeschr, *parsed[i].type, values[i]);
+        } else if (parsed[i].hours) {
+          costs.SetWageHours(item.LvBgBeschr.IDBeschr, values[i]);
         } else {
           item.LvBeschr.FMenge = target.Converter().RoundQtyValue(values[i], 3);
         }

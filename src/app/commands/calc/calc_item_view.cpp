@@ -57,7 +57,8 @@ void PrintJson(std::ostream& out, int32_t lv, boq::TLvPos& item, const calc::TIt
     first = false;
   }
   out << "], \"direct_total\": " << JsonNumber(costs.direct_total)
-      << ", \"price_total\": " << JsonNumber(costs.price_total) << ", \"unit_prices\": {";
+      << ", \"price_total\": " << JsonNumber(costs.price_total)
+      << ", \"wage_hours\": " << JsonNumber(costs.wage_hours) << ", \"unit_prices\": {";
   first = true;
   for (TPriceColumn column : kColumns) {
     out << (first ? "" : ", ") << JsonString(std::string(calc::PriceColumnName(column))) << ": "
@@ -94,6 +95,9 @@ void PrintItemCalculation(std::ostream& out, int32_t lv, boq::TLvPos& item,
           << Price(costs.price[i]) << '\n';
     }
     out << "  Summe  " << Price(costs.direct_total) << "  " << Price(costs.price_total) << '\n';
+    if (costs.wage_hours != 0.0) {
+      out << "  Lohnstunden je Einheit  " << GermanFigure(costs.wage_hours, "%.3f") << '\n';
+    }
   } else {
     out << "keine Kostenelemente\n";
   }
