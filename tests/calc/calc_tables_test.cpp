@@ -6,7 +6,9 @@
 #include "calc/model/cost_types.h"
 #include "calc/price/lv_calculation.h"
 #include "calc/tables/calc_table_types.h"
+#include "calc/tables/lv_calc_delete.h"
 #include "calc/tables/tb_ends.h"
+#include "calc/tables/tb_ltext.h"
 #include "calc/tables/tb_mittellohn.h"
 #include "calc/tables/tb_zuschlag.h"
 #include "data/tables/std_db.h"
@@ -92,6 +94,23 @@ TEST_F(CalcTablesTest, TheAverageWageOfAnLvComesFromTheMasterRow) {
   ASSERT_EQ(master.UpDateRec(), 0);
   ASSERT_EQ(project.InitTable(3, master), 0);
   EXPECT_EQ(double{project.Get(3)->MLS}, 80.0);
+}
+
+TEST_F(CalcTablesTest, SubItemLongTextsKeepTheirLinesInOrderAndGoWithTheItem) {
+  TTbLText texts(*project_);
+  const std::vector<std::string> lines{
+      "Erste Zeile", "", std::string(300, 'x'), "Zeile 4", "5", "6", "7", "8", "9", "Zeile 10"};
+  ASSERT_EQ(texts.ReplaceLines(30, 1, {"alt", "alt"}), 0);
+  ASSERT_EQ(texts.ReplaceLines(30, 1, lines), 0);
+  ASSERT_EQ(texts.ReplaceLines(30, 2, {"zweite"}), 0);
+  ASSERT_EQ(texts.ReplaceLines(31, 1, {"andere Position"}), 0);
+  EXPECT_EQ(texts.LinesOf(30, 1), lines);
+  EXPECT_EQ(texts.LinesOf(30, 2), std::vector<std::string>{"zweite"});
+
+  ASSERT_EQ(DeleteItemCalculation(*project_, 30), 0);
+  EXPECT_TRUE(texts.LinesOf(30, 1).empty());
+  EXPECT_TRUE(texts.LinesOf(30, 2).empty());
+  EXPECT_EQ(texts.LinesOf(31, 1), std::vector<std::string>{"andere Position"});
 }
 
 TEST_F(CalcTablesTest, CostElementsGiveDirectCostsAndPricesWithTheSurcharges) {

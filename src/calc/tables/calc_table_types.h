@@ -19,6 +19,7 @@ inline constexpr char kKaGrTableType = 'Y';    // cost-type group values
 inline constexpr char kUPosTableType = 'U';    // sub-items of items
 inline constexpr char kMatTableType = 'M';     // materials of approach lines
 inline constexpr char kSIdentTableType = 'I';  // standard-text identifiers of sub-items
+inline constexpr char kLTextTableType = 'L';   // long-text lines of sub-items
 
 // The sub-item catalogue (DB_UP, type "S", of the installation).
 inline constexpr char kUpDbType = 'S';

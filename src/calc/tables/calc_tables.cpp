@@ -5,6 +5,7 @@
 #include "calc/tables/tb_ends.h"
 #include "calc/tables/tb_item_calc.h"
 #include "calc/tables/tb_kagr.h"
+#include "calc/tables/tb_ltext.h"
 #include "calc/tables/tb_mittellohn.h"
 #include "calc/tables/tb_zuschlag.h"
 
@@ -50,6 +51,8 @@ void RegisterCalcTables(data::TTableRegistry& registry) {
   registry.RegisterDumpFormat(kKpDbType, kUPosTableType, kKpUPosLayout);
   registry.RegisterDumpFormat(kKpDbType, kMatTableType, kKpMAT_729Layout);
   registry.RegisterDumpFormat(kKpDbType, kSIdentTableType, kKpSIDENTLayout);
+  registry.Register(kKpDbType, kLTextTableType, Registry::FactoryOf<TTbLText>());
+  registry.RegisterDumpFormat(kKpDbType, kLTextTableType, kKpLTEXTLayout);
 
   registry.Register(kUpDbType, kUpStrukturTableType, Registry::FactoryOf<TTbUpStruktur>());
   registry.Register(kUpDbType, kUpBgTableType, Registry::FactoryOf<TTbUpBg>());

@@ -37,6 +37,17 @@ struct t_KpSIDENT {
   int16_t APR;
 };
 
+// One line of a sub-item's long text. The text's LENTEXT bytes follow the fixed part in the
+// same record; TEXT is the place the text's reference had in memory and is stored as zeros.
+struct t_KpLTEXT {
+  data::TDbRecordHeader Header;
+  int32_t IDBES;
+  int32_t IDUPOS;
+  int32_t IDZEILE;  // from 1
+  int32_t LENTEXT;  // bytes of text after the fixed part
+  uint8_t TEXT[8];
+};
+
 // The tree of the sub-item catalogue: groups and sub-items in order.
 struct t_UpStruktur {
   data::TDbRecordHeader Header;
@@ -80,6 +91,13 @@ static_assert(offsetof(t_KpSIDENT, IDUPOS) == 52);
 static_assert(offsetof(t_KpSIDENT, SME) == 56);
 static_assert(offsetof(t_KpSIDENT, APR) == 62);
 
+static_assert(sizeof(t_KpLTEXT) == 72);
+static_assert(offsetof(t_KpLTEXT, IDBES) == 48);
+static_assert(offsetof(t_KpLTEXT, IDUPOS) == 52);
+static_assert(offsetof(t_KpLTEXT, IDZEILE) == 56);
+static_assert(offsetof(t_KpLTEXT, LENTEXT) == 60);
+static_assert(offsetof(t_KpLTEXT, TEXT) == 64);
+
 static_assert(sizeof(t_UpStruktur) == 61);
 static_assert(offsetof(t_UpStruktur, ZuBg) == 48);
 static_assert(offsetof(t_UpStruktur, SzBg) == 52);
@@ -121,6 +139,18 @@ inline constexpr data::FieldDescriptor kKpSIDENTFields[] = {
 inline constexpr data::RecordLayout kKpSIDENTLayout{"t_KpSIDENT", sizeof(t_KpSIDENT),
                                                     kKpSIDENTFields};
 static_assert(data::DescribesLayoutExactly(kKpSIDENTLayout));
+
+// The fixed part only; the dump names the number of text bytes after it.
+inline constexpr data::FieldDescriptor kKpLTEXTFields[] = {
+    data::HeaderField(),
+    {"IDBES", offsetof(t_KpLTEXT, IDBES), 4, data::FieldType::kInt32},
+    {"IDUPOS", offsetof(t_KpLTEXT, IDUPOS), 4, data::FieldType::kInt32},
+    {"IDZEILE", offsetof(t_KpLTEXT, IDZEILE), 4, data::FieldType::kInt32},
+    {"LENTEXT", offsetof(t_KpLTEXT, LENTEXT), 4, data::FieldType::kInt32},
+    {"TEXT", offsetof(t_KpLTEXT, TEXT), 8, data::FieldType::kBytes},
+};
+inline constexpr data::RecordLayout kKpLTEXTLayout{"t_KpLTEXT", sizeof(t_KpLTEXT), kKpLTEXTFields};
+static_assert(data::DescribesLayoutExactly(kKpLTEXTLayout));
 
 inline constexpr data::FieldDescriptor kUpStrukturFields[] = {
     data::HeaderField(),

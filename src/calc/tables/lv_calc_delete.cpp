@@ -2,6 +2,7 @@
 
 #include "calc/tables/tb_aupos.h"
 #include "calc/tables/tb_ends.h"
+#include "calc/tables/tb_ltext.h"
 #include "calc/tables/tb_mittellohn.h"
 #include "calc/tables/tb_zuschlag.h"
 #include "storage/result_codes.h"
@@ -11,6 +12,8 @@ namespace korvan::calc {
 int DeleteItemCalculation(data::TStdDb& project, int32_t description) {
   TTbAUPos lines(project);
   if (int result = lines.DeleteAllOf(description); result != storage::kOk) return result;
+  TTbLText long_texts(project);
+  if (int result = long_texts.DeleteAllOf(description); result != storage::kOk) return result;
   TTbUPos sub_items(project);
   return sub_items.DeleteAllOf(description);
 }
