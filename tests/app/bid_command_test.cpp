@@ -63,5 +63,33 @@ TEST_F(BidCommand, ExportedBidComesBackAndAForeignFileIsRefused) {
   Korvan({"check"}, 0, {"0 Problem(e)"});
 }
 
+// A discount, a lump sum, their conversion into unit prices and the prices taken into the
+// LV's award or estimate column.
+TEST_F(BidCommand, DiscountLumpSumConversionAndCopyIntoTheLv) {
+  Korvan({"bid", "set", "Rohbau", "1", "01.01.0001", "up=10"});
+  Korvan({"bid", "set", "Rohbau", "1", "01.01.0002", "up=1"});
+  Korvan({"bid", "discount", "Rohbau", "1", "percent=10", "--json"}, 0,
+         {"\"checked\": 1280,", "\"after_discount\": 1152,"});
+  Korvan({"bid", "discount", "Rohbau", "1", "amount=80"}, 0,
+         {"Summe ./. NL 1200,00", "Netto 1200,00"});
+  Korvan({"bid", "discount", "Rohbau", "1", "amount=0"});
+  Korvan({"bid", "lumpsum", "Rohbau", "1", "640"}, 0, {"Geprüft 1280,00", "Netto 640,00"});
+  Korvan({"bid", "convert", "Rohbau", "1", "lumpsum"});
+  Korvan({"bid", "lumpsum", "Rohbau", "1", "0"}, 0, {"Pauschalsumme entfernt", "Netto 640,00"});
+  Korvan({"bid", "convert", "Rohbau", "1", "markup", "percent=10"}, 0, {"Geprüft 704,00"});
+  Korvan({"undo"});
+  Korvan({"bid", "show", "Rohbau", "1"}, 0, {"EP 5,00", "EP 0,50", "Geprüft 640,00"});
+  Korvan({"bid", "convert", "Rohbau", "1", "markup", "amount=64"}, 0, {"Geprüft 704,00"});
+  Korvan({"bid", "convert", "Rohbau", "1", "lumpsum"}, 1, {"keine Pauschalsumme"});
+  Korvan({"bid", "convert", "Rohbau", "1", "markup"}, 2, {"percent=PROZENT"});
+  Korvan({"bid", "discount", "Rohbau", "1", "3"}, 2, {"percent=PROZENT oder amount=BETRAG"});
+  Korvan({"bid", "copy", "Rohbau", "1"}, 0, {"2 Positionen", "Vergabepreise"});
+  Korvan({"lv", "show", "Rohbau", "--json"}, 0, {"\"estimate\": 2299.2,", "\"award\": 704,"});
+  Korvan({"bid", "copy", "Rohbau", "1", "--to", "estimate", "--json"}, 0, {"\"changed\": 2"});
+  Korvan({"lv", "show", "Rohbau", "--json"}, 0, {"\"estimate\": 704,"});
+  Korvan({"undo"});
+  Korvan({"lv", "show", "Rohbau", "--json"}, 0, {"\"estimate\": 2299.2,"});
+}
+
 }  // namespace
 }  // namespace korvan::app

@@ -60,6 +60,22 @@ bool HoldsValues(const t_Angebot_DB_VERSION_201501& line) {
   return false;
 }
 
+// Every line's EP and components times `factor`; components would give the old price back
+// otherwise. An item's total stated without quantity is scaled alike.
+void ScalePrices(TAngebotList& lines, const boq::TLVPosList& lv,
+                 const calc::TItemCalculation& rounding, double factor) {
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    t_Angebot_DB_VERSION_201501& a = lines[i].Angebot;
+    a.EP.Betrag = rounding.RoundUnitPrice(a.EP.Betrag * factor);
+    for (data::t_WaeBetrag& part : a.EPAnteil) {
+      part.Betrag = rounding.RoundUnitPrice(part.Betrag * factor);
+    }
+    if (!lv[static_cast<int>(i)].IsGroup()) {
+      a.GPPsch.Betrag = rounding.RoundAmount(a.GPPsch.Betrag * factor);
+    }
+  }
+}
+
 }  // namespace
 
 double ComponentSum(const t_Angebot_DB_VERSION_201501& line) {
@@ -188,6 +204,9 @@ void TdmAngebot::Gesamtpreis(int line) {
   if (!IsPriced(line)) return;
   if (IsSurcharge(entry)) {
     a.GP.Betrag = rounding_.RoundAmount(SurchargeBase(line) / 100.0 * a.EP.Betrag);
+  } else if (IsZero(a.AMenge) && !IsZero(a.GPPsch.Betrag)) {
+    // An item without quantity whose bid states its total: that total is its price.
+    a.GP.Betrag = a.GPPsch.Betrag;
   } else {
     a.GP.Betrag = rounding_.RoundAmount(a.AMenge * a.EP.Betrag);
   }
@@ -303,6 +322,7 @@ void TdmAngebot::UpdateStatus() {
 void TdmAngebot::SetUnitPrice(int line, double price) {
   t_Angebot_DB_VERSION_201501& a = lines_[static_cast<std::size_t>(line)].Angebot;
   a.EP.Betrag = price;
+  a.GPPsch.Betrag = 0.0;  // a typed price replaces a total stated without quantity
   for (data::t_WaeBetrag& part : a.EPAnteil) part.Betrag = 0.0;
   if (a.Kennz == kMarkComponents || a.Kennz == kMarkFaulty || a.Kennz == kMarkNotOffered) {
     a.Kennz = kMarkNone;
@@ -345,14 +365,7 @@ bool TdmAngebot::ConvertLumpSum() {
   const double net = bidder_.SummeNachNL.Betrag;
   if (IsZero(net)) return false;
   const double factor = bidder_.SummePsch.Betrag / net;
-  for (TAO& line : lines_) {
-    t_Angebot_DB_VERSION_201501& a = line.Angebot;
-    a.EP.Betrag = rounding_.RoundUnitPrice(a.EP.Betrag * factor);
-    // Components would give the old price back: they are scaled alike.
-    for (data::t_WaeBetrag& part : a.EPAnteil) {
-      part.Betrag = rounding_.RoundUnitPrice(part.Betrag * factor);
-    }
-  }
+  ScalePrices(lines_, lv_, rounding_, factor);
   Recalculate();
   return true;
 }
@@ -367,18 +380,12 @@ bool TdmAngebot::ApplyMarkup(double percent, double amount) {
     const double net = bidder_.SummeNachNL.Betrag;
     if (!IsZero(net)) factor = (net + amount) / net;
   }
-  for (TAO& line : lines_) {
-    t_Angebot_DB_VERSION_201501& a = line.Angebot;
-    a.EP.Betrag = rounding_.RoundUnitPrice(a.EP.Betrag * factor);
-    for (data::t_WaeBetrag& part : a.EPAnteil) {
-      part.Betrag = rounding_.RoundUnitPrice(part.Betrag * factor);
-    }
-  }
+  ScalePrices(lines_, lv_, rounding_, factor);
   Recalculate();
   return true;
 }
 
-int TdmAngebot::CopyPricesToLv(boq::TLVPosList& lv) const {
+int TdmAngebot::CopyPricesToLv(boq::TLVPosList& lv, TBidPriceTarget to) const {
   const double factor = bidder_.Waehrungsfaktor > 0.0 ? bidder_.Waehrungsfaktor : 1.0;
   int changed = 0;
   for (int i = 0; i < lv_.Count(); ++i) {
@@ -389,14 +396,18 @@ int TdmAngebot::CopyPricesToLv(boq::TLVPosList& lv) const {
     const t_Angebot_DB_VERSION_201501& a = lines_[static_cast<std::size_t>(i)].Angebot;
     boq::t_LvBeschr2_DB_VERSION_201401& item = entry.LvBeschr;
     const boq::t_LvBeschr2_DB_VERSION_201401 before = item;
-    item.VergabeEP.Betrag = rounding_.RoundUnitPrice(a.EP.Betrag * factor);
-    for (std::size_t k = 0; k < 6; ++k) {
-      item.EPAnteil[k].Betrag = rounding_.RoundUnitPrice(a.EPAnteil[k].Betrag * factor);
+    if (to == TBidPriceTarget::kEstimate) {
+      item.SchaetzEP.Betrag = rounding_.RoundUnitPrice(a.EP.Betrag * factor);
+    } else {
+      item.VergabeEP.Betrag = rounding_.RoundUnitPrice(a.EP.Betrag * factor);
+      for (std::size_t k = 0; k < 6; ++k) {
+        item.EPAnteil[k].Betrag = rounding_.RoundUnitPrice(a.EPAnteil[k].Betrag * factor);
+      }
+      item.AbrechnungsEP.Betrag = item.VergabeEP.Betrag;
     }
-    item.AbrechnungsEP.Betrag = item.VergabeEP.Betrag;
     if (item.KzFrMenge != 0 && !IsZero(a.AMenge - item.FMenge)) item.FMenge = a.AMenge;
     if (std::memcmp(&before, &item, sizeof item) != 0) {
-      entry.LvBgBeschr.IdAngebot = bidder_.ID;
+      if (to == TBidPriceTarget::kAward) entry.LvBgBeschr.IdAngebot = bidder_.ID;
       ++changed;
     }
   }

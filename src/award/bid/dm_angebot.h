@@ -25,6 +25,10 @@ class EBidError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// The LV column that "Bieterpreise in LV übernehmen" fills: the award prices (and with
+// them the billing prices), or the estimated prices.
+enum class TBidPriceTarget { kAward, kEstimate };
+
 struct TBidSettings {
   // The project's option: contingency items without total (Bedarf E) count in totals.
   bool contingency_in_totals = false;
@@ -77,9 +81,9 @@ class TdmAngebot : public data::TSTDdataModule {
   bool ApplyMarkup(double percent, double amount);
   // "Bieterpreise in LV übernehmen": the priced items' award and billing unit prices and
   // awarded components from the bid (times the bidder's currency factor), free
-  // quantities from the bid; the LV's entries are recalculated. Answers how many items
-  // changed.
-  int CopyPricesToLv(boq::TLVPosList& lv) const;
+  // quantities from the bid; the LV's entries are recalculated. With kEstimate the bid's
+  // EP becomes the estimated price `SchaetzEP` instead. Answers how many items changed.
+  int CopyPricesToLv(boq::TLVPosList& lv, TBidPriceTarget to = TBidPriceTarget::kAward) const;
 
   // Writes the lines that changed (new ones get ids) and the bidder with its sums.
   // EBidError when a record cannot be written.

@@ -14,6 +14,7 @@
 #include "app/cli/json_text.h"
 #include "app/commands/bid/bid_import_command.h"
 #include "app/commands/bid/bid_lv.h"
+#include "app/commands/bid/bid_price_commands.h"
 #include "app/commands/lv/lv_operation.h"
 #include "award/bid/bidder_sums.h"
 #include "data/common/cp1252.h"
@@ -321,10 +322,15 @@ class BidCommand : public LvOperationGroup {
     operations_.push_back(std::make_unique<BidCheckCommand>());
     operations_.push_back(std::make_unique<BidShowCommand>());
     operations_.push_back(MakeBidImportCommand());
+    operations_.push_back(MakeBidDiscountCommand());
+    operations_.push_back(MakeBidLumpSumCommand());
+    operations_.push_back(MakeBidConvertCommand());
+    operations_.push_back(MakeBidCopyCommand());
   }
   std::string Name() const override { return "bid"; }
   std::string Summary() const override {
-    return "Angebote der Bieter: Preis setzen, prüfen, zeigen, aus GAEB DA 84 einlesen";
+    return "Angebote der Bieter: Preis setzen, prüfen, zeigen, aus GAEB DA 84 einlesen, Nachlass, "
+           "Pauschale, Umrechnung, Preise ins LV";
   }
 };
 
