@@ -209,6 +209,7 @@ class TBidReader {
     const std::optional<std::string> not_offered = item.ChildText("NotOffered");
     if (not_offered && *not_offered == "Yes") {
       a.EP.Betrag = 0.0;
+      a.GPPsch.Betrag = 0.0;
       for (data::t_WaeBetrag& part : a.EPAnteil) part.Betrag = 0.0;
       a.Kennz = award::kMarkNotOffered;
       return;
@@ -243,6 +244,7 @@ class TBidReader {
       Warn(item.line, "Position " + oz + ": " + note.substr(0, kNoteLength));
     }
     if (quantity && entry.LvBeschr.KzFrMenge != 0) a.AMenge = *quantity;
+    KeepTotalWithoutQuantity(item, oz, line, total && !quantity && !rate ? total : std::nullopt);
     if (const std::optional<double> discount = Decimal(item, "DiscountPcnt")) {
       a.NachlassProz = static_cast<float>(*discount);
     }
@@ -253,6 +255,19 @@ class TBidReader {
       Hint(item.line, "Position " + oz + ": " + std::to_string(comments) +
                           " Bieterkommentar(e) nicht übernommen");
     }
+  }
+
+  // The schema lets an item leave out its quantity. Where the bid has none either (the LV's
+  // quantity is 0), the total the file states is the item's total, not quantity × price.
+  void KeepTotalWithoutQuantity(const TGaebElement& item, const std::string& oz, int line,
+                                std::optional<double> total) {
+    award::t_Angebot_DB_VERSION_201501& a = bid_.FAList()[static_cast<std::size_t>(line)].Angebot;
+    const double quantity = lv_[line].LvBeschr.KzFrMenge != 0 ? a.AMenge : bid_.LvBidQuantity(line);
+    a.GPPsch.Betrag = 0.0;
+    if (!total || std::fabs(*total) < kTolerance || std::fabs(quantity) >= kTolerance) return;
+    a.GPPsch.Betrag = *total;
+    Hint(item.line, "Position " + oz + ": ohne Menge; der Gesamtbetrag " + Figure(*total) +
+                        " der Datei gilt als Gesamtpreis (Menge im LV 0)");
   }
 
   const std::string& file_;

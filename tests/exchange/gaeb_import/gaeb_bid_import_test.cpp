@@ -2,6 +2,7 @@
 // files of other LVs, a file we export priced by another program, and the sample files.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -246,19 +247,20 @@ TEST_F(BidImport, OurBidFileIsValidAndReadsBack) {
 }
 
 // The sample bids against LVs built from themselves: every item finds its entry, and the
-// totals are those the file states except where an item has no quantity.
+// totals are those the file states; an item without quantity counts with the total the file
+// gives it, and a finding says so.
 TEST_F(BidImport, SampleBidsAgainstTheirOwnLvs) {
   if (gaeb_xml::testing::SampleDir().empty()) GTEST_SKIP() << gaeb_xml::testing::kNoSamples;
   struct Case {
     const char* file;
     int items;
     double checked, gross;
+    int without_quantity;
   };
-  // An item without quantity gives no total in the LV: 200 and 1200 are missing.
   const Case cases[] = {
-      {"priced.x84", 2, 1250.00, 1250.00},
-      {"realistic.x84", 4, 8449.00, 9551.59},
-      {"components.x84", 3, 0.0, 0.0},  // totals not consistent in the file itself
+      {"priced.x84", 2, 1450.00, 1450.00, 1},
+      {"realistic.x84", 4, 9649.00, 10908.19, 1},
+      {"components.x84", 3, 0.0, 0.0, 1},  // totals not consistent in the file itself
   };
   for (const Case& c : cases) {
     const std::string bid_xml = Read(gaeb_xml::testing::SampleDir() / c.file);
@@ -271,6 +273,11 @@ TEST_F(BidImport, SampleBidsAgainstTheirOwnLvs) {
     EXPECT_EQ(import.matched_items, c.items)
         << c.file << gaeb_xml::testing::Listed(import.findings);
     EXPECT_TRUE(import.other_lv.empty()) << c.file;
+    const auto without_quantity =
+        std::count_if(import.findings.begin(), import.findings.end(), [](const auto& finding) {
+          return finding.message.find("ohne Menge; der Gesamtbetrag") != std::string::npos;
+        });
+    EXPECT_EQ(without_quantity, c.without_quantity) << c.file;
     if (std::string(c.file) == "components.x84") continue;
     EXPECT_DOUBLE_EQ(Val(bid.Bidder().Summe.Betrag), c.checked) << c.file;
     EXPECT_DOUBLE_EQ(Val(bid.Bidder().SummeBrutto.Betrag), c.gross) << c.file;
