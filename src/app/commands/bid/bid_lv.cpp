@@ -10,27 +10,13 @@
 #include "boq/model/lv_pos_list_io.h"
 
 namespace korvan::app {
-namespace {
-
-boq::TLVPosList Load(LvProject& project, data::TStdDb& db, const std::string& lv) {
-  try {
-    return boq::LoadLvPosList(db, project.TextDb(), project.ResolveLv(lv));
-  } catch (const boq::EStoredLvError& error) {
-    throw CommandError(error.what());
-  }
-}
-
-}  // namespace
-
 BidLv::BidLv(const std::string& data_dir, const std::string& project, const std::string& lv,
              bool journal)
     : project_(data_dir, project),
       db_(project_.Db(journal)),
-      list_(Load(project_, db_, lv)),
+      list_(project_.LoadLv(lv)),
       name_(list_.FLv().Name.Get()),
-      converter_(boq::TCurrencyList(),
-                 project_.ValueSettings(list_.FLv().LVWaehrung ==
-                                        static_cast<uint8_t>(boq::TWaehrungstyp::wtEuro))),
+      converter_(project_.Converter(list_.FLv())),
       bidders_(std::make_unique<award::TdmBieter>(db_, project_.TextDb(), list_, converter_)) {}
 
 award::t_Bieter_DB_VERSION_3100 BidLv::Bidder(const std::string& number_or_name) {

@@ -10,28 +10,14 @@
 #include "data/records/null_values.h"
 
 namespace korvan::app {
-namespace {
-
 using calc::t_KpENDS;
-
-boq::TLVPosList Load(LvProject& project, data::TStdDb& db, const std::string& lv) {
-  try {
-    return boq::LoadLvPosList(db, project.TextDb(), project.ResolveLv(lv));
-  } catch (const boq::EStoredLvError& error) {
-    throw CommandError(error.what());
-  }
-}
-
-}  // namespace
 
 CalcLv::CalcLv(const std::string& data_dir, const std::string& project, const std::string& lv,
                bool journal)
     : project_(data_dir, project),
       db_(project_.Db(journal)),
-      list_(Load(project_, db_, lv)),
-      converter_(boq::TCurrencyList(),
-                 project_.ValueSettings(list_.FLv().LVWaehrung ==
-                                        static_cast<uint8_t>(boq::TWaehrungstyp::wtEuro))),
+      list_(project_.LoadLv(lv)),
+      converter_(project_.Converter(list_.FLv())),
       calculation_(converter_, list_.FLv().EPGenauigkeit) {}
 
 calc::TLvCalculation& CalcLv::Costs(bool copy_settings) {

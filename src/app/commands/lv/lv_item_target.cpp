@@ -10,7 +10,7 @@ namespace korvan::app {
 LvItemTarget::LvItemTarget(const std::string& data_dir, const std::string& project,
                            const std::string& lv, const std::string& oz, bool journal)
     : project_(data_dir, project), db_(project_.Db(journal)) {
-  list_ = boq::LoadLvPosList(db_, project_.TextDb(), project_.ResolveLv(lv));
+  list_ = project_.LoadLv(lv);
   index_ = boq::FindEntryByOz(list_, oz);
   if (index_ < 0) {
     throw CommandError("LV \"" + list_.FLv().Name.Get() +

@@ -171,6 +171,15 @@ std::string LvProject::CurrencySymbol(int16_t id) {
   return currency != nullptr ? currency->symbol : std::to_string(id);
 }
 
+boq::TLVPosList LvProject::LoadLv(const std::string& name_or_id) {
+  const int32_t id = ResolveLv(name_or_id);
+  try {
+    return boq::LoadLvPosList(Db(false), TextDb(), id);
+  } catch (const boq::EStoredLvError& error) {
+    throw CommandError(error.what());
+  }
+}
+
 int32_t LvProject::ResolveLv(const std::string& name_or_id) {
   const boq::LvLookup lookup = boq::FindLvByIdOrName(Db(false), name_or_id);
   if (!lookup.found()) throw CommandError("Projekt \"" + name_ + "\": " + lookup.problem);

@@ -67,6 +67,9 @@ class LvProject {
   // The id of the LV that the command line names by id or name; CommandError (in the
   // project's words) when it names none or more than one.
   int32_t ResolveLv(const std::string& name_or_id);
+  // The LV named by id or name with its entries and short texts, loaded from the project's
+  // LV database (open it first); CommandError when it names none or its records are unreadable.
+  boq::TLVPosList LoadLv(const std::string& name_or_id);
   // CommandError when the project has an LV of that name already; `hint` is appended.
   void RequireFreeLvName(const std::string& name, const std::string& hint = {});
 
