@@ -166,17 +166,30 @@ TEST(SumRun, ContractFilterAndMarkedItems) {
   LvBuilder lv;
   lv.Group("01");
   lv.Group("01.01");
-  lv.Item("01.01.0010", 1, 100).LvBgBeschr.IdVertrag = 7;
-  TLvPos& other = lv.Item("01.01.0020", 1, 40);
+  TLvPos& first = lv.Item("01.01.0010", 1, 100);
+  first.LvBgBeschr.IdVertrag = 7;
+  first.LvBeschr.EPAnteil[0].Betrag = 60;
+  TLvPos& other = lv.Item("01.01.0020", 2, 20);
   other.LvBgBeschr.IdVertrag = 8;
   other.LvBgBeschr.markiert = 1;
+  other.LvBeschr.EPAnteil[0].Betrag = 5;
   lv.Sum(7);
   EXPECT_EQ(Awarded(lv.At("01.01")), 100.0);
   EXPECT_EQ(+lv.At("01.01").LvBgBeschr.SchaetzGP.Betrag, 140.0);
   EXPECT_EQ(+lv.At("01.01").LvBg.AngebotsSum.Betrag, 140.0);
+  EXPECT_EQ(lv.At("01").VGPAnteil[0], 60.0);
+  // Carry-overs: the group's totals up to each item in document order; the other
+  // contract's item carries the estimate on but no awarded amount.
+  EXPECT_EQ(lv.At("01.01.0010").Schaetzuebertrag, 100.0);
+  EXPECT_EQ(lv.At("01.01.0010").VergabeUebertrag, 100.0);
+  EXPECT_EQ(lv.At("01.01.0020").Schaetzuebertrag, 140.0);
+  EXPECT_EQ(lv.At("01.01.0020").VergabeUebertrag, 0.0);
   lv.Sum(data::kNullId, true);
   EXPECT_EQ(Awarded(lv.At("01.01")), 40.0);
   EXPECT_EQ(+lv.At("01.01").LvBgBeschr.SchaetzGP.Betrag, 40.0);
+  EXPECT_EQ(lv.At("01").VGPAnteil[0], 10.0);
+  EXPECT_EQ(lv.At("01.01.0010").Schaetzuebertrag, 0.0);  // unmarked: carries nothing
+  EXPECT_EQ(lv.At("01.01.0020").VergabeUebertrag, 40.0);
 }
 
 TEST(SumRun, ParentsFollowTheDepthOfTheNumbers) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,6 +45,17 @@ struct TLvPos {
   int32_t RefCount = 0;                      // how many references of other entries name this one
   TModelChanges Changes;                     // what changed since the list last passed it on
   std::vector<TQtyDeterm> QtyDeterms;        // filled by RecalcQuantity (lv_pos_quantity.cpp)
+  // Filled by the sum run, never stored. For an item below a group: the group's running
+  // totals after this item in document order (estimated, awarded after the items' own
+  // discounts, billed), printed as "Übertrag" at a page break; 0 for other entries.
+  double Schaetzuebertrag = 0.0;
+  double VergabeUebertrag = 0.0;
+  double AbrechnungsUebertrag = 0.0;
+  // The six component totals, unrounded: quantity × component price for an item, the
+  // children's sums for a group. Estimated (SGPAnteil) from the description's components,
+  // awarded (VGPAnteil) from the item part's.
+  std::array<double, 6> SGPAnteil{};
+  std::array<double, 6> VGPAnteil{};
 
   char Kind() const { return Struktur.KzBgBeschr; }
   void SetKind(char kind) { Struktur.KzBgBeschr = kind; }

@@ -1,5 +1,6 @@
 #include "calc/sums/boq_ctgy_calc_sum.h"
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <unordered_map>
@@ -42,6 +43,21 @@ bool TimeCounts(const TLvPos& entry) {
   return entry.LvBgBeschr.ZZWahl <= 0 && entry.LvBgBeschr.Bedarf != 'E';
 }
 
+// An item's component totals. The description record of this installation keeps no
+// estimated components, so the estimated ones stay 0; the awarded ones come from the item
+// part, for items that get an awarded total at all.
+void SetComponentTotals(TLvPos& item) {
+  item.SGPAnteil.fill(0.0);
+  item.VGPAnteil.fill(0.0);
+  const auto& common = item.LvBgBeschr;
+  if (common.Bedarf == 'E' || common.KzEntfaellt != 0) return;
+  for (int i = 0; i < 6; ++i)
+    item.VGPAnteil[i] = item.LvBeschr.FMenge * item.LvBeschr.EPAnteil[i].Betrag;
+}
+
+// What an entry adds to its group's carry-over lines: estimated, awarded, billed.
+using CarryAmounts = std::array<double, 3>;
+
 template <typename Record>
 bool SameBytes(const Record& a, const Record& b) {
   return std::memcmp(&a, &b, sizeof(Record)) == 0;
@@ -71,7 +87,8 @@ struct TBoqCtgyCalcSum::Totals {
   double einzelkosten_sum = 0, angebots_sum = 0, vergabe_sum = 0, nachtr_sum = 0;
   double abrechnungs_sum = 0, not_contracted_sum = 0;
   double zeit_aufwand = 0;
-  double anteil[6] = {};
+  double anteil[6] = {};          // awarded components (VGPAnteil)
+  double schaetz_anteil[6] = {};  // estimated components (SGPAnteil)
 
   void Add(const Totals& other) {
     schaetz_gp += other.schaetz_gp;
@@ -88,7 +105,10 @@ struct TBoqCtgyCalcSum::Totals {
     abrechnungs_sum += other.abrechnungs_sum;
     not_contracted_sum += other.not_contracted_sum;
     zeit_aufwand += other.zeit_aufwand;
-    for (int i = 0; i < 6; ++i) anteil[i] += other.anteil[i];
+    for (int i = 0; i < 6; ++i) {
+      anteil[i] += other.anteil[i];
+      schaetz_anteil[i] += other.schaetz_anteil[i];
+    }
   }
 };
 
@@ -118,6 +138,7 @@ TBoqCtgyCalcSum::Totals TBoqCtgyCalcSum::ItemTotals(const TLvPos& item) const {
   const auto& common = item.LvBgBeschr;
   const double kept = 1.0 - common.NachlassProz / 100.0;
   t.schaetz_gp = common.SchaetzGP.Betrag;
+  for (int i = 0; i < 6; ++i) t.schaetz_anteil[i] = item.SGPAnteil[i];
   t.einzelkosten_gp = common.EinzelkostenGP.Betrag;
   t.angebots_gp = common.AngebotsGP.Betrag;
   t.einzelkosten_sum = common.EinzelkostenGP.Betrag * kept;
@@ -125,8 +146,7 @@ TBoqCtgyCalcSum::Totals TBoqCtgyCalcSum::ItemTotals(const TLvPos& item) const {
   const bool in_contract = PassesContract(item);
   if (common.KzEntfaellt == 0 && in_contract) {
     t.vergabe_gp = common.VergabeGP.Betrag;
-    for (int i = 0; i < 6; ++i)
-      t.anteil[i] = item.LvBeschr.EPAnteil[i].Betrag * item.LvBeschr.FMenge;
+    for (int i = 0; i < 6; ++i) t.anteil[i] = item.VGPAnteil[i];
     t.vergabe_sum = Round(common.VergabeGP.Betrag * kept);
   }
   if (item.IsSupplement() && in_contract) t.nachtr_sum = Round(common.VergabeGP.Betrag * kept);
@@ -163,6 +183,10 @@ TBoqCtgyCalcSum::Totals TBoqCtgyCalcSum::FinishGroup(TLvPos& group, const Totals
   part.AbrechnungsSum.Betrag = Round(t.abrechnungs_sum);
   part.NotContractedNachtragSum.Betrag = Round(t.not_contracted_sum);
   for (int i = 0; i < 6; ++i) part.GPAnteil[i].Betrag = Round(t.anteil[i]);
+  for (int i = 0; i < 6; ++i) {
+    group.VGPAnteil[i] = t.anteil[i];
+    group.SGPAnteil[i] = t.schaetz_anteil[i];
+  }
   part.VergabeSumExclNachlass = part.VergabeSum;
   if (empty) return {};
   ApplyGroupDiscount(group);
@@ -181,7 +205,10 @@ TBoqCtgyCalcSum::Totals TBoqCtgyCalcSum::FinishGroup(TLvPos& group, const Totals
   up.abrechnungs_sum = part.AbrechnungsSum.Betrag;
   up.not_contracted_sum = part.NotContractedNachtragSum.Betrag;
   if (TimeCounts(group)) up.zeit_aufwand = common.ZeitAufwand;
-  for (int i = 0; i < 6; ++i) up.anteil[i] = part.GPAnteil[i].Betrag;
+  for (int i = 0; i < 6; ++i) {
+    up.anteil[i] = part.GPAnteil[i].Betrag;
+    up.schaetz_anteil[i] = group.SGPAnteil[i];
+  }
   return up;
 }
 
@@ -251,6 +278,26 @@ void TBoqCtgyCalcSum::ApplyLvDiscount() {
   list_.RefreshLvProperties(lv);
 }
 
+// The carry-overs run in document order, so they take a walk of their own after the groups
+// are summed: each counted item gets its group's totals up to and including itself.
+void TBoqCtgyCalcSum::SetCarryOvers(const std::vector<int>& parent,
+                                    const std::vector<CarryAmounts>& carried) {
+  std::vector<CarryAmounts> so_far(carried.size());
+  for (int i = 0; i < list_.Count(); ++i) {
+    TLvPos& entry = list_[i];
+    entry.Schaetzuebertrag = entry.VergabeUebertrag = entry.AbrechnungsUebertrag = 0.0;
+    const int p = parent[i];
+    if (p < 0) continue;
+    CarryAmounts& group = so_far[p];
+    for (std::size_t k = 0; k < group.size(); ++k) group[k] += carried[i][k];
+    if (entry.IsGroup() || !Counts(entry)) continue;
+    entry.Schaetzuebertrag = Round(group[0]);
+    if (entry.LvBgBeschr.KzEntfaellt == 0 && PassesContract(entry))
+      entry.VergabeUebertrag = Round(group[1]);
+    entry.AbrechnungsUebertrag = Round(group[2]);
+  }
+}
+
 TSumRunResult TBoqCtgyCalcSum::Calculate(int32_t contract) {
   contract_ = contract == 0 ? data::kNullId : contract;
   TSumRunResult result;
@@ -277,12 +324,14 @@ TSumRunResult TBoqCtgyCalcSum::Calculate(int32_t contract) {
     const boq::t_LvBgBeschr_3000 common = list_[i].LvBgBeschr;
     const boq::t_LvBeschr2_DB_VERSION_201401 part = list_[i].LvBeschr;
     calculation_.Calculate(list_, i);
+    SetComponentTotals(list_[i]);
     changed[i] |= !SameBytes(common, list_[i].LvBgBeschr) || !SameBytes(part, list_[i].LvBeschr);
   }
   const std::vector<int> parent = ParentIndexes(list_);
   // Children follow their group, so one walk from the end finishes every group before its
   // parent: each entry adds itself to the running sum of its parent.
   std::vector<Totals> running(static_cast<std::size_t>(count));
+  std::vector<CarryAmounts> carried(static_cast<std::size_t>(count));
   Totals top, billed;
   for (int i = count - 1; i >= 0; --i) {
     TLvPos& entry = list_[i];
@@ -299,6 +348,7 @@ TSumRunResult TBoqCtgyCalcSum::Calculate(int32_t contract) {
       if (p >= 0 && Counts(entry)) entry.LvBgBeschr.Titelart = list_[p].LvBgBeschr.Titelart;
     }
     changed[i] |= !SameBytes(common, entry.LvBgBeschr) || !SameBytes(group_part, entry.LvBg);
+    carried[i] = {own.schaetz_gp, own.vergabe_sum, own.abrechnungs_sum};
     if (p >= 0) {
       running[p].Add(own);
     } else if (entry.Struktur.ZuBg == data::kRootParentId) {
@@ -306,6 +356,7 @@ TSumRunResult TBoqCtgyCalcSum::Calculate(int32_t contract) {
       billed.abrechnungs_sum += own.abrechnungs_sum;
     }
   }
+  SetCarryOvers(parent, carried);
   SetLvTotals(top, billed);
   if (list_.FLv().Zeilenart == '9') ApplyLvDiscount();
   for (int i = 0; i < count; ++i) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -42,6 +43,8 @@ class TBoqCtgyCalcSum {
   Totals ItemTotals(const boq::TLvPos& item) const;
   Totals FinishGroup(boq::TLvPos& group, const Totals& children) const;
   void ApplyGroupDiscount(boq::TLvPos& group) const;
+  void SetCarryOvers(const std::vector<int>& parent,
+                     const std::vector<std::array<double, 3>>& carried);
   void SetLvTotals(const Totals& top, const Totals& billed);
   void ApplyLvDiscount();
   double Round(double value) const { return calculation_.RoundAmount(value); }
