@@ -99,6 +99,15 @@ TEST_F(LvSums, APriceChangeReachesItsGroupsAndTheLvOnlyAndDiscountsShow) {
   EXPECT_EQ(Cents(shown["entries"].Items()[0]["totals"]["after_discount"]), 41999);
   EXPECT_EQ(Cents(shown["lv"]["totals"]["after_discount"]), 141999);
   Korvan({"lv", "set", "Summen", "1.1.10", "discount=5"}, 2);
+
+  // Filtered sums are only shown: no item is marked, so all count; no item names contract 7.
+  const std::string stored = Show();
+  const testing::JsonValue marked =
+      testing::ParseJson(Korvan({"calc", "sums", "Summen", "--marked", "--json"}));
+  EXPECT_EQ(Cents(marked["totals"]["after_discount"]), 141999);
+  EXPECT_FALSE(marked["stored"].Bool());
+  Korvan({"calc", "sums", "Summen", "--contract", "7"}, 1);
+  EXPECT_EQ(Show(), stored);
 }
 
 }  // namespace

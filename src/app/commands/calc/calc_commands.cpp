@@ -25,6 +25,8 @@
 #include "boq/model/lv_pos_list_io.h"
 #include "calc/price/price_columns.h"
 #include "calc/price/quantity_formula.h"
+#include "calc/sums/boq_ctgy_calc_sum.h"
+#include "calc/sums/lv_sums_save.h"
 #include "data/records/null_values.h"
 
 namespace korvan::app {
@@ -216,24 +218,66 @@ class CalcSumsCommand : public LvOperation {
   }
   void Define(CLI::App& app) override {
     app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    app.add_option("--contract", contract_,
+                   "nur die Positionen dieses Vertrags (ID) in den Vergabesummen; nur anzeigen")
+        ->check(CLI::PositiveNumber);
+    app.add_flag("--marked", marked_,
+                 "nur die markierten Positionen zählen (wenn welche markiert sind); nur anzeigen");
   }
   int Run(Streams& streams) override {
-    CalcLv target(data_dir, project, lv_, true);
-    // The saving sums; nothing else is to change.
-    target.Change("Summen", streams.err, [] {});
+    const bool filtered = contract_.has_value() || marked_;
+    // Filtered sums answer a question about part of the LV; the stored totals stay those of
+    // the whole LV, so a filtered run is only shown.
+    CalcLv target(data_dir, project, lv_, !filtered);
+    if (filtered) {
+      RequireContractItems(target.List());
+      const calc::TSumRunResult result =
+          calc::TBoqCtgyCalcSum(target.List(), target.Converter(), marked_)
+              .Calculate(contract_.value_or(data::kNullId));
+      if (const std::string warning = calc::SumRunWarning(result); !warning.empty())
+        streams.err << warning << '\n';
+    } else {
+      target.Change("Summen", streams.err, [] {});  // the saving sums; nothing else changes
+    }
     const boq::t_Lv_DB_VERSION_3100& lv = target.List().FLv();
     const StoredTotals totals = LvTotals(lv);
     if (json) {
-      streams.out << "{\"lv\": " << lv.FId << ", \"totals\": " << TotalsJson(totals) << "}\n";
+      streams.out << "{\"lv\": " << lv.FId << ", \"totals\": " << TotalsJson(totals);
+      if (filtered) {
+        streams.out << ", \"contract\": "
+                    << (contract_ ? std::to_string(*contract_) : std::string("null"))
+                    << ", \"only_marked\": " << (marked_ ? "true" : "false")
+                    << ", \"stored\": false";
+      }
+      streams.out << "}\n";
     } else {
-      streams.out << "Summen gebildet; Schätzung " << GermanFigure(totals.estimate, "%.2f")
-                  << TotalsText(totals) << '\n';
+      streams.out << (filtered ? "Summen" + FilterText() + " (nicht gespeichert)"
+                               : std::string("Summen gebildet"))
+                  << "; Schätzung " << GermanFigure(totals.estimate, "%.2f") << TotalsText(totals)
+                  << '\n';
     }
     return kExitOk;
   }
 
  private:
+  // A contract no entry names is most likely a wrong id: refused rather than summed to 0.
+  void RequireContractItems(const boq::TLVPosList& list) const {
+    if (!contract_) return;
+    for (const boq::TLvPos& entry : list.Entries()) {
+      if (entry.LvBgBeschr.IdVertrag == *contract_) return;
+    }
+    throw CommandError("Keine Position des LV gehört zum Vertrag " + std::to_string(*contract_));
+  }
+  std::string FilterText() const {
+    std::string text;
+    if (contract_) text += " für Vertrag " + std::to_string(*contract_);
+    if (marked_) text += (contract_ ? ", " : " ") + std::string("nur markierte Positionen");
+    return text;
+  }
+
   std::string lv_;
+  std::optional<int32_t> contract_;
+  bool marked_ = false;
 };
 
 class CalcCommand : public LvOperationGroup {
