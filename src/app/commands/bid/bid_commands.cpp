@@ -37,7 +37,7 @@ class BidderAddCommand : public LvOperation {
   std::string Name() const override { return "add"; }
   std::string Summary() const override { return "einen Bieter zum LV anlegen"; }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("name", name_, "der Name des Bieters (höchstens 40 Zeichen)")->required();
     app.add_option("--address", address_, "die Anschrift des Bieters");
   }
@@ -84,9 +84,7 @@ class BidderListCommand : public LvOperation {
   std::string Summary() const override {
     return "die Bieter des LV mit Summen, Nachlass, Brutto und Rang";
   }
-  void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
-  }
+  void Define(CLI::App& app) override { AddLvArgument(app, lv_); }
   int Run(Streams& streams) override {
     BidLv target(data_dir, project, lv_, false);
     const std::vector<award::t_Bieter_DB_VERSION_3100> bidders = CurrentBidders(target);
@@ -138,7 +136,7 @@ class BidSetCommand : public LvOperation {
     return "den Einheitspreis eines Bieters setzen: up=PREIS";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("bidder", bidder_, "der Bieter: Bieter-Nr., Nummer oder Name")->required();
     app.add_option("oz", oz_, "die Position (OZ)")->required();
     app.add_option("value", value_, "up=PREIS, z. B. up=12,50")->required();
@@ -200,7 +198,7 @@ class BidCheckCommand : public LvOperation {
     return "Angebotscheck: Positionen ohne Preis, ohne Menge, mit abweichender Menge, Rechenfehler";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("bidder", bidder_, "der Bieter: Bieter-Nr., Nummer oder Name")->required();
   }
   int Run(Streams& streams) override {
@@ -249,7 +247,7 @@ class BidShowCommand : public LvOperation {
   std::string Name() const override { return "show"; }
   std::string Summary() const override { return "die Angebotszeilen eines Bieters mit Summen"; }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("bidder", bidder_, "der Bieter: Bieter-Nr., Nummer oder Name")->required();
   }
   int Run(Streams& streams) override {

@@ -56,7 +56,7 @@ class BidImportCommand : public LvOperation {
     return "die Preise eines Bieters aus einer GAEB-DA-84-Datei (.X84) einlesen";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("bidder", bidder_, "der Bieter: Bieter-Nr., Nummer oder Name")->required();
     app.add_option("file", file_, "die Angebotsdatei (.X84)")->required();
     app.add_flag("--overwrite", overwrite_, "vorhandene Preise des Bieters überschreiben");

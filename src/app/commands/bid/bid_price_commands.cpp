@@ -59,7 +59,7 @@ void PrintBidder(std::ostream& out, bool json, BidLv& target, award::TdmAngebot&
 class BidderOperation : public LvOperation {
  public:
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("bidder", bidder_, "der Bieter: Bieter-Nr., Nummer oder Name")->required();
     DefineMore(app);
   }

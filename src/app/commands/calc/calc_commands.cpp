@@ -46,7 +46,7 @@ class CalcItemCommand : public LvOperation {
     return "zeigt die Kalkulation einer Position: Kostenelemente, Zuschläge, Preise";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("oz", oz_, "die Position (OZ)")->required();
   }
   int Run(Streams& streams) override {
@@ -111,7 +111,7 @@ class CalcSetCommand : public LvOperation {
     return "setzt Kostenelemente je Einheit einer Position: KOSTENART=BETRAG ...";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("oz", oz_, "die Position (OZ)")->required();
     app.add_option("assignments", assignments_,
                    "KOSTENART=BETRAG (M, Z, R, G, B, S, F; Zahl oder Formel), menge=FORMEL "
@@ -169,9 +169,7 @@ class CalcRunCommand : public LvOperation {
   std::string Summary() const override {
     return "kalkuliert alle Positionen eines LV neu (Kalkulierte EP aktualisieren)";
   }
-  void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
-  }
+  void Define(CLI::App& app) override { AddLvArgument(app, lv_); }
   int Run(Streams& streams) override {
     CalcLv target(data_dir, project, lv_, true);
     int calculated = 0;
@@ -217,7 +215,7 @@ class CalcSumsCommand : public LvOperation {
            "Pauschalsummen";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("--contract", contract_,
                    "nur die Positionen dieses Vertrags (ID) in den Vergabesummen; nur anzeigen")
         ->check(CLI::PositiveNumber);
@@ -316,7 +314,7 @@ bool PricesDiffer(const boq::TLvPos& before, const boq::TLvPos& after) {
 class PriceOperation : public LvOperation {
  public:
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("--oz", ozs_, "nur diese Positionen (OZ), sonst alle");
     DefineOwn(app);
   }
@@ -456,7 +454,7 @@ class PricesPercentCommand : public LvOperation {
     return "Prozentual abrechnen (noch nicht möglich: es fehlt das Aufmaß)";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("--percent", percent_, "der Prozentsatz");
     app.add_option("--oz", ozs_, "nur diese Positionen (OZ)");
   }

@@ -198,7 +198,7 @@ class CalcEndsumCommand : public LvOperation {
     return "zeigt die Kalkulation über die Endsumme; \"set SCHLÜSSEL=WERT ...\" ändert sie";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("set", words_, std::string("set SCHLÜSSEL=WERT ... mit ") + kKeyList);
     app.add_option("--group", group_, "die Endsumme dieser Gruppe (OZ) statt des LV");
   }

@@ -10,6 +10,7 @@
 #include "app/cli/progress_line.h"
 #include "app/commands/bid/bid_lv.h"
 #include "app/commands/gaeb/gaeb_price_option.h"
+#include "app/commands/lv/lv_operation.h"
 #include "app/commands/lv/lv_project.h"
 #include "app/program/data_dir.h"
 #include "exchange/gaeb/gaeb_file_name.h"
@@ -25,7 +26,7 @@ constexpr int kProgressFromEntries = 2000;
 }  // namespace
 
 void GaebExportCommand::Define(CLI::App& app) {
-  app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+  AddLvArgument(app, lv_);
   app.add_option("--phase", phase_, "Datenaustauschphase 81 ... 86")->required();
   app.add_option("--version", version_, "GAEB-DA-XML-Version 3.1, 3.2 oder 3.3 (Vorgabe 3.3)");
   app.add_option("--prices", prices_,

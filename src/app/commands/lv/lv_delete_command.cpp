@@ -31,7 +31,7 @@ boq::LvSummary SummaryOf(data::TStdDb& db, int32_t id) {
 }  // namespace
 
 void LvDeleteCommand::Define(CLI::App& app) {
-  app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+  AddLvArgument(app, lv_);
 }
 
 int LvDeleteCommand::Run(Streams& streams) {

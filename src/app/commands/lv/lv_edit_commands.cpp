@@ -153,7 +153,7 @@ class LvAddCommand : public LvEditOperation {
            "Maske";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("kind", kind_, "Art: B, P, L, U, H, A, E, K oder T")->required();
     auto* under =
         app.add_option("--under", under_, "unter dieser Gruppe (OZ), als letzter Eintrag");
@@ -207,7 +207,7 @@ class LvSetCommand : public LvEditOperation {
            "Pauschalsumme des LV";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("oz", oz_, "OZ des Eintrags (ohne: das LV selbst)");
     app.add_option("assignments", assignments_, "Feld=Wert ...");
   }
@@ -323,7 +323,7 @@ class LvMoveCommand : public LvEditOperation {
     return "verschiebt einen Eintrag mit seinen Untereinträgen";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("oz", oz_, "OZ des Eintrags")->required();
     app.add_option("--after", after_, "hinter diesen Eintrag (OZ)")->required();
   }
@@ -353,7 +353,7 @@ class LvRemoveCommand : public LvEditOperation {
     return "entfernt einen Eintrag mit seinen Untereinträgen";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("oz", oz_, "OZ des Eintrags")->required();
   }
   int Run(Streams& streams) override {
@@ -377,9 +377,7 @@ class LvRenumberCommand : public LvEditOperation {
  public:
   std::string Name() const override { return "renumber"; }
   std::string Summary() const override { return "nummeriert das LV nach seiner Maske neu"; }
-  void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
-  }
+  void Define(CLI::App& app) override { AddLvArgument(app, lv_); }
   int Run(Streams& streams) override {
     return RunEdit(streams, "Positionsnumerierung", false, [](boq::TLVPosList& list, LvProject&) {
       std::vector<std::string> before;
@@ -403,7 +401,7 @@ class LvStructureCommand : public LvEditOperation {
     return "gibt dem LV eine neue OZ-Maske und nummeriert neu";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("--mask", mask_, "die neue OZ-Maske, z. B. 11.22.PPPP")->required();
   }
   int Run(Streams& streams) override {

@@ -6,6 +6,10 @@
 
 namespace korvan::app {
 
+void AddLvArgument(CLI::App& app, std::string& lv) {
+  app.add_option("lv", lv, "das LV: seine Nummer oder sein Name")->required();
+}
+
 void LvOperationGroup::Define(CLI::App& app) {
   app.require_subcommand(1);
   for (const std::unique_ptr<LvOperation>& operation : operations_) {

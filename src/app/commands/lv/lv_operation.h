@@ -29,6 +29,9 @@ class LvOperation {
   bool json = false;
 };
 
+// The argument of every command on one LV: the LV, named by its id or its name.
+void AddLvArgument(CLI::App& app, std::string& lv);
+
 // A command whose sub-commands are LV operations (`korvan lv`, `korvan var`): each gets the
 // options every LV operation has.
 class LvOperationGroup : public Command {

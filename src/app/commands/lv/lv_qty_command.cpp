@@ -43,7 +43,7 @@ void PrintList(std::ostream& out, const boq::TLvPos& item,
 }  // namespace
 
 void LvQtyCommand::Define(CLI::App& app) {
-  app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+  AddLvArgument(app, lv_);
   app.add_option("oz", oz_, "die Position (OZ)")->required();
   app.add_option("action", action_, "add, set, remove oder list")
       ->required()

@@ -116,7 +116,7 @@ void PrintTree(std::ostream& out, const boq::TLVPosList& list,
 }  // namespace
 
 void LvShowCommand::Define(CLI::App& app) {
-  app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+  AddLvArgument(app, lv_);
   app.add_flag("--long", long_texts_, "mit den Langtexten (als reiner Text)");
 }
 

@@ -62,7 +62,7 @@ class VarSetCommand : public LvOperation {
     return "setzt eine Variable einer Position: NAME=WERT [--unit EINHEIT]";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("oz", oz_, "die Position (OZ)")->required();
     app.add_option("assignment", assignment_, "NAME=WERT, z. B. Breite=2,5")->required();
     app.add_option("--unit", unit_, "Einheit (höchstens 6 Zeichen; \"PROZENT\" wird \"%\")");
@@ -133,7 +133,7 @@ class VarListCommand : public LvOperation {
     return "listet die Variablen der Positionen eines LV oder einer Position";
   }
   void Define(CLI::App& app) override {
-    app.add_option("lv", lv_, "das LV: seine Nummer oder sein Name")->required();
+    AddLvArgument(app, lv_);
     app.add_option("oz", oz_, "nur diese Position (OZ)");
   }
   int Run(Streams& streams) override {
