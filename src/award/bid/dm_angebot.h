@@ -67,6 +67,9 @@ class TdmAngebot : public data::TSTDdataModule {
   // Every line (surcharge items after the lines they rest on), the group sums, the
   // bidder's sums and its status.
   void Recalculate();
+  // The bidder's sums and status from the group sums as they stand; for callers that set
+  // line totals themselves after Recalculate (the ideal bid takes each line's lowest total).
+  void WriteBidderSums();
 
   // Sets a line's unit price as typed: the components are cleared, the mark too.
   void SetUnitPrice(int line, double price);
@@ -94,7 +97,6 @@ class TdmAngebot : public data::TSTDdataModule {
   void CData1C_OnStrukturSchreiben(data::TCData&, bool) override { WriteBidderSums(); }
 
  private:
-  void WriteBidderSums();
   double SurchargeBase(int line) const;
   void UpdateStatus();
   [[noreturn]] void Fail(const std::string& what, int code) const;
