@@ -4,6 +4,7 @@
 #include "app/commands/admin/admin_commands.h"
 #include "app/commands/bid/bid_commands.h"
 #include "app/commands/calc/calc_commands.h"
+#include "app/commands/compare/compare_command.h"
 #include "app/commands/currency/currency_commands.h"
 #include "app/commands/db/db_commands.h"
 #include "app/commands/formula/formula_commands.h"
@@ -27,6 +28,7 @@ CommandList AllCommands() {
   AddVarCommands(commands);
   AddCalcCommands(commands);
   AddBidCommands(commands);
+  AddCompareCommands(commands);
   AddOzCommands(commands);
   AddTextCommands(commands);
   AddCurrencyCommands(commands);
