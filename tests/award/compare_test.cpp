@@ -24,7 +24,7 @@
 #include "data/tables/std_db_datas.h"
 #include "testing/temp_dir.h"
 
-namespace korvan::award {
+namespace korvan::award::compare_tests {
 namespace {
 
 template <class T>
@@ -292,4 +292,4 @@ TEST_F(Comparison, RandomBidsAgreeWithAnIndependentComputation) {
 }
 
 }  // namespace
-}  // namespace korvan::award
+}  // namespace korvan::award::compare_tests

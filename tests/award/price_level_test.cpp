@@ -18,7 +18,7 @@
 #include "data/tables/std_db_datas.h"
 #include "testing/temp_dir.h"
 
-namespace korvan::award {
+namespace korvan::award::price_level_tests {
 namespace {
 
 template <class T>
@@ -144,4 +144,4 @@ TEST_F(PriceDb, PricesArePassedLimitedAveragedAndRelative) {
 }
 
 }  // namespace
-}  // namespace korvan::award
+}  // namespace korvan::award::price_level_tests

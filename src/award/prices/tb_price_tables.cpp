@@ -82,10 +82,8 @@ TTbPrEntry::TTbPrEntry(data::TStdDb& db)
 void TTbPrEntry::InitRecord() {
   TStdTB::InitRecord();
   t_PrEntry& rec = Rec();
-  for (int32_t* id : {&rec.Id, &rec.IdPrNiveau, &rec.IdBezug, &rec.IdIdxBezug, &rec.IdProjekt,
-                      &rec.IdBieter, &rec.CreateUserId, &rec.ModifyUserId}) {
-    *id = kNullId;
-  }
+  rec.Id = rec.IdPrNiveau = rec.IdBezug = rec.IdIdxBezug = kNullId;
+  rec.IdProjekt = rec.IdBieter = rec.CreateUserId = rec.ModifyUserId = kNullId;
   rec.ProzFak = 1.0;
   rec.Wert.IdWaehrung = data::kOwnerCurrencyId;
   rec.CreateDate = data::TodayAsIntDate();
