@@ -111,14 +111,14 @@ class CompareCommand : public Command {
   int StoreAsBidder(const award::TPriceComparison& comparison, BidLv& target,
                     award::TPseudoBidKind kind, Streams& streams) {
     if (comparison.Bidders().empty()) {
-      throw CommandError("LV \"" + target.Name() +
-                         "\" hat keine Bieter: es gibt nichts zu mitteln; es wurde nichts angelegt.");
+      throw CommandError(
+          "LV \"" + target.Name() +
+          "\" hat keine Bieter: es gibt nichts zu mitteln; es wurde nichts angelegt.");
     }
     const char* what = kind == award::TPseudoBidKind::kMean ? "Mittelwerte" : "Idealangebot";
     award::t_Bieter_DB_VERSION_3100 bidder{};
-    target.Change(std::string(what) + " als eigenen Bieter anlegen", streams.err, [&] {
-      bidder = award::StorePseudoBidder(target.Bidders(), comparison, kind);
-    });
+    target.Change(std::string(what) + " als eigenen Bieter anlegen", streams.err,
+                  [&] { bidder = award::StorePseudoBidder(target.Bidders(), comparison, kind); });
     const calc::TItemCalculation rounding(target.Converter(), target.List().FLv().EPGenauigkeit);
     if (json_) {
       streams.out << BidderJson(bidder, rounding, 0) << '\n';
