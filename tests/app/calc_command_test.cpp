@@ -31,7 +31,7 @@ int64_t RoundedDivision(int64_t numerator, int64_t denominator) {
 class CalcCommands : public ::testing::Test {
  protected:
   void SetUp() override {
-    Korvan({"demo"});
+    Korvan({"demo", "--setup-only"});
     Korvan({"lv", "new", "Kalkulation"});
   }
   ProgramResult Korvan(std::vector<std::string> args, int exit_code = 0,

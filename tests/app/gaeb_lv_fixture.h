@@ -16,7 +16,7 @@ namespace korvan::app {
 class GaebLvFixture : public ::testing::Test {
  protected:
   void SetUp() override {
-    Korvan({"demo"});
+    Korvan({"demo", "--setup-only"});
     Korvan({"lv", "new", "Rohbau", "--mask", "11.22.PPPP"});
     Korvan({"lv", "add", "Rohbau", "B", "--short", "Rohbau"});
     Korvan({"lv", "add", "Rohbau", "B", "--under", "01", "--short", "Erdarbeiten"});

@@ -21,7 +21,7 @@ using testing::WriteFile;
 
 class ListEditUndo : public ::testing::Test {
  protected:
-  void SetUp() override { Korvan({"demo"}); }
+  void SetUp() override { Korvan({"demo", "--setup-only"}); }
   ProgramResult Korvan(std::vector<std::string> args, int exit_code = 0,
                        const std::vector<std::string>& parts = {}) {
     return testing::ExpectKorvanOn(base_, std::move(args), exit_code, parts);

@@ -22,7 +22,7 @@ using testing::ProgramResult;
 class LvEditCommands : public ::testing::Test {
  protected:
   void SetUp() override {
-    Korvan({"demo"});
+    Korvan({"demo", "--setup-only"});
     Korvan({"lv", "new", "Rohbau", "--mask", "11.22.PPPP"});
   }
   ProgramResult Korvan(std::vector<std::string> args, int exit_code = 0,

@@ -18,7 +18,7 @@ using testing::ProgramResult;
 class LvQtyCommands : public ::testing::Test {
  protected:
   void SetUp() override {
-    Korvan({"demo"});
+    Korvan({"demo", "--setup-only"});
     Korvan({"lv", "new", "Rohbau", "--mask", "11.PPPP"});
     Korvan({"lv", "add", "Rohbau", "B", "--short", "Erdarbeiten"});
     Korvan({"lv", "add", "Rohbau", "P", "--under", "01", "--short", "Aushub", "--unit", "m3"});

@@ -18,7 +18,7 @@ namespace {
 class LvSums : public ::testing::Test {
  protected:
   void SetUp() override {
-    Korvan({"demo"});
+    Korvan({"demo", "--setup-only"});
     Korvan({"lv", "new", "Summen", "--mask", "11.22.PPPP"});
   }
   std::string Korvan(std::vector<std::string> args, int exit_code = 0) {

@@ -65,7 +65,7 @@ ProgramResult RunKilledAfter(int writes, const std::vector<std::string>& args) {
 class UndoCrash : public ::testing::Test {
  protected:
   void SetUp() override {
-    ExpectKorvanOn(base_, {"demo"});
+    ExpectKorvanOn(base_, {"demo", "--setup-only"});
     // Step "A": the Swiss franc's factor; it stays below every step the tests kill.
     ExpectKorvanOn(base_, {"edit", "waehrung", kDemoFrancRow, "Faktor=0,97"});
   }

@@ -25,7 +25,7 @@ bool HasJournalFiles(const fs::path& base) {
 TEST(UndoJournalFiles, ACopiedInstallationTakesItsStepsBackWhereItIsNow) {
   testing::TempDir dir;
   const fs::path original = dir.path() / "ava";
-  ExpectKorvanOn(original, {"demo"});
+  ExpectKorvanOn(original, {"demo", "--setup-only"});
   ExpectKorvanOn(original, {"edit", "waehrung", kDemoPoundRow, "Faktor=1,11"});
   ExpectKorvanOn(original, {"edit", "waehrung", kDemoFrancRow, "Faktor=0,97"});
   ExpectKorvanOn(original, {"undo"});
@@ -48,7 +48,7 @@ TEST(UndoJournalFiles, ACopiedInstallationTakesItsStepsBackWhereItIsNow) {
 TEST(UndoJournalFiles, RefusedOrUnchangingEditsAndLookingLeaveNoJournal) {
   testing::TempDir dir;
   const fs::path base = dir.path() / "ava";
-  ExpectKorvanOn(base, {"demo"});
+  ExpectKorvanOn(base, {"demo", "--setup-only"});
   ExpectKorvanOn(base, {"edit", "waehrung", "99", "Faktor=1,11"}, 2);
   ExpectKorvanOn(base, {"edit", "waehrung", kDemoPoundRow, "Faktor=nichts"}, 2);
   ExpectKorvanOn(base, {"undo"}, 1, {"Es gibt nichts rückgängig zu machen"});

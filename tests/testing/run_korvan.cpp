@@ -123,7 +123,9 @@ std::string WithoutWriteTimes(const std::string& dump) {
 
 std::filesystem::path MakeInstallation(const TempDir& dir, const std::string& command) {
   const std::filesystem::path base = dir.path() / "ava";
-  const ProgramResult made = RunKorvanBinary({command, "-d", base.string()});
+  std::vector<std::string> args = {command, "-d", base.string()};
+  if (command == "demo") args.push_back("--setup-only");
+  const ProgramResult made = RunKorvanBinary(args);
   EXPECT_EQ(made.exit_code, 0) << command << ": " << made.err;
   return base;
 }

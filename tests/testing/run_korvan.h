@@ -79,7 +79,8 @@ std::string WithoutWriteTimes(const std::string& dump);
 // Whether the run ended by a signal, a sanitizer report or an uncaught exception.
 bool Crashed(const ProgramResult& result);
 
-// An installation in `dir`/"ava" made by `korvan <command>` ("init" or "demo").
+// An installation in `dir`/"ava" made by `korvan <command>`: "init", or "demo" for the
+// sample installation of `korvan demo --setup-only`.
 std::filesystem::path MakeInstallation(const TempDir& dir, const std::string& command = "demo");
 
 }  // namespace korvan::testing

@@ -2,11 +2,11 @@
 
 #include "app/commands/admin/check_command.h"
 #include "app/commands/admin/config_command.h"
-#include "app/commands/admin/demo_command.h"
 #include "app/commands/admin/info_command.h"
 #include "app/commands/admin/init_command.h"
 #include "app/commands/admin/rebuild_command.h"
 #include "app/commands/admin/reorg_command.h"
+#include "app/commands/demo/demo_command.h"
 
 namespace korvan::app {
 

@@ -1,15 +1,10 @@
-// `korvan demo`: sets up a sample installation, enters a few currencies and units into
-// its master data and shows what the installation then holds.
-#include "app/commands/admin/demo_command.h"
+// The currencies and units the demo's sample needs beside the built-in currency list.
+#include "app/commands/demo/sample_master_data.h"
 
 #include <ostream>
 #include <string_view>
 
-#include <CLI/CLI.hpp>
-
 #include "app/cli/command_error.h"
-#include "app/commands/admin/info_command.h"
-#include "app/commands/admin/init_command.h"
 #include "app/commands/db/db_database.h"
 #include "app/program/command_sign_in.h"
 #include "app/program/data_dir.h"
@@ -23,7 +18,7 @@
 #include "data/tables/table_key.h"
 #include "storage/result_codes.h"
 
-namespace korvan::app {
+namespace korvan::app::demo {
 namespace {
 
 // The language of the sample units: German, the program's default language.
@@ -114,8 +109,8 @@ int AddUnits(data::TStdDb& db, const data::TCollectedMessages& messages) {
   return added;
 }
 
-// Enters the sample currencies and units into the master data of the installation,
-// skipping those that are there already.
+}  // namespace
+
 void AddSampleMasterData(const std::string& base_dir, std::ostream& out) {
   const Installation installation = LoadInstallation(base_dir);
   const data::DatabaseFiles files(installation.machine.ToDatabaseDirectories());
@@ -140,18 +135,4 @@ void AddSampleMasterData(const std::string& base_dir, std::ostream& out) {
       << " Einheiten eingetragen\n";
 }
 
-}  // namespace
-
-void DemoCommand::Define(CLI::App& app) {
-  AddDataDirOption(app, data_dir_);
-}
-
-int DemoCommand::Run(Streams& streams) {
-  PrintInstallationSetup(SetUpInstallation(data_dir_, ""), streams.out);
-  streams.out << "\n";
-  AddSampleMasterData(data_dir_, streams.out);
-  streams.out << "\n";
-  return RunInfo(data_dir_, streams);
-}
-
-}  // namespace korvan::app
+}  // namespace korvan::app::demo
