@@ -22,4 +22,13 @@ using TAngebotList = std::vector<TAO>;
 // The sum of a line's six unit-price components.
 double ComponentSum(const t_Angebot_DB_VERSION_201501& line);
 
+// An item that has no quantity may still be priced by the total its bid states; the line
+// keeps that total where a group keeps its lump sum (GPPsch). 0: none stated.
+inline double StatedTotalWithoutQuantity(const t_Angebot_DB_VERSION_201501& item) {
+  return item.GPPsch.Betrag;
+}
+inline void SetStatedTotalWithoutQuantity(t_Angebot_DB_VERSION_201501& item, double total) {
+  item.GPPsch.Betrag = total;
+}
+
 }  // namespace korvan::award

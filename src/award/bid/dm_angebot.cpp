@@ -71,7 +71,8 @@ void ScalePrices(TAngebotList& lines, const boq::TLVPosList& lv,
       part.Betrag = rounding.RoundUnitPrice(part.Betrag * factor);
     }
     if (!lv[static_cast<int>(i)].IsGroup()) {
-      a.GPPsch.Betrag = rounding.RoundAmount(a.GPPsch.Betrag * factor);
+      SetStatedTotalWithoutQuantity(
+          a, rounding.RoundAmount(StatedTotalWithoutQuantity(a) * factor));
     }
   }
 }
@@ -204,9 +205,8 @@ void TdmAngebot::Gesamtpreis(int line) {
   if (!IsPriced(line)) return;
   if (IsSurcharge(entry)) {
     a.GP.Betrag = rounding_.RoundAmount(SurchargeBase(line) / 100.0 * a.EP.Betrag);
-  } else if (IsZero(a.AMenge) && !IsZero(a.GPPsch.Betrag)) {
-    // An item without quantity whose bid states its total: that total is its price.
-    a.GP.Betrag = a.GPPsch.Betrag;
+  } else if (IsZero(a.AMenge) && !IsZero(StatedTotalWithoutQuantity(a))) {
+    a.GP.Betrag = StatedTotalWithoutQuantity(a);
   } else {
     a.GP.Betrag = rounding_.RoundAmount(a.AMenge * a.EP.Betrag);
   }
@@ -322,7 +322,7 @@ void TdmAngebot::UpdateStatus() {
 void TdmAngebot::SetUnitPrice(int line, double price) {
   t_Angebot_DB_VERSION_201501& a = lines_[static_cast<std::size_t>(line)].Angebot;
   a.EP.Betrag = price;
-  a.GPPsch.Betrag = 0.0;  // a typed price replaces a total stated without quantity
+  SetStatedTotalWithoutQuantity(a, 0.0);  // a typed price replaces it
   for (data::t_WaeBetrag& part : a.EPAnteil) part.Betrag = 0.0;
   if (a.Kennz == kMarkComponents || a.Kennz == kMarkFaulty || a.Kennz == kMarkNotOffered) {
     a.Kennz = kMarkNone;

@@ -24,7 +24,7 @@ struct t_Angebot_DB_VERSION_201501 {
   data::t_WaeBetrag GP;  // total (items) or sum (groups) before discount
   float NachlassProz;
   data::t_WaeBetrag GPnachNL;
-  data::t_WaeBetrag GPPsch;          // lump sum of a group, total of an item without qty
+  data::t_WaeBetrag GPPsch;          // lump sum of a group; StatedTotalWithoutQuantity
   char Kennz;                        // blank, or one of the marks below
   double Zeit;                       // working time per unit, minutes
   data::t_WaeBetrag GPExclNachlass;  // group sum before the group's discount

@@ -209,7 +209,7 @@ class TBidReader {
     const std::optional<std::string> not_offered = item.ChildText("NotOffered");
     if (not_offered && *not_offered == "Yes") {
       a.EP.Betrag = 0.0;
-      a.GPPsch.Betrag = 0.0;
+      award::SetStatedTotalWithoutQuantity(a, 0.0);
       for (data::t_WaeBetrag& part : a.EPAnteil) part.Betrag = 0.0;
       a.Kennz = award::kMarkNotOffered;
       return;
@@ -263,9 +263,9 @@ class TBidReader {
                                 std::optional<double> total) {
     award::t_Angebot_DB_VERSION_201501& a = bid_.FAList()[static_cast<std::size_t>(line)].Angebot;
     const double quantity = lv_[line].LvBeschr.KzFrMenge != 0 ? a.AMenge : bid_.LvBidQuantity(line);
-    a.GPPsch.Betrag = 0.0;
+    award::SetStatedTotalWithoutQuantity(a, 0.0);
     if (!total || std::fabs(*total) < kTolerance || std::fabs(quantity) >= kTolerance) return;
-    a.GPPsch.Betrag = *total;
+    award::SetStatedTotalWithoutQuantity(a, *total);
     Hint(item.line, "Position " + oz + ": ohne Menge; der Gesamtbetrag " + Figure(*total) +
                         " der Datei gilt als Gesamtpreis (Menge im LV 0)");
   }

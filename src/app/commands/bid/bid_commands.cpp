@@ -137,7 +137,7 @@ class BidSetCommand : public LvOperation {
   }
   void Define(CLI::App& app) override {
     AddLvArgument(app, lv_);
-    app.add_option("bidder", bidder_, "der Bieter: Bieter-Nr., Nummer oder Name")->required();
+    AddBidderArgument(app, bidder_);
     app.add_option("oz", oz_, "die Position (OZ)")->required();
     app.add_option("value", value_, "up=PREIS, z. B. up=12,50")->required();
   }
@@ -199,7 +199,7 @@ class BidCheckCommand : public LvOperation {
   }
   void Define(CLI::App& app) override {
     AddLvArgument(app, lv_);
-    app.add_option("bidder", bidder_, "der Bieter: Bieter-Nr., Nummer oder Name")->required();
+    AddBidderArgument(app, bidder_);
   }
   int Run(Streams& streams) override {
     BidLv target(data_dir, project, lv_, false);
@@ -248,7 +248,7 @@ class BidShowCommand : public LvOperation {
   std::string Summary() const override { return "die Angebotszeilen eines Bieters mit Summen"; }
   void Define(CLI::App& app) override {
     AddLvArgument(app, lv_);
-    app.add_option("bidder", bidder_, "der Bieter: Bieter-Nr., Nummer oder Name")->required();
+    AddBidderArgument(app, bidder_);
   }
   int Run(Streams& streams) override {
     BidLv target(data_dir, project, lv_, false);

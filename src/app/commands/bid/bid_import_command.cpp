@@ -57,7 +57,7 @@ class BidImportCommand : public LvOperation {
   }
   void Define(CLI::App& app) override {
     AddLvArgument(app, lv_);
-    app.add_option("bidder", bidder_, "der Bieter: Bieter-Nr., Nummer oder Name")->required();
+    AddBidderArgument(app, bidder_);
     app.add_option("file", file_, "die Angebotsdatei (.X84)")->required();
     app.add_flag("--overwrite", overwrite_, "vorhandene Preise des Bieters überschreiben");
   }

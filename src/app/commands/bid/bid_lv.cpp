@@ -2,6 +2,8 @@
 
 #include <ostream>
 
+#include <CLI/CLI.hpp>
+
 #include "app/cli/command_error.h"
 #include "app/cli/json_text.h"
 #include "award/bid/bidder_sums.h"
@@ -10,6 +12,11 @@
 #include "boq/model/lv_pos_list_io.h"
 
 namespace korvan::app {
+
+void AddBidderArgument(CLI::App& app, std::string& bidder) {
+  app.add_option("bidder", bidder, "der Bieter: Bieter-Nr., Nummer oder Name")->required();
+}
+
 BidLv::BidLv(const std::string& data_dir, const std::string& project, const std::string& lv,
              bool journal)
     : project_(data_dir, project),

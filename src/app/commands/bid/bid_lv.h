@@ -11,7 +11,15 @@
 #include "boq/model/lv_pos_list.h"
 #include "boq/units/value_converter.h"
 
+namespace CLI {
+class App;
+}
+
 namespace korvan::app {
+
+// The argument of every command on one bidder's bid, after the LV (AddLvArgument): the
+// bidder, named by its running number, id or name (BidLv::Bidder resolves it).
+void AddBidderArgument(CLI::App& app, std::string& bidder);
 
 // An LV loaded for a bid command: its entries, how the installation rounds, and its
 // bidders.

@@ -60,7 +60,7 @@ class BidderOperation : public LvOperation {
  public:
   void Define(CLI::App& app) override {
     AddLvArgument(app, lv_);
-    app.add_option("bidder", bidder_, "der Bieter: Bieter-Nr., Nummer oder Name")->required();
+    AddBidderArgument(app, bidder_);
     DefineMore(app);
   }
 
