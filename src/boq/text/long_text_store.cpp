@@ -161,7 +161,11 @@ int TLongTextStore::Store(int32_t id_bezug, char kz_bezug, int16_t id_lang,
     return result;
   }
   if (int result = WriteText(header_id, 'T', rich_text); result != 0) return result;
+  return StoreComplements(id_bezug, kz_bezug, id_lang, complements, id_bieter);
+}
 
+int TLongTextStore::StoreComplements(int32_t id_bezug, char kz_bezug, int16_t id_lang,
+                                     const TTEList& complements, int32_t id_bieter) {
   std::set<int32_t> kept;
   for (const TTEItem& item : complements.Items()) {
     if (int result = StoreComplement(item, id_bezug, kz_bezug, id_lang, id_bieter); result != 0) {

@@ -1,13 +1,12 @@
 // The texts of imported entries: GAEB text markup into the short text (plain) and the
 // long text (rich text, stored as RTF).
-#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "boq/text/rich_text.h"
 #include "boq/text/rtf_writer.h"
+#include "boq/text/short_text_fit.h"
 #include "boq/text/tb_texte.h"
-#include "data/common/cp1252.h"
 #include "exchange/gaeb_import/gaeb_import_context.h"
 #include "exchange/gaeb_xml/gaeb_text_converter.h"
 
@@ -26,44 +25,20 @@ const TGaebElement* OutlineMarkup(const TGaebElement& outline) {
   return markup != nullptr ? markup : outl_txt;
 }
 
-// A line cut into pieces of at most `width` characters, at the last blank where there is one.
-std::vector<std::string> Wrapped(const std::string& line, size_t width) {
-  std::vector<std::string> pieces;
-  std::string rest = line;
-  while (rest.size() > width) {
-    size_t cut = rest.rfind(' ', width);
-    if (cut == std::string::npos || cut == 0) cut = width;
-    pieces.push_back(rest.substr(0, cut));
-    rest = rest.substr(rest[cut] == ' ' ? cut + 1 : cut);
-  }
-  pieces.push_back(rest);
-  return pieces;
-}
-
 }  // namespace
 
 std::string FitShortText(TImportContext& context, int line, const std::string& text) {
-  data::Cp1252Report report;
-  const std::string stored = data::Utf8ToCp1252(text, &report);
-  if (!report.Exact()) {
-    context.Warn(line, "Kurztext \"" + text + "\": " + report.Describe());
+  const boq::TFittedShortText fitted = boq::FitShortTextLines(text);
+  if (!fitted.report.Exact()) {
+    context.Warn(line, "Kurztext \"" + text + "\": " + fitted.report.Describe());
   }
-  const size_t width = static_cast<size_t>(boq::TTbTexte::kLineCapacity);
-  std::string fitted;
-  bool wrapped = false;
-  size_t start = 0;
-  while (start <= stored.size()) {
-    const size_t end = std::min(stored.find('\n', start), stored.size());
-    const std::vector<std::string> pieces = Wrapped(stored.substr(start, end - start), width);
-    wrapped = wrapped || pieces.size() > 1;
-    for (const std::string& piece : pieces) fitted += (fitted.empty() ? "" : "\n") + piece;
-    start = end + 1;
-  }
-  if (wrapped) {
-    context.Warn(line, "Kurztext mit Zeilen über " + std::to_string(width) +
+  if (fitted.wrapped) {
+    context.Warn(line, "Kurztext mit Zeilen über " + std::to_string(boq::TTbTexte::kLineCapacity) +
                            " Zeichen: auf mehrere Zeilen umbrochen");
   }
-  return data::Cp1252ToUtf8(fitted);
+  std::string joined;
+  for (const std::string& piece : fitted.lines) joined += (joined.empty() ? "" : "\n") + piece;
+  return joined;
 }
 
 std::string PlainTextOf(const TGaebElement& markup) {
