@@ -46,12 +46,12 @@ class CalcCommands : public ::testing::Test {
   std::filesystem::path base_ = dir_.path() / "sample";
 };
 
-// Material and subcontracts carry the default surcharge of 5 %, the wage none while the
-// project has no average wage; unit prices round to cents, totals from them.
-TEST_F(CalcCommands, TwentyItemsGiveTheHandComputedPricesToTheCent) {
+// Two items priced from their cost elements through the program; the arithmetic of many
+// items is the calculation library's test.
+TEST_F(CalcCommands, CostElementsGiveTheHandComputedPricesToTheCent) {
   int64_t bid_total = 0;
   std::vector<int64_t> unit_prices, totals;
-  for (int64_t i = 1; i <= 20; ++i) {
+  for (int64_t i = 1; i <= 2; ++i) {
     const int64_t material = 1000 + (737 * i) % 50000, wage = 2500 + 311 * i;
     const int64_t subcontract = (913 * i) % 3000 + 5, milli_qty = 1000 + (12345 * i) % 99999;
     Korvan({"lv", "add", "Kalkulation", "P", "--short", "Position " + std::to_string(i)});
@@ -66,13 +66,18 @@ TEST_F(CalcCommands, TwentyItemsGiveTheHandComputedPricesToTheCent) {
   }
   const testing::JsonValue run =
       testing::ParseJson(Korvan({"calc", "run", "Kalkulation", "--json"}).out);
-  EXPECT_EQ(run["calculated"].Number(), 20);
+  EXPECT_EQ(run["calculated"].Number(), 2);
   EXPECT_EQ(std::llround(run["bid_total"].Number() * 100), bid_total);
-  for (int i : {1, 7, 20}) {
+  for (int i : {1, 2}) {
     const testing::JsonValue item = Item(std::to_string(i));
     EXPECT_EQ(std::llround(item["unit_prices"]["angebot"].Number() * 100), unit_prices[i - 1]);
     EXPECT_EQ(std::llround(item["totals"]["angebot"].Number() * 100), totals[i - 1]);
   }
+  Korvan({"calc", "set", "Kalkulation", "1", "X=3"}, 2, {"keine Kostenart"});
+  Korvan({"calc", "set", "Kalkulation", "1", "M=3+"}, 2, {"Formel \"3+\""});
+  Korvan({"calc", "item", "Kalkulation", "9"}, 1, {"keinen Eintrag mit der OZ"});
+  Korvan({"prices", "copy", "Kalkulation", "--from", "x", "--to", "0"}, 2, {"keine Preisspalte"});
+  Korvan({"prices", "percent", "Kalkulation"}, 1, {"noch nicht möglich"});
 }
 
 TEST_F(CalcCommands, PriceOperationsAreOneUndoStepEach) {
@@ -148,15 +153,6 @@ TEST_F(CalcCommands, TheEndSumMethodAllocatesTheOverheadsOntoTheItems) {
   Korvan({"undo"});
   EXPECT_EQ(ends()["angebotssumme"].Number(), 4262);
   Korvan({"calc", "endsum", "Kalkulation", "set", "lohn=3"}, 2, {"keine Einstellung"});
-}
-
-TEST_F(CalcCommands, RefusalsSayWhy) {
-  Korvan({"lv", "add", "Kalkulation", "P"});
-  Korvan({"calc", "set", "Kalkulation", "1", "X=3"}, 2, {"keine Kostenart"});
-  Korvan({"calc", "set", "Kalkulation", "1", "M=3+"}, 2, {"Formel \"3+\""});
-  Korvan({"calc", "item", "Kalkulation", "9"}, 1, {"keinen Eintrag mit der OZ"});
-  Korvan({"prices", "copy", "Kalkulation", "--from", "x", "--to", "0"}, 2, {"keine Preisspalte"});
-  Korvan({"prices", "percent", "Kalkulation"}, 1, {"noch nicht möglich"});
 }
 
 }  // namespace

@@ -1,8 +1,13 @@
 // The calculation tables: the master defaults and the per-LV copies made on first use.
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdint>
 #include <memory>
 
+#include "boq/model/lv_pos.h"
+#include "boq/model/lv_pos_list.h"
+#include "boq/units/value_converter.h"
 #include "calc/model/cost_types.h"
 #include "calc/price/lv_calculation.h"
 #include "calc/tables/calc_table_types.h"
@@ -136,6 +141,52 @@ TEST_F(CalcTablesTest, CostElementsGiveDirectCostsAndPricesWithTheSurcharges) {
   EXPECT_DOUBLE_EQ(with_wage.Surcharges()[1], 85.0);
   calculation.SetCostElement(30, TResultIndex::kLohn, 0);
   EXPECT_EQ(calculation.CostsOf(30).direct_total, 16.0);
+}
+
+// Half a unit and more rounds up (every amount here is positive).
+int64_t RoundedDivision(int64_t numerator, int64_t denominator) {
+  return (numerator * 2 + denominator) / (denominator * 2);
+}
+
+// Material and subcontracts carry the default surcharge of 5 %, the wage none while the
+// project has no average wage; unit prices round to cents, totals from them.
+TEST_F(CalcTablesTest, TwentyItemsGiveTheHandComputedPricesToTheCent) {
+  TTbZuR(*master_).InitTable();
+  TLvCalculation calculation(*project_, *master_, 4, true);
+  boq::TLVPosList list;
+  std::vector<int64_t> unit_prices, totals;
+  int64_t bid_total = 0;
+  for (int64_t i = 1; i <= 20; ++i) {
+    const int64_t material = 1000 + (737 * i) % 50000, wage = 2500 + 311 * i;
+    const int64_t subcontract = (913 * i) % 3000 + 5, milli_qty = 1000 + (12345 * i) % 99999;
+    boq::TLvPos item = boq::NewLvPos('P');
+    item.Struktur.IdBgBeschr = static_cast<int32_t>(i);
+    item.LvBgBeschr.IDBeschr = static_cast<int32_t>(1000 + i);
+    item.LvBeschr.FMenge = static_cast<double>(milli_qty) / 1000.0;
+    list.Add(item);
+    calculation.SetCostElement(item.LvBgBeschr.IDBeschr, TResultIndex::kMaterial,
+                               static_cast<double>(material) / 100.0);
+    calculation.SetCostElement(item.LvBgBeschr.IDBeschr, TResultIndex::kLohn,
+                               static_cast<double>(wage) / 100.0);
+    calculation.SetCostElement(item.LvBgBeschr.IDBeschr, TResultIndex::kFremd,
+                               static_cast<double>(subcontract) / 100.0);
+    unit_prices.push_back(RoundedDivision(105 * (material + subcontract) + 100 * wage, 100));
+    totals.push_back(RoundedDivision(milli_qty * unit_prices.back(), 1000));
+    bid_total += totals.back();
+  }
+  boq::TValueConverterSettings settings;
+  settings.currency_rounding = data::TRoundingType::rtCommercial;
+  const boq::TAvaUiValueConverter converter(boq::TCurrencyList(), settings);
+  const TItemCalculation rounding(converter, 2);
+  calculation.UpdateCalculatedPrices(list, rounding);
+  double sum = 0.0;
+  for (int i = 0; i < list.Count(); ++i) {
+    const boq::TLvPos& item = list[i];
+    EXPECT_EQ(std::llround(item.LvBeschr.AngebotsEP.Betrag * 100), unit_prices[i]) << i + 1;
+    EXPECT_EQ(std::llround(item.LvBgBeschr.AngebotsGP.Betrag * 100), totals[i]) << i + 1;
+    sum += item.LvBgBeschr.AngebotsGP.Betrag;
+  }
+  EXPECT_EQ(std::llround(rounding.RoundAmount(sum) * 100), bid_total);
 }
 
 }  // namespace
