@@ -20,9 +20,33 @@ class BidCommand : public GaebLvFixture {
     Korvan({"bidder", "add", "Rohbau", "Musterbau GmbH", "--address", "Baustraße 1, Musterstadt"});
     Korvan({"bidder", "add", "Rohbau", "Zweitbau"});
   }
+  // A DA 84 file of the BoQ `name` with one item `item` in section `group`.01.
+  static std::string BidFile(const std::string& name, const std::string& group,
+                             const std::string& item, const std::string& content) {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+           "<GAEB xmlns=\"http://www.gaeb.de/GAEB_DA_XML/DA84/3.3\">"
+           "<GAEBInfo><Version>3.3</Version><VersDate>2021-05</VersDate></GAEBInfo>"
+           "<Award><DP>84</DP><BoQ ID=\"B\"><BoQInfo><Name>" +
+           name + "</Name></BoQInfo><BoQBody><BoQCtgy ID=\"C1\" RNoPart=\"" + group +
+           "\"><BoQBody><BoQCtgy ID=\"C2\" RNoPart=\"01\"><BoQBody><Itemlist><Item ID=\"I\" "
+           "RNoPart=\"" +
+           item + "\">" + content +
+           "</Item></Itemlist></BoQBody></BoQCtgy></BoQBody></BoQCtgy></BoQBody></BoQ></Award>"
+           "</GAEB>\n";
+  }
+  std::string Write(const std::string& name, const std::string& content) {
+    const std::string path = dir_.File(name);
+    std::ofstream(path, std::ios::binary) << content;
+    return path;
+  }
 };
 
-TEST_F(BidCommand, TypedPricesGiveTotalsRanksAndUndoSteps) {
+// One installation for all: typed prices and the ranks, a discount, a lump sum, their
+// conversion into unit prices and the prices taken into the LV; the bidder's bid written
+// as DA 84 comes back into another bidder whole, a file of another LV stores nothing and
+// says which; what a bidder writes into the gaps of the LV's texts and its comments come
+// with its file; the estimate bidder carries the LV's estimated prices.
+TEST_F(BidCommand, PricesDiscountsFilesTextsAndTheEstimateBidder) {
   Korvan({"bid", "set", "Rohbau", "1", "01.01.0001", "up=10,00"}, 0, {"GP 1200,00"});
   Korvan({"bid", "set", "Rohbau", "Zweitbau", "01.01.0001", "up=9,50"});
   Korvan({"bid", "set", "Rohbau", "Zweitbau", "01.01.0002", "up=1"});
@@ -36,37 +60,7 @@ TEST_F(BidCommand, TypedPricesGiveTotalsRanksAndUndoSteps) {
   Korvan({"bid", "set", "Rohbau", "3", "01.01.0001", "up=1"}, 1, {"keinen Bieter \"3\""});
   Korvan({"bid", "set", "Rohbau", "1", "01.01.0001", "ep=1"}, 2, {"up=PREIS"});
   Korvan({"bidder", "add", "Rohbau", std::string(41, 'x')}, 2, {"1 bis 40 Zeichen"});
-}
 
-// The bidder's bid written as DA 84 comes back into another bidder whole; a file of
-// another LV stores nothing and says which.
-TEST_F(BidCommand, ExportedBidComesBackAndAForeignFileIsRefused) {
-  Korvan({"bid", "set", "Rohbau", "1", "01.01.0001", "up=12,34"});
-  Korvan({"bid", "set", "Rohbau", "1", "01.01.0002", "up=5,55"});
-  const std::string file = dir_.File("bid.X84");
-  Korvan({"gaeb", "export", "Rohbau", "--phase", "84", "--bidder", "1", "-o", file});
-  Korvan({"bid", "import", "Rohbau", "2", file, "--json"}, 0,
-         {"\"matched_items\": 2", "\"prices\": 2", "\"checked\": 1924.8,", "\"findings\": []"});
-  Korvan({"lv", "new", "Dach", "--mask", "11.22.PPPP"});
-  Korvan({"lv", "add", "Dach", "B", "--short", "Dach"});
-  Korvan({"lv", "add", "Dach", "B", "--short", "Dämmung"});
-  Korvan({"lv", "add", "Dach", "B", "--under", "02", "--short", "Dach"});
-  Korvan({"lv", "add", "Dach", "P", "--under", "02.01", "--short", "Ziegel", "--qty", "1"});
-  Korvan({"bidder", "add", "Dach", "Dachdecker"});
-  const std::string dach = dir_.File("dach.X84");
-  Korvan({"gaeb", "export", "Dach", "--phase", "84", "--bidder", "1", "-o", dach});
-  Korvan({"bid", "import", "Rohbau", "1", dach, "--overwrite"}, 1,
-         {"anderen LV (\"Dach\")", "nicht zu LV \"Rohbau\"", "nichts gespeichert"});
-  Korvan({"bid", "import", "Rohbau", "1", file}, 1, {"schon Preise", "--overwrite"});
-  Korvan({"gaeb", "export", "Rohbau", "--phase", "83", "--bidder", "1"}, 2, {"Phase 84"});
-  Korvan({"lv", "delete", "Rohbau"});
-  Korvan({"check"}, 0, {"0 Problem(e)"});
-}
-
-// A discount, a lump sum, their conversion into unit prices and the prices taken into the
-// LV's award or estimate column.
-TEST_F(BidCommand, DiscountLumpSumConversionAndCopyIntoTheLv) {
-  Korvan({"bid", "set", "Rohbau", "1", "01.01.0001", "up=10"});
   Korvan({"bid", "set", "Rohbau", "1", "01.01.0002", "up=1"});
   Korvan({"bid", "discount", "Rohbau", "1", "percent=10", "--json"}, 0,
          {"\"checked\": 1280,", "\"after_discount\": 1152,"});
@@ -89,6 +83,46 @@ TEST_F(BidCommand, DiscountLumpSumConversionAndCopyIntoTheLv) {
   Korvan({"lv", "show", "Rohbau", "--json"}, 0, {"\"estimate\": 704,"});
   Korvan({"undo"});
   Korvan({"lv", "show", "Rohbau", "--json"}, 0, {"\"estimate\": 2299.2,"});
+  Korvan({"bid", "copy", "Rohbau", "1", "--to", "catalog"}, 1, {"noch nicht verfügbar"});
+
+  Korvan({"bid", "set", "Rohbau", "1", "01.01.0001", "up=12,34"});
+  Korvan({"bid", "set", "Rohbau", "1", "01.01.0002", "up=5,55"});
+  const std::string file = dir_.File("bid.X84");
+  Korvan({"gaeb", "export", "Rohbau", "--phase", "84", "--bidder", "1", "-o", file});
+  Korvan({"bid", "import", "Rohbau", "2", file, "--overwrite", "--json"}, 0,
+         {"\"matched_items\": 2", "\"prices\": 2", "\"checked\": 1924.8,", "\"findings\": []"});
+
+  Korvan({"lv", "set", "Rohbau", "01.01.0001",
+          "long-file=" + Write("gap.rtf", "{\\rtf1\\ansi Beton \\'ff\\'ff\\par}")});
+  Korvan({"bid", "check", "Rohbau", "2", "--json"}, 0,
+         {"\"without_bidder_texts\": [\"01.01.0001\"], \"bidder_texts_checked\": true"});
+  const std::string texts = Write(
+      "texts.X84", BidFile("Rohbau", "01", "0001",
+                           "<UP>11.00</UP><Description><CompleteText><DetailTxt><TextComplement "
+                           "Kind=\"Bidder\" MarkLbl=\"1\"><ComplBody><p><span>Fabrikat X</span></p>"
+                           "</ComplBody></TextComplement></DetailTxt></CompleteText></Description>"
+                           "<BidComm><p><span>Lieferzeit 4 Wochen</span></p></BidComm>"));
+  Korvan({"bid", "import", "Rohbau", "2", texts, "--overwrite", "--json"}, 0,
+         {"\"comments\": 1, \"bidder_texts\": 1"});
+  Korvan({"bid", "show", "Rohbau", "2", "--json"}, 0,
+         {"\"comment\": [\"Lieferzeit 4 Wochen\"], \"bidder_texts\": [{\"gap\": 1, \"text\": "
+          "\"Fabrikat X\"}]"});
+  Korvan({"bid", "check", "Rohbau", "2"}, 0, {"Positionen mit fehlenden Bieterrextergänzungen: 0"});
+  Korvan({"bidder", "add", "Rohbau", "--estimate", "--json"}, 0,
+         {"\"name\": \"Schaetzbieter\", \"checked\": 2299.2,", "\"estimate\": true"});
+  Korvan({"bidder", "add", "Rohbau", "--estimate"}, 0, {"aufgefrischt; Geprüft 2299,20"});
+  Korvan({"bidder", "add", "Rohbau", "Schaetzbieter"}, 2, {"--estimate"});
+  Korvan({"bidder", "list", "Rohbau", "--currency", "CHF", "--json"}, 0,
+         {"\"name\": \"Schaetzbieter\", \"checked\": 2161.25,", "\"display_currency\": \"CHF\""});
+  Korvan({"bid", "show", "Rohbau", "1", "--currency", "XYZ"}, 2, {"keine Währung"});
+
+  const std::string dach = Write("dach.X84", BidFile("Dach", "02", "0001", "<UP>1.00</UP>"));
+  Korvan({"bid", "import", "Rohbau", "1", dach, "--overwrite"}, 1,
+         {"anderen LV (\"Dach\")", "nicht zu LV \"Rohbau\"", "nichts gespeichert"});
+  Korvan({"bid", "import", "Rohbau", "1", file}, 1, {"schon Preise", "--overwrite"});
+  Korvan({"gaeb", "export", "Rohbau", "--phase", "83", "--bidder", "1"}, 2, {"Phase 84"});
+  Korvan({"lv", "delete", "Rohbau"});
+  Korvan({"check"}, 0, {"0 Problem(e)"});
 }
 
 }  // namespace

@@ -138,8 +138,7 @@ TEST_F(CalcCommands, TheEndSumMethodAllocatesTheOverheadsOntoTheItems) {
   Korvan({"lv", "add", "Baustelle", "P", "--qty", "1", "--up", "300"});
   Korvan({"prices", "copy", "Baustelle", "--from", "schaetz", "--to", "angebot"});
   Korvan({"calc", "endsum", "Kalkulation", "set", "verfahren=E", "umlage-lv=Baustelle"}, 0,
-         {"BGK (Umlage-LV \"Baustelle\"): 300,00", "Gesamtumlage: 762,00",
-          "Angebotssumme: 4262,00",
+         {"BGK (Umlage-LV \"Baustelle\"): 300,00", "Gesamtumlage: 762,00", "Angebotssumme: 4262,00",
           "Umlage auf Lohn: 687,00 (20,000 Lohnstunden, je Stunde 34,35)"});
   // The wage takes what is left: 200 × (1 + 687 / 2000) = 268,70 per unit.
   const testing::JsonValue run =

@@ -6,15 +6,21 @@
 #include <string>
 
 #include "award/award_tables.h"
+#include "award/bid/bid_texts.h"
 #include "award/bid/bidder_sums.h"
 #include "award/bid/dm_angebot.h"
 #include "award/bid/dm_bieter.h"
+#include "award/bid/estimate_bidder.h"
 #include "award/tables/tb_angebot.h"
 #include "award/tables/tb_bieter.h"
 #include "boq/boq_tables.h"
 #include "boq/lv/lv_table_types.h"
 #include "boq/lv/project_lvs.h"
 #include "boq/model/lv_pos.h"
+#include "boq/model/lv_pos_list_io.h"
+#include "boq/text/long_text_store.h"
+#include "boq/text/rich_text.h"
+#include "boq/text/rtf_writer.h"
 #include "data/records/null_values.h"
 #include "data/tables/data_tables.h"
 #include "data/tables/std_db.h"
@@ -49,6 +55,7 @@ class Bids : public ::testing::Test {
     InitLvHeader();
   }
   void TearDown() override {
+    texts_.reset();
     db_.reset();
     data::TStdDbDatas::Instance().ReleaseEmpty();
   }
@@ -87,8 +94,31 @@ class Bids : public ::testing::Test {
     return bid.FAList()[static_cast<std::size_t>(line)].Angebot;
   }
 
+  // The project's text database, made on first use.
+  data::TStdDb& Texts() {
+    if (!texts_) {
+      texts_ = std::make_unique<data::TStdDb>("DB_Texte", dir_.path().string() + "/", 'C', 45);
+      texts_->SetModifiedById("ALICE");
+      EXPECT_EQ(texts_->DbCreate(), 0);
+    }
+    return *texts_;
+  }
+  // Gives an item a long text with its gaps, by their bodies ("" leaves the gap empty).
+  void LongTextWithGaps(int line, int32_t description, const std::vector<std::string>& gaps) {
+    lv_[line].LvBgBeschr.IDBeschr = description;
+    boq::TRichText text;
+    boq::AppendRunText(text.blocks[0].runs, "Beton ", {});
+    for (std::size_t i = 0; i < gaps.size(); ++i) {
+      text.blocks[0].runs.push_back({gaps[i], {}, static_cast<int>(i + 1)});
+      boq::AppendRunText(text.blocks[0].runs, " und ", {});
+    }
+    boq::TLongTextStore store(Texts());
+    ASSERT_EQ(store.Store(description, 'L', boq::kEntryTextLanguage, boq::WriteRtf(text), {}), 0);
+  }
+
   korvan::testing::TempDir dir_;
   std::unique_ptr<data::TStdDb> db_;
+  std::unique_ptr<data::TStdDb> texts_;
   boq::TLVPosList lv_;
   boq::TAvaUiValueConverter converter_ = Converter();
   int32_t next_id_ = 100;
@@ -226,6 +256,28 @@ TEST_F(Bids, BidderSumsToTheCent) {
   EXPECT_STREQ(BidderStatusText(kBidsBlanko), "BA");
 }
 
+// A display currency converts every sum from the LV's currency and rounds it to its own
+// decimals; the LV's own currency shows the sums as they are.
+TEST(BidderSums, ShownInADisplayCurrency) {
+  boq::TCurrencyList currencies;
+  currencies.Add({1, "EUR", 1.0, 2, 2, 49});
+  currencies.Add({2, "CHF", 0.94, 2, 2, 41});
+  boq::TValueConverterSettings settings;
+  settings.project_currency = 1;
+  const boq::TAvaUiValueConverter converter(currencies, settings);
+  TBidderTotals totals;
+  totals.checked = 2299.2;
+  totals.net = 1000.0;
+  totals.vat_rate = 19.0;
+  totals.gross = 1190.0;
+  const TBidderTotals francs = InDisplayCurrency(totals, converter, 2);
+  EXPECT_DOUBLE_EQ(francs.checked, 2161.25);  // 2161,248
+  EXPECT_DOUBLE_EQ(francs.net, 940.0);
+  EXPECT_DOUBLE_EQ(francs.gross, 1118.6);
+  EXPECT_DOUBLE_EQ(francs.vat_rate, 19.0);
+  EXPECT_DOUBLE_EQ(InDisplayCurrency(totals, converter, 1).checked, 2299.2);
+}
+
 TEST_F(Bids, CheckFindsGapsAndArithmetic) {
   const int group = Group();
   const int priced = Item(group, 5);
@@ -332,6 +384,91 @@ TEST_F(Bids, DeletingABidderOrItsLvTakesTheLinesWithIt) {
   EXPECT_TRUE(bidders.Find(other));
   EXPECT_TRUE(lines.Find(other, 1));
   EXPECT_EQ(bidders.ListOfLv(kept).size(), 1U);
+}
+
+// The bidder fills the gaps the client's text leaves empty; what it writes and its comments
+// are its own, stored with its bid, checked by the bid check and deleted with the bidder.
+TEST_F(Bids, BidderTextsAndCommentsAreKeptPerBidderAndChecked) {
+  const int group = Group();
+  const int concrete = Item(group, 5);
+  LongTextWithGaps(concrete, 500, {"C25/30", "", ""});
+  const int plain = Item(group, 5);
+  LongTextWithGaps(plain, 501, {});
+  const int bare = Item(group, 5);
+  TdmBieter bidders(*db_, &Texts(), lv_, converter_);
+  const t_Bieter_DB_VERSION_3100 first = bidders.AddBidder("Musterbau", "");
+  const t_Bieter_DB_VERSION_3100 second = bidders.AddBidder("Zweitbau", "");
+  {
+    std::unique_ptr<TdmAngebot> bid = bidders.OpenBid(first);
+    EXPECT_FALSE(bid->AngebotsCheck().bidder_texts_checked);  // texts not read yet
+    bid->ReadTexts();
+    EXPECT_EQ(bid->BidderGapsOf(concrete), (std::vector<int>{2, 3}));
+    EXPECT_TRUE(bid->BidderGapsOf(plain).empty());
+    TBidCheck check = bid->AngebotsCheck();
+    EXPECT_TRUE(check.bidder_texts_checked);
+    EXPECT_EQ(check.without_bidder_texts, std::vector<int>{concrete});
+    EXPECT_TRUE(check.Found());
+    bid->SetTexts(concrete, {"Lieferzeit 4 Wochen"}, {{2, "Fabrikat X"}, {3, " "}});
+    EXPECT_EQ(bid->AngebotsCheck().without_bidder_texts, std::vector<int>{concrete});  // 3 blank
+    bid->SetTexts(concrete, {"Lieferzeit 4 Wochen"}, {{2, "Fabrikat X"}, {3, "Typ 7"}});
+    bid->SetTexts(bare, {"ohne Preis, mit Kommentar", "zweite Zeile"}, {});
+    EXPECT_TRUE(bid->AngebotsCheck().without_bidder_texts.empty());
+    bid->Save();
+  }
+  std::unique_ptr<TdmAngebot> bid = bidders.OpenBid(first);
+  bid->ReadTexts();
+  const TAO& stored = bid->FAList()[static_cast<std::size_t>(concrete)];
+  EXPECT_EQ(stored.BidderTexts, (TBidderTexts{{2, "Fabrikat X"}, {3, "Typ 7"}}));
+  EXPECT_EQ(stored.Kommentar, std::vector<std::string>{"Lieferzeit 4 Wochen"});
+  const TAO& commented = bid->FAList()[static_cast<std::size_t>(bare)];
+  EXPECT_TRUE(commented.Stored);  // a comment needs the line's id
+  EXPECT_EQ(commented.Kommentar.size(), 2U);
+  std::unique_ptr<TdmAngebot> other = bidders.OpenBid(second);
+  other->ReadTexts();
+  EXPECT_TRUE(other->FAList()[static_cast<std::size_t>(concrete)].BidderTexts.empty());
+  EXPECT_EQ(other->AngebotsCheck().without_bidder_texts, std::vector<int>{concrete});
+
+  TTbBieter table(*db_, &Texts());
+  ASSERT_TRUE(table.Find(first.ID));
+  ASSERT_EQ(table.DeleteRec(), 0);
+  TBidTextStore texts(Texts());
+  EXPECT_TRUE(texts.TextsOf(first.ID, 500).empty());
+  EXPECT_TRUE(texts.CommentOf(commented.Angebot.ID).empty());
+  EXPECT_EQ(texts.GapsOf(500), (std::vector<int>{2, 3}));  // the LV's text stays
+}
+
+// The estimate bidder carries the LV's estimated prices, is made once and refreshed after,
+// and its lump sum is spread over the estimated prices, not over prices typed since.
+TEST_F(Bids, TheEstimateBidderTakesTheEstimatedPrices) {
+  const int group = Group();
+  const int priced = Item(group, 10);
+  lv_[priced].LvBeschr.SchaetzEP.Betrag = 12.5;
+  const int without_quantity = Item(group, 0);
+  lv_[without_quantity].LvBgBeschr.SchaetzGP.Betrag = 300;
+  const int unpriced = Item(group, 2);
+  bool created = false;
+  const t_Bieter_DB_VERSION_3100 made =
+      TdmBieter(*db_, nullptr, lv_, converter_).EstimateBidder(&created);
+  EXPECT_TRUE(created);
+  EXPECT_TRUE(IsEstimateBidder(made));
+  EXPECT_DOUBLE_EQ(Val(made.Summe.Betrag), 425.0);
+  EXPECT_EQ(Val(made.Status), kBidsIncomplete);
+  lv_[priced].LvBeschr.SchaetzEP.Betrag = 13;
+  lv_[unpriced].LvBeschr.SchaetzEP.Betrag = 5;
+  TdmBieter bidders(*db_, nullptr, lv_, converter_);
+  const t_Bieter_DB_VERSION_3100 refreshed = bidders.EstimateBidder(&created);
+  EXPECT_FALSE(created);
+  EXPECT_EQ(refreshed.ID, made.ID);
+  EXPECT_EQ(bidders.Bidders().size(), 1U);
+  EXPECT_DOUBLE_EQ(Val(refreshed.Summe.Betrag), 440.0);
+  EXPECT_EQ(Val(refreshed.Status), 0);
+
+  std::unique_ptr<TdmAngebot> bid = bidders.OpenBid(refreshed);
+  Line(*bid, priced).EP.Betrag = 99;
+  bid->Bidder().SummePsch.Betrag = 220;
+  ASSERT_TRUE(bid->ConvertLumpSum());
+  EXPECT_DOUBLE_EQ(Val(Line(*bid, priced).EP.Betrag), 6.5);
+  EXPECT_DOUBLE_EQ(Val(bid->Bidder().Summe.Betrag), 220.0);
 }
 
 }  // namespace

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <array>
+#include <string>
 #include <vector>
 
+#include "award/bid/bid_texts.h"
 #include "award/tables/angebot_record.h"
 
 namespace korvan::award {
@@ -14,6 +16,9 @@ struct TAO {
   double GPvorNL = 0.0;                    // group: sum before the group's discount
   bool Stored = false;                     // a record of the line exists
   t_Angebot_DB_VERSION_201501 AsStored{};  // the record as read, to write only changes
+  std::vector<std::string> Kommentar;      // the bidder's comment, line by line
+  TBidderTexts BidderTexts;                // what the bidder wrote into the entry's gaps
+  bool TextsChanged = false;               // Kommentar or BidderTexts are to be stored
 };
 
 // One TAO per LV line, index = LV line index.

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "data/records/null_values.h"
+
 namespace korvan::award {
 namespace {
 
@@ -35,6 +37,20 @@ TBidderTotals ComputeBidderSums(t_Bieter_DB_VERSION_3100& bidder,
   bidder.SummeNachNL.Betrag = totals.after_discount;
   bidder.SummeBrutto.Betrag = totals.gross;
   return totals;
+}
+
+TBidderTotals InDisplayCurrency(const TBidderTotals& totals,
+                                const boq::TAvaUiValueConverter& converter, int32_t currency) {
+  auto shown = [&](double amount) {
+    return converter.ConvertCurrencyValue(amount, data::kOwnerCurrencyId, currency, true);
+  };
+  TBidderTotals display = totals;
+  for (double* amount :
+       {&display.checked, &display.after_discount, &display.lump_sum, &display.net, &display.vat,
+        &display.gross, &display.gross_after_cash_discount, &display.cash_discount}) {
+    *amount = shown(*amount);
+  }
+  return display;
 }
 
 const char* BidderStatusText(uint8_t status) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "award/tables/bieter_record.h"
+#include "boq/units/value_converter.h"
 #include "calc/price/item_calculation.h"
 
 namespace korvan::award {
@@ -24,6 +25,12 @@ struct TBidderTotals {
 // gross total; SummeNachNL and SummeBrutto are written into the record.
 TBidderTotals ComputeBidderSums(t_Bieter_DB_VERSION_3100& bidder,
                                 const calc::TItemCalculation& rounding);
+
+// The sums shown in another currency ("Währung Anzeige"): every amount converted from the
+// LV's currency into `currency` and rounded to its decimals; the rates stay as they are.
+// ECurrencyError when the converter's table lacks either currency.
+TBidderTotals InDisplayCurrency(const TBidderTotals& totals,
+                                const boq::TAvaUiValueConverter& converter, int32_t currency);
 
 // "Status": "UV" incomplete (it wins), "BA" no prices yet, empty otherwise.
 const char* BidderStatusText(uint8_t status);

@@ -3,8 +3,10 @@
 #include <cmath>
 #include <cstring>
 #include <map>
+#include <optional>
 
 #include "award/bid/bidder_sums.h"
+#include "award/bid/estimate_bidder.h"
 #include "award/tables/tb_angebot.h"
 #include "award/tables/tb_bieter.h"
 #include "data/records/null_values.h"
@@ -47,8 +49,11 @@ bool SameValues(const t_Angebot_DB_VERSION_201501& a, const t_Angebot_DB_VERSION
                      reinterpret_cast<const char*>(&b) + header, sizeof a - header) == 0;
 }
 
-// Whether a line not stored yet holds anything worth a record.
-bool HoldsValues(const t_Angebot_DB_VERSION_201501& line) {
+// Whether a line not stored yet holds anything worth a record; a comment hangs on the
+// line's id, so it needs one.
+bool HoldsValues(const TAO& bid_line) {
+  const t_Angebot_DB_VERSION_201501& line = bid_line.Angebot;
+  if (!bid_line.Kommentar.empty()) return true;
   if (!IsZero(line.EP.Betrag) || !IsZero(line.GP.Betrag) || !IsZero(line.NachlassProz) ||
       !IsZero(line.GPPsch.Betrag) || !IsZero(line.DiscountAmt.Betrag) || !IsZero(line.Zeit) ||
       line.Kennz != kMarkNone) {
@@ -71,8 +76,8 @@ void ScalePrices(TAngebotList& lines, const boq::TLVPosList& lv,
       part.Betrag = rounding.RoundUnitPrice(part.Betrag * factor);
     }
     if (!lv[static_cast<int>(i)].IsGroup()) {
-      SetStatedTotalWithoutQuantity(
-          a, rounding.RoundAmount(StatedTotalWithoutQuantity(a) * factor));
+      SetStatedTotalWithoutQuantity(a,
+                                    rounding.RoundAmount(StatedTotalWithoutQuantity(a) * factor));
     }
   }
 }
@@ -86,9 +91,11 @@ double ComponentSum(const t_Angebot_DB_VERSION_201501& line) {
 }
 
 TdmAngebot::TdmAngebot(data::TStdDb& lv_db, const boq::TLVPosList& lv,
-                       const boq::TAvaUiValueConverter& converter, TBidSettings settings)
+                       const boq::TAvaUiValueConverter& converter, TBidSettings settings,
+                       data::TStdDb* text_db)
     : TSTDdataModule(kDataModuleId, "Angebot"),
       lv_db_(lv_db),
+      text_db_(text_db),
       lv_(lv),
       converter_(converter),
       rounding_(converter, lv.FLv().EPGenauigkeit),
@@ -126,6 +133,37 @@ void TdmAngebot::Open(const t_Bieter_DB_VERSION_3100& bidder) {
       line.Angebot.IdLvBgBeschr = entry;
     }
   }
+}
+
+void TdmAngebot::ReadTexts() {
+  bidder_gaps_.assign(lines_.size(), {});
+  texts_read_ = text_db_ != nullptr;
+  if (!texts_read_) return;
+  TBidTextStore texts(*text_db_);
+  for (int i = 0; i < lv_.Count(); ++i) {
+    TAO& line = lines_[static_cast<std::size_t>(i)];
+    if (line.TextsChanged) continue;  // set in memory, not stored yet
+    if (line.Stored) line.Kommentar = texts.CommentOf(line.Angebot.ID);
+    const int32_t description = lv_[i].LvBgBeschr.IDBeschr;
+    if (description == data::kNullId) continue;
+    bidder_gaps_[static_cast<std::size_t>(i)] = texts.GapsOf(description);
+    if (!bidder_gaps_[static_cast<std::size_t>(i)].empty()) {
+      line.BidderTexts = texts.TextsOf(bidder_.ID, description);
+    }
+  }
+}
+
+const std::vector<int>& TdmAngebot::BidderGapsOf(int line) const {
+  static const std::vector<int> kNone;
+  if (!texts_read_) return kNone;
+  return bidder_gaps_[static_cast<std::size_t>(line)];
+}
+
+void TdmAngebot::SetTexts(int line, std::vector<std::string> comment, TBidderTexts texts) {
+  TAO& bid_line = lines_[static_cast<std::size_t>(line)];
+  bid_line.Kommentar = std::move(comment);
+  bid_line.BidderTexts = std::move(texts);
+  bid_line.TextsChanged = true;
 }
 
 bool TdmAngebot::IsPriced(int line) const {
@@ -356,11 +394,36 @@ TBidCheck TdmAngebot::AngebotsCheck() const {
       check.total_differs.push_back(i);
     }
   }
+  check.bidder_texts_checked = texts_read_;
+  for (int i = 0; texts_read_ && i < lv_.Count(); ++i) {
+    const TAO& line = lines_[static_cast<std::size_t>(i)];
+    if (!UnfilledGaps(BidderGapsOf(i), line.BidderTexts).empty()) {
+      check.without_bidder_texts.push_back(i);
+    }
+  }
   return check;
+}
+
+int TdmAngebot::TakeEstimatedPrices() {
+  int priced = 0;
+  for (int i = 0; i < lv_.Count(); ++i) {
+    const boq::TLvPos& entry = lv_[i];
+    if (entry.Kind() != 'P' && entry.Kind() != 'L') continue;
+    const double price = entry.LvBeschr.SchaetzEP.Betrag;
+    SetUnitPrice(i, price);
+    t_Angebot_DB_VERSION_201501& a = lines_[static_cast<std::size_t>(i)].Angebot;
+    a.Kennz = kMarkNone;
+    if (IsZero(LvBidQuantity(i)) && !IsSurcharge(entry)) {
+      SetStatedTotalWithoutQuantity(a, entry.LvBgBeschr.SchaetzGP.Betrag);
+    }
+    if (!IsZero(price) || !IsZero(StatedTotalWithoutQuantity(a))) ++priced;
+  }
+  return priced;
 }
 
 bool TdmAngebot::ConvertLumpSum() {
   if (IsZero(bidder_.SummePsch.Betrag)) return false;
+  if (IsEstimateBidder(bidder_)) TakeEstimatedPrices();
   Recalculate();
   const double net = bidder_.SummeNachNL.Betrag;
   if (IsZero(net)) return false;
@@ -417,7 +480,7 @@ int TdmAngebot::CopyPricesToLv(boq::TLVPosList& lv, TBidPriceTarget to) const {
 void TdmAngebot::Save() {
   std::vector<TAO*> fresh;
   for (TAO& line : lines_) {
-    if (!line.Stored && HoldsValues(line.Angebot)) fresh.push_back(&line);
+    if (!line.Stored && HoldsValues(line)) fresh.push_back(&line);
   }
   if (!fresh.empty()) {
     int32_t first = 0;
@@ -448,6 +511,7 @@ void TdmAngebot::Save() {
     line.Angebot = table.Rec();
     line.AsStored = line.Angebot;
   }
+  SaveTexts();
   TTbBieter bidders(lv_db_);
   if (!bidders.Find(bidder_.ID)) Fail("der Bieter fehlt in der Tabelle", bidders.LastError());
   const data::TDbRecordHeader header = bidders.Rec().Header;
@@ -457,6 +521,40 @@ void TdmAngebot::Save() {
     Fail("der Bieter kann nicht geschrieben werden", result);
   }
   bidder_ = bidders.Rec();
+}
+
+void TdmAngebot::SaveTexts() {
+  std::optional<TBidTextStore> store;
+  for (int i = 0; i < lv_.Count(); ++i) {
+    TAO& line = lines_[static_cast<std::size_t>(i)];
+    if (!line.TextsChanged) continue;
+    if (text_db_ == nullptr) {
+      Fail(
+          "die Texte des Angebots können nicht gespeichert werden: das Projekt hat keine "
+          "Textdatenbank",
+          storage::kOk);
+    }
+    if (!store) store.emplace(*text_db_);
+    TBidTextStore& texts = *store;
+    if (line.Stored) {
+      const boq::TShortTextResult written = texts.StoreComment(line.Angebot.ID, line.Kommentar);
+      if (!written.Ok()) {
+        Fail("der Kommentar zu " + std::string(lv_[i].Oz()) + " kann nicht gespeichert werden" +
+                 (written.refused.empty() ? "" : ": " + written.refused),
+             written.code);
+      }
+    }
+    const int32_t description = lv_[i].LvBgBeschr.IDBeschr;
+    if (description != data::kNullId) {
+      if (int result = texts.StoreTexts(bidder_.ID, description, line.BidderTexts);
+          result != storage::kOk) {
+        Fail("die Bietertextergänzungen zu " + std::string(lv_[i].Oz()) +
+                 " können nicht gespeichert werden",
+             result);
+      }
+    }
+    line.TextsChanged = false;
+  }
 }
 
 }  // namespace korvan::award

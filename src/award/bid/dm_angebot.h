@@ -36,13 +36,24 @@ struct TBidSettings {
 
 class TdmAngebot : public data::TSTDdataModule {
  public:
-  // `lv`: the LV with its entries; the module keeps its own copy.
+  // `lv`: the LV with its entries; the module keeps its own copy. `text_db`: the project's
+  // text database, where the bid's comments and text additions live (none: no texts).
   TdmAngebot(data::TStdDb& lv_db, const boq::TLVPosList& lv,
-             const boq::TAvaUiValueConverter& converter, TBidSettings settings = {});
+             const boq::TAvaUiValueConverter& converter, TBidSettings settings = {},
+             data::TStdDb* text_db = nullptr);
 
   // Opens the bid of `bidder` (of this LV): one line per LV line, the stored one where it
   // exists, else a new one. EBidError when the lines cannot be read.
   void Open(const t_Bieter_DB_VERSION_3100& bidder);
+
+  // Reads the lines' comments and text additions and the gaps the LV's long texts leave
+  // for the bidder. Without a text database there are none, and TextsRead stays false.
+  void ReadTexts();
+  bool TextsRead() const { return texts_read_; }
+  // The gaps of a line's long text that are the bidder's to fill (after ReadTexts).
+  const std::vector<int>& BidderGapsOf(int line) const;
+  // Replaces a line's comment and text additions, to be stored by Save.
+  void SetTexts(int line, std::vector<std::string> comment, TBidderTexts texts);
 
   const boq::TLVPosList& Lv() const { return lv_; }
   TAngebotList& FAList() { return lines_; }
@@ -76,8 +87,13 @@ class TdmAngebot : public data::TSTDdataModule {
   // The bid check over the priced items.
   TBidCheck AngebotsCheck() const;
 
+  // The LV's estimated prices as the bid's prices (the estimate bidder's): every priced
+  // item's EP := SchaetzEP, components and marks cleared; an item without quantity takes
+  // its estimated total. Answers how many items have a price.
+  int TakeEstimatedPrices();
   // "Pauschalangebot auf Einheitspreise umrechnen": every EP times lump sum / net total;
-  // false (nothing changed) without a lump sum or with a net total of 0.
+  // false (nothing changed) without a lump sum or with a net total of 0. The estimate
+  // bidder's prices are first taken anew from the LV's estimated prices.
   bool ConvertLumpSum();
   // "Auf-/Abschlag in Einheitspreise einrechnen": a percentage, or else an amount spread
   // over the net total, into every EP and its components; false when both are 0.
@@ -88,8 +104,8 @@ class TdmAngebot : public data::TSTDdataModule {
   // EP becomes the estimated price `SchaetzEP` instead. Answers how many items changed.
   int CopyPricesToLv(boq::TLVPosList& lv, TBidPriceTarget to = TBidPriceTarget::kAward) const;
 
-  // Writes the lines that changed (new ones get ids) and the bidder with its sums.
-  // EBidError when a record cannot be written.
+  // Writes the lines that changed (new ones get ids), their texts, and the bidder with its
+  // sums. EBidError when a record cannot be written.
   void Save();
 
  protected:
@@ -97,17 +113,21 @@ class TdmAngebot : public data::TSTDdataModule {
   void CData1C_OnStrukturSchreiben(data::TCData&, bool) override { WriteBidderSums(); }
 
  private:
+  void SaveTexts();
   double SurchargeBase(int line) const;
   void UpdateStatus();
   [[noreturn]] void Fail(const std::string& what, int code) const;
 
   data::TStdDb& lv_db_;
+  data::TStdDb* text_db_;
   boq::TLVPosList lv_;
   const boq::TAvaUiValueConverter& converter_;
   calc::TItemCalculation rounding_;
   TBidSettings settings_;
   t_Bieter_DB_VERSION_3100 bidder_{};
   TAngebotList lines_;
+  bool texts_read_ = false;
+  std::vector<std::vector<int>> bidder_gaps_;  // per LV line, after ReadTexts
   double angebot_gp_ = 0.0;
   double summe_ = 0.0;
   double total_time_ = 0.0;

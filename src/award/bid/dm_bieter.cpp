@@ -4,6 +4,7 @@
 #include <cmath>
 #include <memory>
 
+#include "award/bid/estimate_bidder.h"
 #include "award/tables/tb_bieter.h"
 #include "boq/text/long_text_store.h"
 #include "boq/text/rich_text.h"
@@ -56,6 +57,20 @@ t_Bieter_DB_VERSION_3100 TdmBieter::AddBidder(const std::string& name, const std
   return bidder;
 }
 
+t_Bieter_DB_VERSION_3100 TdmBieter::EstimateBidder(bool* created) {
+  std::optional<t_Bieter_DB_VERSION_3100> bidder;
+  for (const t_Bieter_DB_VERSION_3100& known : Bidders()) {
+    if (IsEstimateBidder(known)) bidder = known;
+  }
+  if (created != nullptr) *created = !bidder.has_value();
+  if (!bidder) bidder = AddBidder(kEstimateBidderName, "");
+  std::unique_ptr<TdmAngebot> bid = OpenBid(*bidder);
+  bid->TakeEstimatedPrices();
+  bid->Recalculate();
+  bid->Save();
+  return bid->Bidder();
+}
+
 std::optional<t_Bieter_DB_VERSION_3100> TdmBieter::FindBidder(const std::string& number_or_name) {
   const std::vector<t_Bieter_DB_VERSION_3100> bidders = Bidders();
   for (const t_Bieter_DB_VERSION_3100& bidder : bidders) {
@@ -81,7 +96,7 @@ std::string TdmBieter::AddressOf(int32_t bidder) {
 }
 
 std::unique_ptr<TdmAngebot> TdmBieter::OpenBid(const t_Bieter_DB_VERSION_3100& bidder) {
-  auto bid = std::make_unique<TdmAngebot>(lv_db_, lv_, converter_, settings_);
+  auto bid = std::make_unique<TdmAngebot>(lv_db_, lv_, converter_, settings_, text_db_);
   bid->Open(bidder);
   return bid;
 }

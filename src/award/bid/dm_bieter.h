@@ -28,6 +28,10 @@ class TdmBieter : public data::TSTDdataModule {
   std::vector<t_Bieter_DB_VERSION_3100> Bidders();
   // A new bidder with its address as its text; EBidError when it cannot be written.
   t_Bieter_DB_VERSION_3100 AddBidder(const std::string& name, const std::string& address);
+  // Creates the estimate bidder (kEstimateBidderName) or, when the LV has one, takes the
+  // LV's estimated prices into it anew; its bid is recalculated and stored. EBidError when
+  // it cannot be written. `created` tells which.
+  t_Bieter_DB_VERSION_3100 EstimateBidder(bool* created = nullptr);
   // The bidder named by its running number ("Bieter-Nr."), id or name.
   std::optional<t_Bieter_DB_VERSION_3100> FindBidder(const std::string& number_or_name);
   // A bidder's address as stored; empty when it has none.

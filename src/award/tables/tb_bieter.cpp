@@ -1,5 +1,6 @@
 #include "award/tables/tb_bieter.h"
 
+#include "award/bid/bid_texts.h"
 #include "award/tables/tb_angebot.h"
 #include "boq/lv/lv_table_types.h"
 #include "boq/text/long_text_store.h"
@@ -88,11 +89,13 @@ void TTbBieter::DoValidateRecord(data::TDataCheck& check) {
 int TTbBieter::DeleteRec() {
   const int32_t id = Rec().ID;
   if (id != kNullId) {
+    if (text_db_ != nullptr) {
+      if (int result = DeleteBidderTexts(Db(), *text_db_, id); result != storage::kOk) {
+        return result;
+      }
+    }
     TTbAngebot lines(Db());
     if (int result = lines.DeleteAllOf(id); result != storage::kOk) return result;
-    if (text_db_ != nullptr) {
-      if (int result = DeleteBidderTexts(*text_db_, id); result != storage::kOk) return result;
-    }
   }
   return TStdTB::DeleteRec();
 }
@@ -139,7 +142,17 @@ int TTbBieter::DeleteAllOfLv(int32_t lv) {
   return storage::kOk;
 }
 
-int DeleteBidderTexts(data::TStdDb& text_db, int32_t bidder) {
+int DeleteBidderTexts(data::TStdDb& lv_db, data::TStdDb& text_db, int32_t bidder) {
+  std::vector<t_Angebot_DB_VERSION_201501> lines;
+  if (int result = TTbAngebot(lv_db).LinesOf(bidder, lines); result != storage::kOk) {
+    return result;
+  }
+  std::vector<int32_t> line_ids;
+  for (const t_Angebot_DB_VERSION_201501& line : lines) line_ids.push_back(line.ID);
+  if (int result = TBidTextStore(text_db).DeleteOfBidder(bidder, line_ids);
+      result != storage::kOk) {
+    return result;
+  }
   boq::TLongTextStore texts(text_db);
   return texts.Delete(bidder, kBidderTextKind, kBidderTextLanguage);
 }

@@ -43,7 +43,8 @@ class TTbBieter : public data::TTypedTB<t_Bieter_DB_VERSION_3100> {
   data::TStdDb* text_db_;
 };
 
-// Deletes the texts of a bidder (its address) from the text database; 0 or a kernel code.
-int DeleteBidderTexts(data::TStdDb& text_db, int32_t bidder);
+// Deletes the texts of a bidder from the text database: its address, its text additions
+// and the comments of its bid lines (read from `lv_db`); 0 or a kernel code.
+int DeleteBidderTexts(data::TStdDb& lv_db, data::TStdDb& text_db, int32_t bidder);
 
 }  // namespace korvan::award

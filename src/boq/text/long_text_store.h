@@ -49,8 +49,8 @@ class TLongTextStore {
 
   // Stores only the complements of `id_bieter` for an owner's text, as Store does: a
   // bidder fills the gaps of the client's text without changing the text.
-  int StoreComplements(int32_t id_bezug, char kz_bezug, int16_t id_lang,
-                       const TTEList& complements, int32_t id_bieter);
+  int StoreComplements(int32_t id_bezug, char kz_bezug, int16_t id_lang, const TTEList& complements,
+                       int32_t id_bieter);
 
   // Deletes the long text of an owner in one language with its lines and complements.
   int Delete(int32_t id_bezug, char kz_bezug, int16_t id_lang);

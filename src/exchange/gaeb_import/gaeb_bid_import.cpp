@@ -1,5 +1,6 @@
 #include "exchange/gaeb_import/gaeb_bid_import.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -8,10 +9,13 @@
 #include <sstream>
 
 #include "boq/oz/oz_format.h"
+#include "boq/text/rich_text.h"
+#include "boq/text/short_text_fit.h"
 #include "exchange/gaeb/gaeb_phase.h"
 #include "exchange/gaeb_import/gaeb_import.h"
 #include "exchange/gaeb_xml/gaeb_decimal.h"
 #include "exchange/gaeb_xml/gaeb_reader.h"
+#include "exchange/gaeb_xml/gaeb_text_converter.h"
 
 namespace korvan::exchange {
 namespace {
@@ -249,12 +253,70 @@ class TBidReader {
       a.NachlassProz = static_cast<float>(*discount);
     }
     if (total) stated_totals_[line] = {*total, item.line};
-    int comments = 0;
-    for (const TGaebElement& child : item.children) comments += child.name == "BidComm" ? 1 : 0;
-    if (comments > 0) {
-      Hint(item.line, "Position " + oz + ": " + std::to_string(comments) +
-                          " Bieterkommentar(e) nicht übernommen");
+    Texts(item, oz, line);
+  }
+
+  // The bidder's comments and what it wrote into the gaps of the item's text. A bid read
+  // over an earlier one replaces the earlier texts, also with none.
+  void Texts(const TGaebElement& item, const std::string& oz, int line) {
+    std::vector<std::string> comment;
+    for (const TGaebElement& child : item.children) {
+      if (child.name == "BidComm") CommentLines(child, oz, comment);
     }
+    award::TBidderTexts texts;
+    if (const TGaebElement* detail = item.Find("Description/CompleteText/DetailTxt")) {
+      BidderTexts(*detail, oz, line, texts);
+    }
+    const award::TAO& before = bid_.FAList()[static_cast<std::size_t>(line)];
+    if (comment.empty() && texts.empty() && before.Kommentar.empty() &&
+        before.BidderTexts.empty()) {
+      return;
+    }
+    result_.comments += comment.empty() ? 0 : 1;
+    result_.bidder_texts += static_cast<int>(texts.size());
+    bid_.SetTexts(line, std::move(comment), std::move(texts));
+  }
+
+  void CommentLines(const TGaebElement& comment, const std::string& oz,
+                    std::vector<std::string>& lines) {
+    const boq::TFittedShortText fitted =
+        boq::FitShortTextLines(boq::PlainView(gaeb_xml::RichTextFromGaeb(comment)));
+    if (!fitted.report.Exact()) {
+      Hint(comment.line, "Position " + oz + ": Bieterkommentar: " + fitted.report.Describe());
+    }
+    std::vector<std::string> own = fitted.lines;
+    while (!own.empty() && IsBlank(own.back())) own.pop_back();
+    lines.insert(lines.end(), own.begin(), own.end());
+  }
+
+  void BidderTexts(const TGaebElement& parent, const std::string& oz, int line,
+                   award::TBidderTexts& texts) {
+    for (const TGaebElement& child : parent.children) {
+      if (child.name != "TextComplement") {
+        BidderTexts(child, oz, line, texts);
+        continue;
+      }
+      if (child.Attribute("Kind").value_or("") == "Owner") continue;
+      const int gap = std::atoi(child.Attribute("MarkLbl").value_or("0").c_str());
+      const TGaebElement* body = child.Child("ComplBody");
+      std::string text =
+          body == nullptr ? std::string() : boq::PlainView(gaeb_xml::RichTextFromGaeb(*body));
+      while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+      if (IsBlank(text)) continue;
+      const std::vector<int>& gaps = bid_.BidderGapsOf(line);
+      if (gap <= 0 ||
+          (bid_.TextsRead() && std::find(gaps.begin(), gaps.end(), gap) == gaps.end())) {
+        Warn(child.line, "Position " + oz + ": Textergänzung \"" +
+                             child.Attribute("MarkLbl").value_or("") +
+                             "\": der Text der Position hat dort keine Lücke für den Bieter");
+        continue;
+      }
+      texts.push_back({gap, std::move(text)});
+    }
+  }
+
+  static bool IsBlank(const std::string& text) {
+    return text.find_first_not_of(" \t\r\n") == std::string::npos;
   }
 
   // The schema lets an item leave out its quantity. Where the bid has none either (the LV's
@@ -432,7 +494,8 @@ std::string BidImportProtocolText(const TGaebBidImport& import) {
   out << "GAEB-Angebotsimport: " << import.file << '\n'
       << "Positionen: " << import.items << ", zugeordnet: " << import.matched_items
       << ", mit Preis: " << import.prices << "; Bereiche: " << import.sections
-      << ", zugeordnet: " << import.matched_sections << '\n';
+      << ", zugeordnet: " << import.matched_sections << "; Bieterkommentare: " << import.comments
+      << ", Bietertextergänzungen: " << import.bidder_texts << '\n';
   for (const gaeb_xml::TGaebFinding& finding : import.findings) {
     out << import.file << ':' << finding.line << ": " << gaeb_xml::FindingKindText(finding.kind)
         << ": " << finding.message << '\n';

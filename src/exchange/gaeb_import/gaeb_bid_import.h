@@ -33,7 +33,9 @@ struct TGaebBidImport {
   int sections = 0;
   int matched_items = 0;
   int matched_sections = 0;
-  int prices = 0;  // items whose unit price was taken over
+  int prices = 0;        // items whose unit price was taken over
+  int comments = 0;      // items with the bidder's comment (BidComm)
+  int bidder_texts = 0;  // gaps of the LV's texts the bidder filled (TextComplement)
   TGaebBidTotals totals;
   // Set when the file belongs to another LV: then nothing may be stored.
   std::string other_lv;
@@ -46,7 +48,9 @@ struct TGaebBidImport {
 // "11.22.PPPP" is "01.02.0030"); an OZ with points stays as it is.
 std::string NormaliseBidOz(std::string_view oz, std::string_view mask);
 
-// Reads the file's positions into `bid` (opened for its bidder) and recalculates it;
+// Reads the file's positions into `bid` (opened for its bidder) and recalculates it; the
+// bidder's comments and text additions go with the lines (read the bid's texts first, so
+// that they are replaced and the additions checked against the gaps of the LV's texts).
 // EGaebImportError (gaeb_import.h) when the file is no GAEB DA XML bid (phase 84).
 TGaebBidImport ImportGaebBid(std::string_view xml, const std::string& file, award::TdmAngebot& bid);
 TGaebBidImport ImportGaebBidFile(const std::string& path, award::TdmAngebot& bid);

@@ -130,6 +130,36 @@ TEST_F(BidImport, ComponentsThatMissTheUnitPriceMarkTheLine) {
   EXPECT_DOUBLE_EQ(Val(bid_->Bidder().Summe.Betrag), 123.5 + 49.4);
 }
 
+// Comments go with the line, one stored line per line of text (long ones wrapped); what
+// the bidder wrote into the gaps of the text goes with it by the gap's number, the client's
+// own complements and empty ones not.
+TEST_F(BidImport, CommentsAndTextAdditionsGoWithTheirLine) {
+  OpenSmallLv();
+  const std::string long_line(80, 'x');
+  const TGaebBidImport import = ImportGaebBid(
+      BidFile("<Item ID=\"a\" RNoPart=\"0010\"><UP>1.00</UP><Description><CompleteText>"
+              "<DetailTxt><p>Beton <TextComplement Kind=\"Bidder\" MarkLbl=\"2\"><ComplBody>"
+              "<p><span>Fabrikat X</span></p></ComplBody></TextComplement> und "
+              "<TextComplement Kind=\"Owner\" MarkLbl=\"1\"><ComplBody><p>C25/30</p>"
+              "</ComplBody></TextComplement><TextComplement Kind=\"Bidder\" MarkLbl=\"3\">"
+              "<ComplBody/></TextComplement></p></DetailTxt></CompleteText></Description>"
+              "<BidComm><p><span>Lieferzeit 4 Wochen</span></p></BidComm>"
+              "<BidComm><p>" +
+              long_line +
+              "</p></BidComm></Item>\n"
+              "<Item ID=\"b\" RNoPart=\"0020\"><UP>2.00</UP></Item>\n"),
+      "a.x84", *bid_);
+  EXPECT_EQ(import.comments, 1);
+  EXPECT_EQ(import.bidder_texts, 1);
+  const award::TAO& line = bid_->FAList()[1];
+  EXPECT_TRUE(line.TextsChanged);
+  EXPECT_EQ(line.BidderTexts, (award::TBidderTexts{{2, "Fabrikat X"}}));
+  EXPECT_EQ(line.Kommentar,
+            (std::vector<std::string>{"Lieferzeit 4 Wochen", long_line.substr(0, 70),
+                                      long_line.substr(70)}));
+  EXPECT_FALSE(bid_->FAList()[2].TextsChanged);  // nothing to store for the other item
+}
+
 TEST_F(BidImport, UnmatchedTwiceMatchedAndForeignPositionsAreFindings) {
   OpenSmallLv();
   const TGaebBidImport import =

@@ -17,6 +17,7 @@
 #include "app/commands/bid/bid_price_commands.h"
 #include "app/commands/lv/lv_operation.h"
 #include "award/bid/bidder_sums.h"
+#include "award/bid/estimate_bidder.h"
 #include "data/common/cp1252.h"
 
 namespace korvan::app {
@@ -38,10 +39,19 @@ class BidderAddCommand : public LvOperation {
   std::string Summary() const override { return "einen Bieter zum LV anlegen"; }
   void Define(CLI::App& app) override {
     AddLvArgument(app, lv_);
-    app.add_option("name", name_, "der Name des Bieters (höchstens 40 Zeichen)")->required();
+    app.add_option("name", name_, "der Name des Bieters (höchstens 40 Zeichen)");
     app.add_option("--address", address_, "die Anschrift des Bieters");
+    app.add_flag("--estimate", estimate_,
+                 "den Schätzbieter mit den Schätzpreisen des LV anlegen oder auffrischen");
   }
   int Run(Streams& streams) override {
+    if (estimate_) return RunEstimate(streams);
+    if (name_.empty()) throw UsageError("Der Name des Bieters fehlt (oder --estimate).");
+    if (name_ == award::kEstimateBidderName) {
+      throw UsageError(
+          "Der Name \"" + name_ +
+          "\" gehört dem Schätzbieter; \"korvan bidder add LV --estimate\" legt ihn an.");
+    }
     data::Cp1252Report report;
     const std::string stored = data::Utf8ToCp1252(name_, &report);
     if (stored.empty() || stored.size() > kNameCapacity || !report.Exact()) {
@@ -62,10 +72,49 @@ class BidderAddCommand : public LvOperation {
   }
 
  private:
+  int RunEstimate(Streams& streams) {
+    if (!name_.empty() || !address_.empty()) {
+      throw UsageError("--estimate: der Schätzbieter heißt \"" +
+                       std::string(award::kEstimateBidderName) +
+                       "\" und hat keine Anschrift; Name und --address entfallen.");
+    }
+    BidLv target(data_dir, project, lv_, true);
+    award::t_Bieter_DB_VERSION_3100 bidder{};
+    bool created = false;
+    target.Change("Schätzbieter", streams.err,
+                  [&] { bidder = target.Bidders().EstimateBidder(&created); });
+    if (json) {
+      streams.out << BidderJson(bidder, Rounding(target), 0) << '\n';
+      return kExitOk;
+    }
+    streams.out << "Schätzbieter " << static_cast<int>(bidder.BieterNrIntern) << " \""
+                << bidder.Bietername.Get() << "\" im LV \"" << target.Name() << "\" "
+                << (created ? "angelegt" : "mit den Schätzpreisen aufgefrischt") << "; Geprüft "
+                << Money(bidder.Summe.Betrag) << '\n';
+    return kExitOk;
+  }
+
   std::string lv_;
   std::string name_;
   std::string address_;
+  bool estimate_ = false;
 };
+
+// The options of the commands that show bids: the display currency and whether
+// contingency items count (they do not in what is stored).
+void AddShowOptions(CLI::App& app, std::string& currency, bool& contingency) {
+  AddDisplayCurrencyOption(app, currency);
+  app.add_flag("--with-contingency", contingency,
+               "Bedarfspositionen ohne Gesamtpreis in die Summen einrechnen (nur angezeigt)");
+}
+
+// What the header line says about how the sums are shown.
+std::string ShowNote(const BidDisplay& display, bool contingency) {
+  std::string note;
+  if (!display.symbol.empty()) note += ", Summen in " + display.symbol;
+  if (contingency) note += ", mit Bedarfspositionen";
+  return note;
+}
 
 // The bidders with their sums as the bid lines give them now.
 std::vector<award::t_Bieter_DB_VERSION_3100> CurrentBidders(BidLv& target) {
@@ -84,9 +133,13 @@ class BidderListCommand : public LvOperation {
   std::string Summary() const override {
     return "die Bieter des LV mit Summen, Nachlass, Brutto und Rang";
   }
-  void Define(CLI::App& app) override { AddLvArgument(app, lv_); }
+  void Define(CLI::App& app) override {
+    AddLvArgument(app, lv_);
+    AddShowOptions(app, currency_, contingency_);
+  }
   int Run(Streams& streams) override {
-    BidLv target(data_dir, project, lv_, false);
+    BidLv target(data_dir, project, lv_, false, {contingency_});
+    const BidDisplay display = target.Display(currency_);
     const std::vector<award::t_Bieter_DB_VERSION_3100> bidders = CurrentBidders(target);
     const std::vector<int> ranks = award::RankByTotal(bidders);
     const calc::TItemCalculation rounding = Rounding(target);
@@ -94,16 +147,16 @@ class BidderListCommand : public LvOperation {
       streams.out << "{\"lv\": " << target.List().FLv().FId
                   << ", \"name\": " << JsonString(target.Name()) << ", \"bidders\": [";
       for (std::size_t i = 0; i < bidders.size(); ++i) {
-        streams.out << (i == 0 ? "" : ", ") << BidderJson(bidders[i], rounding, ranks[i]);
+        streams.out << (i == 0 ? "" : ", ") << BidderJson(bidders[i], rounding, ranks[i], display);
       }
       streams.out << "]}\n";
       return kExitOk;
     }
-    streams.out << "LV \"" << target.Name() << "\": " << bidders.size()
-                << (bidders.size() == 1 ? " Bieter" : " Bieter") << '\n';
+    streams.out << "LV \"" << target.Name() << "\": " << bidders.size() << " Bieter"
+                << ShowNote(display, contingency_) << '\n';
     for (std::size_t i = 0; i < bidders.size(); ++i) {
       award::t_Bieter_DB_VERSION_3100 bidder = bidders[i];
-      const award::TBidderTotals totals = award::ComputeBidderSums(bidder, rounding);
+      const award::TBidderTotals totals = display.Shown(award::ComputeBidderSums(bidder, rounding));
       const std::string status = award::BidderStatusText(bidder.Status);
       streams.out << "  " << static_cast<int>(bidder.BieterNrIntern) << "  "
                   << bidder.Bietername.Get() << "  Geprüft " << Money(totals.checked)
@@ -117,6 +170,8 @@ class BidderListCommand : public LvOperation {
 
  private:
   std::string lv_;
+  std::string currency_;
+  bool contingency_ = false;
 };
 
 class BidderCommand : public LvOperationGroup {
@@ -206,11 +261,14 @@ class BidCheckCommand : public LvOperation {
     const award::t_Bieter_DB_VERSION_3100 bidder = target.Bidder(bidder_);
     std::unique_ptr<award::TdmAngebot> bid = target.Bidders().OpenBid(bidder);
     bid->Recalculate();
+    bid->ReadTexts();
     const award::TBidCheck check = bid->AngebotsCheck();
+    const bool texts = check.bidder_texts_checked;
     const std::pair<const char*, const std::vector<int>*> counts[] = {
         {"Positionen ohne Angebotspreis", &check.without_price},
         {"Positionen ohne Menge", &check.without_quantity},
         {"Positionen mit vom LV abweichender Menge", &check.other_quantity},
+        {"Positionen mit fehlenden Bieterrextergänzungen", &check.without_bidder_texts},
         {"Positionen mit EP-Anteilen ungleich EP", &check.components_differ},
         {"Positionen mit Menge * EP ungleich GP", &check.total_differs},
     };
@@ -222,18 +280,22 @@ class BidCheckCommand : public LvOperation {
                   << ", \"other_quantity\": " << OzList(target, check.other_quantity)
                   << ", \"components_differ\": " << OzList(target, check.components_differ)
                   << ", \"total_differs\": " << OzList(target, check.total_differs)
-                  << ", \"bidder_texts_checked\": false"
+                  << ", \"without_bidder_texts\": " << OzList(target, check.without_bidder_texts)
+                  << ", \"bidder_texts_checked\": " << (texts ? "true" : "false")
                   << ", \"found\": " << (check.Found() ? "true" : "false") << "}\n";
       return kExitOk;
     }
     streams.out << "Angebots-Check \"" << bidder.Bietername.Get() << "\", LV \"" << target.Name()
                 << "\":\n";
     for (const auto& [caption, lines] : counts) {
+      if (lines == &check.without_bidder_texts && !texts) {
+        streams.out << "  " << caption << ": nicht geprüft (das Projekt hat keine Texte)\n";
+        continue;
+      }
       streams.out << "  " << caption << ": " << lines->size();
       for (int line : *lines) streams.out << ' ' << target.List()[line].LvBgBeschr.OZ.Get();
       streams.out << '\n';
     }
-    streams.out << "  Bietertextergänzungen: nicht geprüft\n";
     return kExitOk;
   }
 
@@ -242,6 +304,33 @@ class BidCheckCommand : public LvOperation {
   std::string bidder_;
 };
 
+// A bid line's comment as a JSON array of its lines.
+std::string LinesJson(const award::TAO& line) {
+  std::string json = "[";
+  for (std::size_t k = 0; k < line.Kommentar.size(); ++k) {
+    json += (k == 0 ? "" : ", ") + JsonString(line.Kommentar[k]);
+  }
+  return json + "]";
+}
+
+std::string BidderTextsJson(const award::TAO& line) {
+  std::string json = "[";
+  for (std::size_t k = 0; k < line.BidderTexts.size(); ++k) {
+    json += (k == 0 ? "" : ", ") + std::string("{\"gap\": ") +
+            std::to_string(line.BidderTexts[k].gap) +
+            ", \"text\": " + JsonString(line.BidderTexts[k].text) + "}";
+  }
+  return json + "]";
+}
+
+// The bidder's comment and text additions under the line they belong to.
+void PrintTexts(std::ostream& out, const award::TAO& line) {
+  for (const std::string& comment : line.Kommentar) out << "      Kommentar: " << comment << '\n';
+  for (const award::TBidderText& text : line.BidderTexts) {
+    out << "      Textergänzung " << text.gap << ": " << text.text << '\n';
+  }
+}
+
 class BidShowCommand : public LvOperation {
  public:
   std::string Name() const override { return "show"; }
@@ -249,17 +338,20 @@ class BidShowCommand : public LvOperation {
   void Define(CLI::App& app) override {
     AddLvArgument(app, lv_);
     AddBidderArgument(app, bidder_);
+    AddShowOptions(app, currency_, contingency_);
   }
   int Run(Streams& streams) override {
-    BidLv target(data_dir, project, lv_, false);
+    BidLv target(data_dir, project, lv_, false, {contingency_});
+    const BidDisplay display = target.Display(currency_);
     const award::t_Bieter_DB_VERSION_3100 bidder = target.Bidder(bidder_);
     std::unique_ptr<award::TdmAngebot> bid = target.Bidders().OpenBid(bidder);
     bid->Recalculate();
+    bid->ReadTexts();
     const calc::TItemCalculation rounding = Rounding(target);
     const boq::TLVPosList& list = target.List();
     if (json) {
       streams.out << "{\"lv\": " << list.FLv().FId << ", \"name\": " << JsonString(target.Name())
-                  << ", \"bidder\": " << BidderJson(bid->Bidder(), rounding, 0)
+                  << ", \"bidder\": " << BidderJson(bid->Bidder(), rounding, 0, display)
                   << ", \"total_before_discounts\": " << JsonNumber(bid->FAngebotGP())
                   << ", \"lines\": [";
       bool first = true;
@@ -279,14 +371,17 @@ class BidShowCommand : public LvOperation {
         streams.out << "], \"it\": " << JsonNumber(double{line.GP.Betrag})
                     << ", \"it_after_discount\": " << JsonNumber(double{line.GPnachNL.Betrag})
                     << ", \"mark\": "
-                    << (line.Kennz == ' ' ? std::string("null") : JsonString(mark)) << "}";
+                    << (line.Kennz == ' ' ? std::string("null") : JsonString(mark))
+                    << ", \"comment\": " << LinesJson(bid->FAList()[static_cast<std::size_t>(i)])
+                    << ", \"bidder_texts\": "
+                    << BidderTextsJson(bid->FAList()[static_cast<std::size_t>(i)]) << "}";
         first = false;
       }
       streams.out << "]}\n";
       return kExitOk;
     }
-    streams.out << "Angebot \"" << bidder.Bietername.Get() << "\", LV \"" << target.Name()
-                << "\"\n";
+    streams.out << "Angebot \"" << bidder.Bietername.Get() << "\", LV \"" << target.Name() << "\""
+                << ShowNote(display, contingency_) << "\n";
     for (int i = 0; i < list.Count(); ++i) {
       if (!list[i].IsGroup() && !list[i].IsQuantityItem()) continue;
       const award::t_Angebot_DB_VERSION_201501& line =
@@ -299,9 +394,10 @@ class BidShowCommand : public LvOperation {
       streams.out << "  GP " << Money(line.GP.Betrag);
       if (line.Kennz != ' ') streams.out << "  Kennz. " << line.Kennz;
       streams.out << '\n';
+      PrintTexts(streams.out, bid->FAList()[static_cast<std::size_t>(i)]);
     }
     award::t_Bieter_DB_VERSION_3100 sums = bid->Bidder();
-    const award::TBidderTotals totals = award::ComputeBidderSums(sums, rounding);
+    const award::TBidderTotals totals = display.Shown(award::ComputeBidderSums(sums, rounding));
     streams.out << "Geprüft " << Money(totals.checked) << ", Summe ./. NL "
                 << Money(totals.after_discount) << ", Netto " << Money(totals.net) << ", MwSt "
                 << Money(totals.vat) << ", Brutto " << Money(totals.gross) << '\n';
@@ -311,6 +407,8 @@ class BidShowCommand : public LvOperation {
  private:
   std::string lv_;
   std::string bidder_;
+  std::string currency_;
+  bool contingency_ = false;
 };
 
 class BidCommand : public LvOperationGroup {

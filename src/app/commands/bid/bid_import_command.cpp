@@ -71,6 +71,7 @@ class BidImportCommand : public LvOperation {
                          "\" hat schon Preise; --overwrite überschreibt sie. Es wurde nichts "
                          "gespeichert");
     }
+    bid->ReadTexts();
     exchange::TGaebBidImport import;
     try {
       import = exchange::ImportGaebBidFile(file_, *bid);
@@ -117,7 +118,8 @@ class BidImportCommand : public LvOperation {
     out << "{\"file\": " << JsonString(file_) << ", \"lv\": " << target.List().FLv().FId
         << ", \"bidder\": " << JsonString(bidder.Bietername.Get())
         << ", \"items\": " << import.items << ", \"matched_items\": " << import.matched_items
-        << ", \"prices\": " << import.prices << ", \"sections\": " << import.sections
+        << ", \"prices\": " << import.prices << ", \"comments\": " << import.comments
+        << ", \"bidder_texts\": " << import.bidder_texts << ", \"sections\": " << import.sections
         << ", \"matched_sections\": " << import.matched_sections
         << ", \"totals\": {\"checked\": " << JsonNumber(totals.checked)
         << ", \"after_discount\": " << JsonNumber(totals.after_discount)
@@ -150,10 +152,11 @@ class BidImportCommand : public LvOperation {
     streams.out << "Angebot \"" << bidder.Bietername.Get() << "\" für LV \"" << target.Name()
                 << "\" aus " << file_ << " eingelesen: " << import.matched_items << " von "
                 << import.items << " Positionen zugeordnet, " << import.prices << " Preise, "
-                << import.findings.size() << (import.findings.size() == 1 ? " Befund" : " Befunde")
-                << "\nNetto " << GermanFigure(totals.net, "%.2f") << ", MwSt "
-                << GermanFigure(totals.vat, "%.2f") << ", Brutto "
-                << GermanFigure(totals.gross, "%.2f") << '\n';
+                << import.comments << " Bieterkommentare, " << import.bidder_texts
+                << " Bietertextergänzungen, " << import.findings.size()
+                << (import.findings.size() == 1 ? " Befund" : " Befunde") << "\nNetto "
+                << GermanFigure(totals.net, "%.2f") << ", MwSt " << GermanFigure(totals.vat, "%.2f")
+                << ", Brutto " << GermanFigure(totals.gross, "%.2f") << '\n';
   }
 
   std::string lv_;

@@ -7,6 +7,7 @@
 #include "app/cli/command_error.h"
 #include "app/cli/json_text.h"
 #include "award/bid/bidder_sums.h"
+#include "award/bid/estimate_bidder.h"
 #include "boq/lv/project_lvs.h"
 #include "boq/model/lv_editing.h"
 #include "boq/model/lv_pos_list_io.h"
@@ -17,14 +18,41 @@ void AddBidderArgument(CLI::App& app, std::string& bidder) {
   app.add_option("bidder", bidder, "der Bieter: Bieter-Nr., Nummer oder Name")->required();
 }
 
+void AddDisplayCurrencyOption(CLI::App& app, std::string& symbol) {
+  app.add_option("--currency", symbol,
+                 "die Summen der Bieter in dieser Währung der Währungstabelle zeigen (z. B. CHF)");
+}
+
 BidLv::BidLv(const std::string& data_dir, const std::string& project, const std::string& lv,
-             bool journal)
+             bool journal, award::TBidSettings settings)
     : project_(data_dir, project),
       db_(project_.Db(journal)),
       list_(project_.LoadLv(lv)),
       name_(list_.FLv().Name.Get()),
       converter_(project_.Converter(list_.FLv())),
-      bidders_(std::make_unique<award::TdmBieter>(db_, project_.TextDb(), list_, converter_)) {}
+      bidders_(std::make_unique<award::TdmBieter>(db_, project_.TextDb(), list_, converter_,
+                                                  settings)) {}
+
+BidDisplay BidLv::Display(const std::string& symbol) {
+  BidDisplay display;
+  if (symbol.empty()) return display;
+  const boq::TCurrency* currency = project_.Currencies().FindSymbol(symbol);
+  if (currency == nullptr) {
+    throw UsageError("--currency " + symbol +
+                     ": keine Währung der Währungstabelle (\"korvan list waehrung\" zeigt sie).");
+  }
+  if (project_.Currencies().Find(project_.Currency()) == nullptr) {
+    throw CommandError("LV \"" + name_ + "\": seine Währung " +
+                       std::to_string(project_.Currency()) +
+                       " steht nicht in der Währungstabelle; --currency kann nicht umrechnen.");
+  }
+  display.symbol = currency->symbol;
+  display.currency = currency->id;
+  boq::TValueConverterSettings settings = converter_.Settings();
+  settings.project_currency = project_.Currency();
+  display.converter.emplace(project_.Currencies(), settings);
+  return display;
+}
 
 award::t_Bieter_DB_VERSION_3100 BidLv::Bidder(const std::string& number_or_name) {
   const std::optional<award::t_Bieter_DB_VERSION_3100> bidder =
@@ -63,9 +91,10 @@ void BidLv::Change(const std::string& caption, std::ostream& warnings,
 }
 
 std::string BidderJson(const award::t_Bieter_DB_VERSION_3100& bidder,
-                       const calc::TItemCalculation& rounding, int rank) {
+                       const calc::TItemCalculation& rounding, int rank,
+                       const BidDisplay& display) {
   award::t_Bieter_DB_VERSION_3100 copy = bidder;
-  const award::TBidderTotals totals = award::ComputeBidderSums(copy, rounding);
+  const award::TBidderTotals totals = display.Shown(award::ComputeBidderSums(copy, rounding));
   const float discount = bidder.NachlassProz;
   const std::string status = award::BidderStatusText(bidder.Status);
   return "{\"number\": " + std::to_string(bidder.BieterNrIntern) +
@@ -82,6 +111,9 @@ std::string BidderJson(const award::t_Bieter_DB_VERSION_3100& bidder,
          ", \"cash_discount_percent\": " + JsonNumber(totals.cash_discount_pcnt) +
          ", \"gross_after_cash_discount\": " + JsonNumber(totals.gross_after_cash_discount) +
          ", \"status\": " + (status.empty() ? std::string("null") : JsonString(status)) +
+         ", \"estimate\": " + (award::IsEstimateBidder(bidder) ? "true" : "false") +
+         ", \"display_currency\": " +
+         (display.symbol.empty() ? std::string("null") : JsonString(display.symbol)) +
          ", \"rank\": " + (rank == 0 ? std::string("null") : std::to_string(rank)) + "}";
 }
 

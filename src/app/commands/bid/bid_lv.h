@@ -3,13 +3,16 @@
 #include <functional>
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "app/commands/lv/lv_project.h"
+#include "award/bid/bidder_sums.h"
 #include "award/bid/dm_angebot.h"
 #include "award/bid/dm_bieter.h"
 #include "boq/model/lv_pos_list.h"
 #include "boq/units/value_converter.h"
+#include "data/records/null_values.h"
 
 namespace CLI {
 class App;
@@ -21,12 +24,28 @@ namespace korvan::app {
 // bidder, named by its running number, id or name (BidLv::Bidder resolves it).
 void AddBidderArgument(CLI::App& app, std::string& bidder);
 
+// The currency a command shows the bidders' sums in ("Währung Anzeige"): the LV's, or one
+// of the currency table that --currency names.
+struct BidDisplay {
+  std::string symbol;  // empty: the LV's currency
+  int32_t currency = data::kOwnerCurrencyId;
+  std::optional<boq::TAvaUiValueConverter> converter;
+
+  award::TBidderTotals Shown(const award::TBidderTotals& totals) const {
+    return converter ? award::InDisplayCurrency(totals, *converter, currency) : totals;
+  }
+};
+
+// Declares --currency on a command that shows the bidders' sums.
+void AddDisplayCurrencyOption(CLI::App& app, std::string& symbol);
+
 // An LV loaded for a bid command: its entries, how the installation rounds, and its
 // bidders.
 class BidLv {
  public:
+  // `settings`: how the bids are computed (contingency items counted or not).
   BidLv(const std::string& data_dir, const std::string& project, const std::string& lv,
-        bool journal);
+        bool journal, award::TBidSettings settings = {});
 
   LvProject& Project() { return project_; }
   data::TStdDb& Db() { return db_; }
@@ -37,6 +56,9 @@ class BidLv {
 
   // The bidder named by its number, id or name; CommandError naming the LV when none.
   award::t_Bieter_DB_VERSION_3100 Bidder(const std::string& number_or_name);
+  // The display currency of a --currency symbol (empty: the LV's); UsageError when the
+  // currency table does not hold it.
+  BidDisplay Display(const std::string& symbol);
   // The entry of an OZ; CommandError naming the LV when there is none.
   int IndexOf(const std::string& oz) const;
   // The item (P or L) of an OZ, before a sub-description of the same OZ.
@@ -55,8 +77,10 @@ class BidLv {
   std::unique_ptr<award::TdmBieter> bidders_;
 };
 
-// The JSON object of a bidder with its sums and rank (0: no prices).
+// The JSON object of a bidder with its sums (in the display currency) and rank (0: no
+// prices).
 std::string BidderJson(const award::t_Bieter_DB_VERSION_3100& bidder,
-                       const calc::TItemCalculation& rounding, int rank);
+                       const calc::TItemCalculation& rounding, int rank,
+                       const BidDisplay& display = {});
 
 }  // namespace korvan::app

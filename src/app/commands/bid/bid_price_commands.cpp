@@ -194,10 +194,15 @@ class BidCopyCommand : public BidderOperation {
            "Schätzpreise (estimate)";
   }
   void DefineMore(CLI::App& app) override {
-    app.add_option("--to", to_, "award (Vorgabe) oder estimate")
-        ->check(CLI::IsMember({"award", "estimate"}));
+    app.add_option("--to", to_, "award (Vorgabe), estimate oder catalog")
+        ->check(CLI::IsMember({"award", "estimate", "catalog"}));
   }
   int Run(Streams& streams) override {
+    if (to_ == "catalog") {
+      throw CommandError(
+          "Bieterpreise in Katalog übertragen: noch nicht verfügbar (es gibt noch keine "
+          "Kataloge); es wurde nichts geändert");
+    }
     BidLv target(data_dir, project, lv_, true);
     const award::t_Bieter_DB_VERSION_3100 bidder = target.Bidder(bidder_);
     std::unique_ptr<award::TdmAngebot> bid = target.Bidders().OpenBid(bidder);

@@ -69,7 +69,7 @@ int LvDeleteCommand::Run(Streams& streams) {
       streams.err, [&] {
         if (text_db != nullptr) {
           for (int32_t bidder : bidders) {
-            if (int result = award::DeleteBidderTexts(*text_db, bidder); result != 0) {
+            if (int result = award::DeleteBidderTexts(db, *text_db, bidder); result != 0) {
               throw boq::EStoredLvError(text_db->BasePath() +
                                         "0: die Texte der Bieter können nicht gelöscht werden (" +
                                         std::to_string(result) + ")");

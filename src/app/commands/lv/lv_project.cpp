@@ -162,12 +162,16 @@ int16_t LvProject::Currency() {
   return recorded != data::kOwnerCurrencyId ? recorded : base_currency_;
 }
 
-std::string LvProject::CurrencySymbol(int16_t id) {
+const boq::TCurrencyList& LvProject::Currencies() {
   if (!currencies_) {
     boq::TTbWaehrung table(session_->Db());
     currencies_ = boq::TCurrencyList::Load(table);
   }
-  const boq::TCurrency* currency = currencies_->Find(id);
+  return *currencies_;
+}
+
+std::string LvProject::CurrencySymbol(int16_t id) {
+  const boq::TCurrency* currency = Currencies().Find(id);
   return currency != nullptr ? currency->symbol : std::to_string(id);
 }
 

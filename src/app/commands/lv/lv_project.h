@@ -48,6 +48,8 @@ class LvProject {
   // The symbol of a currency in the master data's currency table ("EUR"); its id when
   // the table does not hold it.
   std::string CurrencySymbol(int16_t id);
+  // The master data's currency table, read on first use.
+  const boq::TCurrencyList& Currencies();
 
   // The project's calculation database (DB_KP) and the installation's calculation master
   // data (DB_KR), open for writing; CommandError when either is missing. Open the LV
