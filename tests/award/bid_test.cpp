@@ -461,7 +461,7 @@ TEST_F(Bids, TheEstimateBidderTakesTheEstimatedPrices) {
   EXPECT_EQ(refreshed.ID, made.ID);
   EXPECT_EQ(bidders.Bidders().size(), 1U);
   EXPECT_DOUBLE_EQ(Val(refreshed.Summe.Betrag), 440.0);
-  EXPECT_EQ(Val(refreshed.Status), 0);
+  EXPECT_EQ(Val(refreshed.Status), kBidsIncomplete);  // the item without quantity has no EP
 
   std::unique_ptr<TdmAngebot> bid = bidders.OpenBid(refreshed);
   Line(*bid, priced).EP.Betrag = 99;

@@ -144,9 +144,9 @@ TEST_F(BidImport, CommentsAndTextAdditionsGoWithTheirLine) {
               "</ComplBody></TextComplement><TextComplement Kind=\"Bidder\" MarkLbl=\"3\">"
               "<ComplBody/></TextComplement></p></DetailTxt></CompleteText></Description>"
               "<BidComm><p><span>Lieferzeit 4 Wochen</span></p></BidComm>"
-              "<BidComm><p>" +
+              "<BidComm><p><span>" +
               long_line +
-              "</p></BidComm></Item>\n"
+              "</span></p></BidComm></Item>\n"
               "<Item ID=\"b\" RNoPart=\"0020\"><UP>2.00</UP></Item>\n"),
       "a.x84", *bid_);
   EXPECT_EQ(import.comments, 1);

@@ -111,10 +111,10 @@ std::string BidderJson(const award::t_Bieter_DB_VERSION_3100& bidder,
          ", \"cash_discount_percent\": " + JsonNumber(totals.cash_discount_pcnt) +
          ", \"gross_after_cash_discount\": " + JsonNumber(totals.gross_after_cash_discount) +
          ", \"status\": " + (status.empty() ? std::string("null") : JsonString(status)) +
+         ", \"rank\": " + (rank == 0 ? std::string("null") : std::to_string(rank)) +
          ", \"estimate\": " + (award::IsEstimateBidder(bidder) ? "true" : "false") +
          ", \"display_currency\": " +
-         (display.symbol.empty() ? std::string("null") : JsonString(display.symbol)) +
-         ", \"rank\": " + (rank == 0 ? std::string("null") : std::to_string(rank)) + "}";
+         (display.symbol.empty() ? std::string("null") : JsonString(display.symbol)) + "}";
 }
 
 }  // namespace korvan::app
