@@ -2,9 +2,11 @@
 // commands.
 #include "app/cli/command.h"
 #include "app/commands/admin/admin_commands.h"
+#include "app/commands/award/award_command.h"
 #include "app/commands/bid/bid_commands.h"
 #include "app/commands/calc/calc_commands.h"
 #include "app/commands/compare/compare_command.h"
+#include "app/commands/contract/contract_commands.h"
 #include "app/commands/currency/currency_commands.h"
 #include "app/commands/db/db_commands.h"
 #include "app/commands/formula/formula_commands.h"
@@ -29,6 +31,8 @@ CommandList AllCommands() {
   AddCalcCommands(commands);
   AddBidCommands(commands);
   AddCompareCommands(commands);
+  AddAwardCommands(commands);
+  AddContractCommands(commands);
   AddOzCommands(commands);
   AddTextCommands(commands);
   AddCurrencyCommands(commands);

@@ -1,6 +1,7 @@
 #include "app/program/program_tables.h"
 
 #include "award/award_tables.h"
+#include "billing/billing_tables.h"
 #include "boq/boq_tables.h"
 #include "calc/tables/calc_tables.h"
 #include "data/tables/data_tables.h"
@@ -19,6 +20,7 @@ data::TTableRegistry ComposeProgramTables() {
   formula::RegisterFormulaTables(registry);
   calc::RegisterCalcTables(registry);
   award::RegisterAwardTables(registry);
+  billing::RegisterBillingTables(registry);
   exchange::RegisterExchangeTables(registry);
   return registry;
 }

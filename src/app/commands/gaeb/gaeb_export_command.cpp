@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <ostream>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -13,7 +14,9 @@
 #include "app/commands/lv/lv_operation.h"
 #include "app/commands/lv/lv_project.h"
 #include "app/program/data_dir.h"
+#include "billing/tables/tb_vertrag.h"
 #include "exchange/gaeb/gaeb_file_name.h"
+#include "exchange/gaeb_export/gaeb_export_award.h"
 #include "exchange/gaeb_export/gaeb_export_bid.h"
 #include "exchange/gaeb_export/gaeb_export_source.h"
 
@@ -22,6 +25,28 @@ namespace {
 
 // Progress is worth showing only for LVs that take a moment.
 constexpr int kProgressFromEntries = 2000;
+
+// The award file (DA 86) names the contract of the LV: its contractor, number and date.
+void TakeAwardInto(LvProject& target, exchange::TGaebExportSource& source,
+                   std::vector<std::string>& notes) {
+  const boq::t_Lv_DB_VERSION_3100& lv = source.lv.FLv();
+  if (lv.Status != 'V' && lv.Status != 'F') {
+    notes.push_back("LV \"" + lv.Name.Get() + "\" ist nicht vergeben (Status " +
+                    std::string(1, lv.Status) + "); die Vergabepreise sind die des LV");
+  }
+  const int32_t project = target.ContractProjectNumber(false);
+  std::vector<billing::TVertrag> contracts;
+  if (project != data::kNullId) {
+    contracts = billing::TTbVertrag(target.BillingDb()).ListOfProject(project, int32_t{lv.FId});
+  }
+  for (const billing::TVertrag& contract : contracts) {
+    if (contract.Auftragsart != billing::kMainContract) continue;
+    exchange::TakeContractIntoExportSource(source, contract);
+    return;
+  }
+  notes.push_back("LV \"" + lv.Name.Get() + "\" hat keinen Vertrag; Auftragnehmer, " +
+                  "Vertragsnummer und -datum fehlen in der Datei");
+}
 
 }  // namespace
 
@@ -110,6 +135,8 @@ int GaebExportCommand::Run(Streams& streams) {
     bid->Recalculate();
     exchange::TakeBidIntoExportSource(source, *bid);
   }
+  std::vector<std::string> notes;
+  if (phase_ == exchange::kPhaseAward) TakeAwardInto(target, source, notes);
   std::string path = file_;
   if (path.empty()) {
     path = exchange::DefaultGaebFileName(target.Name(), source.lv.FLv().Name.Get()) +
@@ -123,6 +150,7 @@ int GaebExportCommand::Run(Streams& streams) {
       if (large) progress.Show("GAEB-Ausgabe", done, total);
     });
   }
+  result.warnings.insert(result.warnings.begin(), notes.begin(), notes.end());
   for (const std::string& warning : result.warnings) streams.err << "Warnung: " << warning << '\n';
   const std::string version(exchange::FormatInfo(options.format).xml_version);
   if (json_) {

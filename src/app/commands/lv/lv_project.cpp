@@ -6,6 +6,8 @@
 #include "app/program/current_project.h"
 #include "app/program/installation.h"
 #include "app/program/program_tables.h"
+#include "billing/contract/project_id.h"
+#include "billing/tables/billing_table_types.h"
 #include "boq/lv/lv_table_types.h"
 #include "boq/lv/project_lvs.h"
 #include "boq/model/lv_pos_list_io.h"
@@ -70,6 +72,11 @@ LvProject::LvProject(const std::string& data_dir, const std::string& project) {
   if (const data::DatabaseFile* master = files.Find(kCalcMasterDbGroup, data::kPathStammdaten)) {
     calc_master_ = *master;
   }
+  if (const data::DatabaseFile* billing = files.Find(billing::kRvDbGroup, data::kPathStammdaten)) {
+    billing_ = *billing;
+  }
+  contract_settings_.number_pattern = installation.system.VertragFormat();
+  contract_settings_.vat_rate = installation.system.Mwst();
   euro_settings_ = SettingsOf(installation.system, installation.system.EuroWaeGenauigkeit());
   national_settings_ = SettingsOf(installation.system, installation.system.LandesWaeGenauigkeit());
   base_currency_ = installation.system.IdBasisWae();
@@ -84,6 +91,21 @@ data::TStdDb& LvProject::CalcDb() {
 data::TStdDb& LvProject::CalcMasterDb() {
   if (!calc_master_) throw CommandError("Die Installation hat keine Kalkulationsstammdaten");
   return OpenExisting(*session_, *calc_master_, "Die Kalkulationsstammdaten");
+}
+
+data::TStdDb& LvProject::BillingDb() {
+  if (!billing_) throw CommandError("Die Installation hat keine Vertragsdatenbank (DB_Rv)");
+  return OpenExisting(*session_, *billing_, "Die Vertragsdatenbank");
+}
+
+int32_t LvProject::ContractProjectNumber(bool assign) {
+  if (!assign) return billing::ProjectNumberOf(Db(false));
+  int32_t number = data::kNullId;
+  if (int result = billing::AssignProjectNumber(Db(true), BillingDb(), &number); result != 0) {
+    throw CommandError("Projekt \"" + name_ + "\": es bekommt keine Nummer für seine Verträge (" +
+                       std::to_string(result) + ")");
+  }
+  return number;
 }
 
 boq::TValueConverterSettings LvProject::ValueSettings(bool euro) const {

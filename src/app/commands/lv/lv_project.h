@@ -9,6 +9,7 @@
 
 #include "app/commands/lists/journal_step.h"
 #include "app/commands/lists/master_data_session.h"
+#include "billing/contract/dm_vertrag.h"
 #include "boq/lv/lv_record.h"
 #include "boq/model/lv_pos_list.h"
 #include "boq/units/currency_list.h"
@@ -56,6 +57,14 @@ class LvProject {
   // database first.
   data::TStdDb& CalcDb();
   data::TStdDb& CalcMasterDb();
+  // The installation's billing database (DB_Rv, the contracts of all projects), open for
+  // writing; CommandError when it is missing. Open the LV database first.
+  data::TStdDb& BillingDb();
+  // The project's number in the billing database, given on first use when `assign`;
+  // the null id when it has none and `assign` is false.
+  int32_t ContractProjectNumber(bool assign);
+  // How the installation numbers new contracts and its VAT rate.
+  const billing::TContractSettings& ContractSettings() const { return contract_settings_; }
   // How the installation rounds amounts; `euro`: the LV is kept in euros (else in the
   // national currency), which chooses the amount decimals.
   boq::TValueConverterSettings ValueSettings(bool euro) const;
@@ -82,6 +91,8 @@ class LvProject {
   data::TStdDb* db_ = nullptr;
   std::optional<boq::TUnitList> units_;
   std::optional<data::DatabaseFile> calc_master_;
+  std::optional<data::DatabaseFile> billing_;
+  billing::TContractSettings contract_settings_;
   boq::TValueConverterSettings euro_settings_;
   boq::TValueConverterSettings national_settings_;
   std::optional<boq::TCurrencyList> currencies_;

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "billing/tables/vertrag_record.h"
+
+namespace korvan::app {
+
+// `contract set` FIELD=VALUE: the contract's terms by their field names ("xSkonto=3",
+// "Kumulativ=ja", "Abnahmedatum=30.06.2026"). UsageError for an unknown field or a value
+// that does not fit, naming both. A gross sum given by hand sets SummeBruttoManuell.
+void SetContractTerm(billing::TVertrag& contract, const std::string& assignment);
+
+// The fields `contract set` takes, for its help.
+std::vector<std::string> ContractTermNames();
+
+}  // namespace korvan::app
