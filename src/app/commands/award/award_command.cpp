@@ -42,6 +42,12 @@ billing::TContractParty PartyOf(const award::t_Bieter_DB_VERSION_3100& bidder) {
   return party;
 }
 
+// Whether the bid grants a discount, a lump sum or a cash discount on the whole.
+bool GrantsSomething(const award::t_Bieter_DB_VERSION_3100& bidder) {
+  return bidder.NachlassProz != 0.0F || bidder.NachlassAbs.Betrag != 0.0 ||
+         bidder.SummePsch.Betrag != 0.0 || bidder.CashDiscount[0].DiscountPcnt != 0.0;
+}
+
 std::string CheckJson(const award::TBidCheck& check) {
   return "{\"findings\": " + std::string(check.Found() ? "true" : "false") +
          ", \"without_price\": " + std::to_string(check.without_price.size()) +
@@ -180,7 +186,9 @@ class AwardCommand : public Command {
           << " übertragen: " << t.items << " Positionen";
       if (t.groups > 0) out << ", " << t.groups << " Gruppen mit Nachlass oder Pauschale";
       if (spread_) out << ", Nachlässe umgelegt (Faktor " << GermanFigure(t.factor, "%.6g") << ")";
-      if (t.whole_bid_values) out << ", Nachlass, Pauschale und Skonto des Angebots ins LV";
+      if (t.whole_bid_values && GrantsSomething(bidder)) {
+        out << ", Nachlass, Pauschale und Skonto des Angebots ins LV";
+      }
       out << '\n';
       if (t.quantities > 0) out << "  " << t.quantities << " Mengen aus dem Angebot übernommen\n";
       if (t.quantities_refused > 0) {

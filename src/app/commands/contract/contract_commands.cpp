@@ -22,6 +22,18 @@ namespace {
 const StepWords kContractWords{"es wurde nichts geändert",
                                "die Änderung konnte nicht zurückgenommen werden", "die Änderung"};
 
+// A contract as JSON or as text for people.
+int Show(Streams& streams, ProjectContracts& contracts, const billing::TVertrag& contract,
+         bool json) {
+  const ContractView view = contracts.ViewOf(contract);
+  if (json) {
+    streams.out << ContractJson(view, contracts.ConverterOf(contract)) << '\n';
+  } else {
+    PrintContract(streams.out, view, contracts.ConverterOf(contract));
+  }
+  return kExitOk;
+}
+
 class ContractListCommand : public LvOperation {
  public:
   std::string Name() const override { return "list"; }
@@ -61,13 +73,7 @@ class ContractShowCommand : public LvOperation {
   int Run(Streams& streams) override {
     ProjectContracts contracts(data_dir, project, false);
     const billing::TVertrag contract = contracts.Require(contract_);
-    const ContractView view = contracts.ViewOf(contract);
-    if (json) {
-      streams.out << ContractJson(view, contracts.ConverterOf(contract)) << '\n';
-    } else {
-      PrintContract(streams.out, view, contracts.ConverterOf(contract));
-    }
-    return kExitOk;
+    return Show(streams, contracts, contract, json);
   }
 
  private:
@@ -151,13 +157,7 @@ class ContractSetCommand : public LvOperation {
                                    contracts.ConverterOf(contract));
           book.Store(contract, list);
         });
-    const ContractView view = contracts.ViewOf(contract);
-    if (json) {
-      streams.out << ContractJson(view, contracts.ConverterOf(contract)) << '\n';
-    } else {
-      PrintContract(streams.out, view, contracts.ConverterOf(contract));
-    }
-    return kExitOk;
+    return Show(streams, contracts, contract, json);
   }
 
  private:
