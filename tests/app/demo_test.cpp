@@ -136,7 +136,8 @@ TEST(Demo, WalksTheRoadOfOneBidOnTheSample) {
                    std::string(SampleBidders()[bidder].name) + "\" zum LV");
   }
   for (int bidder = 0; bidder < static_cast<int>(SampleBidders().size()); ++bidder) {
-    road.insert(road.end(), {"100 von 100 Positionen zugeordnet, 100 Preise, 0 Befunde",
+    road.insert(road.end(), {"100 von 100 Positionen zugeordnet, 100 Preise, 0 Bieterkommentare, "
+                             "0 Bietertextergänzungen, 0 Befunde",
                              "Netto " + app::GermanFigure(BidTotal(bidder), "%.2f")});
   }
   road.insert(road.end(), {"LV \"Rohbau Kindergarten\": 3 Bieter",
