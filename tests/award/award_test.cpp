@@ -19,6 +19,8 @@
 #include "data/tables/std_db_datas.h"
 #include "testing/temp_dir.h"
 
+#include "bid_lv_test.h"
+
 namespace korvan::award {
 namespace {
 
@@ -37,43 +39,24 @@ TTransferOptions Options(bool spread, std::optional<bool> quantities = std::null
   return options;
 }
 
-class Award : public ::testing::Test {
+class Award : public BidLvTest {
  protected:
   void SetUp() override {
-    data::TTableRegistry registry;
-    data::RegisterDataTables(registry);
-    boq::RegisterBoqTables(registry);
-    RegisterAwardTables(registry);
-    db_ = std::make_unique<data::TStdDb>("DB_Lv", dir_.path().string() + "/", boq::kLvDbType, 70);
-    db_->SetModifiedById("ALICE");
-    ASSERT_EQ(db_->DbCreate(), 0);
-    boq::t_Lv_DB_VERSION_3100 header{};
-    header.FId = 7;
-    header.EPGenauigkeit = 2;
-    header.AngebotsmengenGleichLvMengen = 1;
+    BidLvTest::SetUp();
+    boq::t_Lv_DB_VERSION_3100 header = lv_.FLv();
     header.Status = 'B';
     lv_.RefreshLvProperties(header);
   }
-  void TearDown() override {
-    db_.reset();
-    data::TStdDbDatas::Instance().ReleaseEmpty();
-  }
 
   int Group(const char* oz) {
-    boq::TLvPos group = boq::NewLvPos('B');
-    group.Struktur.IdBgBeschr = ++next_id_;
-    group.SetOz(oz);
-    lv_.Add(group);
-    return lv_.Count() - 1;
+    const int group = BidLvTest::Group();
+    lv_[group].SetOz(oz);
+    return group;
   }
   int Item(int group, const char* oz, double quantity) {
-    boq::TLvPos item = boq::NewLvPos('P');
-    item.Struktur.IdBgBeschr = ++next_id_;
-    item.Struktur.ZuBg = lv_[group].Struktur.IdBgBeschr;
-    item.SetOz(oz);
-    item.LvBeschr.FMenge = quantity;
-    lv_.Add(item);
-    return lv_.Count() - 1;
+    const int item = BidLvTest::Item(group, quantity);
+    lv_[item].SetOz(oz);
+    return item;
   }
   std::unique_ptr<TdmAngebot> Open() {
     TdmBieter bidders(*db_, nullptr, lv_, converter_);
@@ -96,11 +79,6 @@ class Award : public ::testing::Test {
     return bid;
   }
 
-  korvan::testing::TempDir dir_;
-  std::unique_ptr<data::TStdDb> db_;
-  boq::TLVPosList lv_;
-  boq::TAvaUiValueConverter converter_{boq::TCurrencyList(), boq::TValueConverterSettings()};
-  int32_t next_id_ = 100;
   int first_ = 0;
   int second_ = 0;
 };

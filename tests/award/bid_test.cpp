@@ -27,6 +27,8 @@
 #include "data/tables/std_db_datas.h"
 #include "testing/temp_dir.h"
 
+#include "bid_lv_test.h"
+
 namespace korvan::award {
 namespace {
 
@@ -38,51 +40,13 @@ T Val(T value) {
   return value;
 }
 
-boq::TAvaUiValueConverter Converter() {
-  return boq::TAvaUiValueConverter(boq::TCurrencyList(), boq::TValueConverterSettings());
-}
-
-class Bids : public ::testing::Test {
+class Bids : public BidLvTest {
  protected:
-  void SetUp() override {
-    data::TTableRegistry registry;
-    data::RegisterDataTables(registry);
-    boq::RegisterBoqTables(registry);
-    RegisterAwardTables(registry);
-    db_ = std::make_unique<data::TStdDb>("DB_Lv", dir_.path().string() + "/", boq::kLvDbType, 70);
-    db_->SetModifiedById("ALICE");
-    ASSERT_EQ(db_->DbCreate(), 0);
-    InitLvHeader();
-  }
   void TearDown() override {
     texts_.reset();
-    db_.reset();
-    data::TStdDbDatas::Instance().ReleaseEmpty();
-  }
-  void InitLvHeader() {
-    boq::t_Lv_DB_VERSION_3100 header{};
-    header.FId = 7;
-    header.EPGenauigkeit = 2;
-    header.AngebotsmengenGleichLvMengen = 1;
-    lv_.RefreshLvProperties(header);
+    BidLvTest::TearDown();
   }
 
-  // A group under `parent` (none: the root).
-  int Group(int32_t parent = data::kRootParentId) {
-    TLvPos group = boq::NewLvPos('B');
-    group.Struktur.IdBgBeschr = ++next_id_;
-    group.Struktur.ZuBg = parent;
-    lv_.Add(group);
-    return lv_.Count() - 1;
-  }
-  int Item(int group, double quantity, char kind = 'P') {
-    TLvPos item = boq::NewLvPos(kind);
-    item.Struktur.IdBgBeschr = ++next_id_;
-    item.Struktur.ZuBg = lv_[group].Struktur.IdBgBeschr;
-    item.LvBeschr.FMenge = quantity;
-    lv_.Add(item);
-    return lv_.Count() - 1;
-  }
   int32_t IdOf(int line) const { return lv_[line].Struktur.IdBgBeschr; }
 
   std::unique_ptr<TdmAngebot> Open(TBidSettings settings = {}) {
@@ -116,12 +80,7 @@ class Bids : public ::testing::Test {
     ASSERT_EQ(store.Store(description, 'L', boq::kEntryTextLanguage, boq::WriteRtf(text), {}), 0);
   }
 
-  korvan::testing::TempDir dir_;
-  std::unique_ptr<data::TStdDb> db_;
   std::unique_ptr<data::TStdDb> texts_;
-  boq::TLVPosList lv_;
-  boq::TAvaUiValueConverter converter_ = Converter();
-  int32_t next_id_ = 100;
 };
 
 TEST_F(Bids, NewRecordsHaveTheirDefaults) {

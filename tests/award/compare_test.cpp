@@ -24,6 +24,8 @@
 #include "data/tables/std_db_datas.h"
 #include "testing/temp_dir.h"
 
+#include "bid_lv_test.h"
+
 namespace korvan::award::compare_tests {
 namespace {
 
@@ -32,42 +34,13 @@ T Val(T value) {
   return value;
 }
 
-class Comparison : public ::testing::Test {
+class Comparison : public BidLvTest {
  protected:
   void SetUp() override {
-    data::TTableRegistry registry;
-    data::RegisterDataTables(registry);
-    boq::RegisterBoqTables(registry);
-    RegisterAwardTables(registry);
-    db_ = std::make_unique<data::TStdDb>("DB_Lv", dir_.path().string() + "/", boq::kLvDbType, 70);
-    db_->SetModifiedById("ALICE");
-    ASSERT_EQ(db_->DbCreate(), 0);
-    boq::t_Lv_DB_VERSION_3100 header{};
-    header.FId = 7;
-    header.EPGenauigkeit = 2;
-    header.AngebotsmengenGleichLvMengen = 1;
+    BidLvTest::SetUp();
+    boq::t_Lv_DB_VERSION_3100 header = lv_.FLv();
     header.Ust = 19.0;
     lv_.RefreshLvProperties(header);
-  }
-  void TearDown() override {
-    db_.reset();
-    data::TStdDbDatas::Instance().ReleaseEmpty();
-  }
-
-  int Group() {
-    boq::TLvPos group = boq::NewLvPos('B');
-    group.Struktur.IdBgBeschr = ++next_id_;
-    group.Struktur.ZuBg = data::kRootParentId;
-    lv_.Add(group);
-    return lv_.Count() - 1;
-  }
-  int Item(int group, double quantity) {
-    boq::TLvPos item = boq::NewLvPos('P');
-    item.Struktur.IdBgBeschr = ++next_id_;
-    item.Struktur.ZuBg = lv_[group].Struktur.IdBgBeschr;
-    item.LvBeschr.FMenge = quantity;
-    lv_.Add(item);
-    return lv_.Count() - 1;
   }
 
   TdmBieter& Bidders() {
@@ -99,12 +72,7 @@ class Comparison : public ::testing::Test {
     return lines[static_cast<std::size_t>(line)].Angebot.GP.Betrag;
   }
 
-  korvan::testing::TempDir dir_;
-  std::unique_ptr<data::TStdDb> db_;
-  boq::TLVPosList lv_;
-  boq::TAvaUiValueConverter converter_{boq::TCurrencyList(), boq::TValueConverterSettings()};
   std::unique_ptr<TdmBieter> bidders_;
-  int32_t next_id_ = 100;
 };
 
 // Three bidders on three items, as a person works it out on paper:
