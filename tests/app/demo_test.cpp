@@ -18,6 +18,7 @@
 #include "data/tables/table_key.h"
 #include "exchange/gaeb_xml/gaeb_test_files.h"
 #include "storage/result_codes.h"
+#include "testing/files.h"
 #include "testing/json_value.h"
 #include "testing/run_korvan.h"
 #include "testing/temp_dir.h"
@@ -33,6 +34,7 @@ using app::demo::SampleItem;
 using testing::Contains;
 using testing::ExpectKorvan;
 using testing::ProgramResult;
+using testing::ReadFile;
 
 constexpr int kStammKeyLength = 33;
 
@@ -140,27 +142,52 @@ TEST(Demo, WalksTheRoadOfOneBidOnTheSample) {
                              "0 Bietertextergänzungen, 0 Befunde",
                              "Netto " + app::GermanFigure(BidTotal(bidder), "%.2f")});
   }
-  road.insert(road.end(), {"LV \"Rohbau Kindergarten\": 3 Bieter",
-                           "=== Schritt 9: Geschafft ===", "Kindergarten.X83"});
+  int cheapest = 0;
+  for (int bidder = 0; bidder < static_cast<int>(SampleBidders().size()); ++bidder) {
+    if (BidTotal(bidder) < BidTotal(cheapest)) cheapest = bidder;
+  }
+  const std::string winner(SampleBidders()[cheapest].name);
+  const std::string x86 = (files / "Kindergarten.X86").string();
+  road.insert(
+      road.end(),
+      {"LV \"Rohbau Kindergarten\": 3 Bieter", "=== Schritt 7: Preisspiegel ===",
+       "$ korvan compare \"Rohbau Kindergarten\" -d " + base.string(),
+       "$ korvan compare \"Rohbau Kindergarten\" --csv -d " + base.string(),
+       "=== Schritt 8: Zuschlag, Auftrag und X86 ===",
+       "$ korvan award \"Rohbau Kindergarten\" \"" + winner + "\"", "$ korvan contract show 1",
+       winner, "$ korvan gaeb export \"Rohbau Kindergarten\" --phase 86", x86,
+       "Fehler: 0, Warnungen: 0", "=== Schritt 9: Geschafft ===", "Kindergarten-Preisspiegel.csv",
+       "Kindergarten-Preisspiegel.svg", "Kindergarten.X83", "Kindergarten.X86"});
   ExpectInOrder(demo.out, road);
 
   // The bidders' totals as the tender holds them after the import, worked out here.
   const testing::JsonValue bidders =
       testing::ParseJson(testing::ExpectKorvanOn(base, {"bidder", "list", lv, "--json"}).out);
   ASSERT_EQ(bidders["bidders"].Items().size(), SampleBidders().size());
-  int cheapest = 0;
   for (int bidder = 0; bidder < static_cast<int>(SampleBidders().size()); ++bidder) {
     const testing::JsonValue& row = bidders["bidders"].Items()[bidder];
     EXPECT_EQ(row["name"].String(), SampleBidders()[bidder].name);
     EXPECT_NEAR(row["checked"].Number(), BidTotal(bidder), 0.005) << row["name"].String();
-    if (BidTotal(bidder) < BidTotal(cheapest)) cheapest = bidder;
   }
   EXPECT_EQ(bidders["bidders"].Items()[cheapest]["rank"].Number(), 1);
+
+  // The cheapest bid was awarded: the contract's sum is its total, the LV is awarded.
+  const testing::JsonValue contracts =
+      testing::ParseJson(testing::ExpectKorvanOn(base, {"contract", "list", "--json"}).out);
+  ASSERT_EQ(contracts["contracts"].Items().size(), 1u);
+  const testing::JsonValue& contract = contracts["contracts"].Items()[0];
+  EXPECT_EQ(contract["contractor"].String(), winner);
+  EXPECT_NEAR(contract["contract_sum"].Number(), BidTotal(cheapest), 0.005);
+  const std::string csv = ReadFile(files / "Kindergarten-Preisspiegel.csv");
+  EXPECT_EQ(csv.rfind("\xEF\xBB\xBF", 0), 0u) << "the spreadsheet file starts with a BOM";
+  EXPECT_TRUE(Contains(csv, winner));
+  EXPECT_TRUE(Contains(ReadFile(files / "Kindergarten-Preisspiegel.svg"), "<svg"));
 
   // The files stay for the user and are what the schemas of their phases allow; the
   // bidders' installations are gone.
   ExpectValidGaeb(x83);
   for (const std::string& file : x84) ExpectValidGaeb(file);
+  ExpectValidGaeb(x86);
   EXPECT_FALSE(fs::exists(base / "Bieterseite"));
 
   // The road starts from the beginning only.

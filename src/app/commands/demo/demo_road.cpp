@@ -244,15 +244,35 @@ void DemoRoad::ImportBids() {
 
 void DemoRoad::CompareBids() {
   script_.Step("Preisspiegel",
-               "Der Preisspiegel stellt die Angebote Position für Position nebeneinander.\n"
-               "Noch nicht in der Demo: \"korvan compare\" (mit --csv und --svg) ist eben erst\n"
-               "hinzugekommen; probieren Sie es am Ende selbst (siehe unten).");
+               "Der Preisspiegel stellt die Angebote Position für Position nebeneinander, mit\n"
+               "Mittelwert und Idealangebot; Preise, die stark vom Mittel abweichen, sind mit\n"
+               "\"???\" markiert. Darunter die Rangliste.");
+  const std::string lv(kSampleLv);
+  script_.Run(Tender({"compare", lv}));
+  const std::string csv = File(std::string(kSampleProject) + "-Preisspiegel.csv");
+  const std::vector<std::string> as_csv = Tender({"compare", lv, "--csv"});
+  script_.Say("\nDasselbe für die Tabellenkalkulation und als Diagramm:\n$ " + ShellLine(as_csv) +
+              " > " + ShellLine({csv}));
+  std::string table = script_.RunQuietly(as_csv);
+  if (!table.empty() && table.back() == '\n') table.pop_back();  // WriteTextFile ends the line
+  WriteTextFile(csv, table);
+  script_.Run(
+      Tender({"compare", lv, "--svg", File(std::string(kSampleProject) + "-Preisspiegel.svg")}));
 }
 
 void DemoRoad::Award() {
+  const SampleBidder& winner = SampleBidders()[CheapestSampleBidder()];
   script_.Step("Zuschlag, Auftrag und X86",
-               "Noch nicht verfügbar: \"korvan award\", \"korvan contract show\" und die\n"
-               "Auftragserteilung als X86 sind noch nicht gebaut.");
+               "Das günstigste Angebot (Rang 1) erhält den Zuschlag: seine Preise werden die\n"
+               "Vergabepreise des LV, ein Vertrag entsteht, und die Auftragserteilung geht als\n"
+               "X86 an den Auftragnehmer.");
+  const std::string lv(kSampleLv);
+  script_.Run(Tender({"award", lv, std::string(winner.name)}));
+  script_.Run(Tender({"contract", "list"}));
+  script_.Run(Tender({"contract", "show", "1"}));
+  const std::string x86 = File(std::string(kSampleProject) + ".X86");
+  script_.Run(Tender({"gaeb", "export", lv, "--phase", "86", "-o", x86}));
+  script_.Run({"gaeb", "check", x86});
 }
 
 void DemoRoad::Finish() {
@@ -271,7 +291,7 @@ void DemoRoad::Finish() {
   script_.Say("\nZum Weitermachen (" + std::to_string(script_.CommandsRun()) +
               " Befehle liefen eben):\n"
               "  korvan compare " +
-              lv + " -d " + data_dir_ +
+              lv + " --json -d " + data_dir_ +
               "\n"
               "  korvan lv show " +
               lv + " --long -d " + data_dir_ +

@@ -2,6 +2,8 @@
 // with a pitched roof, in ten trades of about one hundred items.
 #include "app/commands/demo/demo_sample.h"
 
+#include <iterator>
+
 #include "boq/units/rounding.h"
 
 namespace korvan::app::demo {
@@ -376,6 +378,26 @@ double SampleBidPrice(const SampleItem& item, int item_number, int bidder_number
   const int step = (item_number * 7 + bidder_number * 5 + item_number * bidder_number) % 13 - 6;
   const double factor = kBidders[bidder_number].factor * (1.0 + step / 100.0);
   return boq::RoundValue(item.base_price * factor, 2, data::TRoundingType::rtCommercial);
+}
+
+int CheapestSampleBidder() {
+  int cheapest = 0;
+  double lowest = 0.0;
+  for (int bidder = 0; bidder < static_cast<int>(std::size(kBidders)); ++bidder) {
+    double total = 0.0;
+    int number = 0;
+    for (const SampleGroup& group : kGroups) {
+      for (const SampleItem& item : group.items) {
+        total += boq::RoundValue(item.quantity * SampleBidPrice(item, number++, bidder), 2,
+                                 data::TRoundingType::rtCommercial);
+      }
+    }
+    if (bidder == 0 || total < lowest) {
+      cheapest = bidder;
+      lowest = total;
+    }
+  }
+  return cheapest;
 }
 
 }  // namespace korvan::app::demo

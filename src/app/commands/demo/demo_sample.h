@@ -39,4 +39,8 @@ std::span<const SampleBidder> SampleBidders();
 // that differs from item to item and bidder to bidder, to the cent.
 double SampleBidPrice(const SampleItem& item, int item_number, int bidder_number);
 
+// The bidder whose bid totals least (each item's total rounded to the cent): the bid the
+// demo awards.
+int CheapestSampleBidder();
+
 }  // namespace korvan::app::demo
