@@ -2,8 +2,8 @@
 
 #include <cmath>
 #include <cstring>
-#include <map>
 #include <optional>
+#include <unordered_map>
 
 #include "award/bid/bidder_sums.h"
 #include "award/bid/estimate_bidder.h"
@@ -101,6 +101,23 @@ TdmAngebot::TdmAngebot(data::TStdDb& lv_db, const boq::TLVPosList& lv,
       rounding_(converter, lv.FLv().EPGenauigkeit),
       settings_(settings) {
   lv_.RefreshGroupKinds();
+  IndexLines();
+}
+
+void TdmAngebot::IndexLines() {
+  const int count = lv_.Count();
+  std::unordered_map<int32_t, int> group_line;
+  for (int i = 0; i < count; ++i) {
+    if (lv_[i].IsGroup()) group_line[lv_[i].Struktur.IdBgBeschr] = i;
+  }
+  children_.assign(static_cast<std::size_t>(count), {});
+  for (int i = 0; i < count; ++i) {
+    if (auto parent = group_line.find(lv_[i].Struktur.ZuBg); parent != group_line.end()) {
+      children_[static_cast<std::size_t>(parent->second)].push_back(i);
+    } else {
+      outside_groups_.push_back(i);
+    }
+  }
 }
 
 void TdmAngebot::Fail(const std::string& what, int code) const {
@@ -111,12 +128,13 @@ void TdmAngebot::Fail(const std::string& what, int code) const {
 void TdmAngebot::Open(const t_Bieter_DB_VERSION_3100& bidder) {
   bidder_ = bidder;
   TTbAngebot table(lv_db_);
-  std::map<int32_t, t_Angebot_DB_VERSION_201501> stored;
   std::vector<t_Angebot_DB_VERSION_201501> read;
   if (int result = table.LinesOf(bidder.ID, read); result != storage::kOk) {
     Fail("die Angebotszeilen können nicht gelesen werden", result);
   }
-  for (const t_Angebot_DB_VERSION_201501& line : read) stored[line.IdLvBgBeschr] = line;
+  std::unordered_map<int32_t, std::size_t> stored;
+  stored.reserve(read.size());
+  for (std::size_t r = 0; r < read.size(); ++r) stored[read[r].IdLvBgBeschr] = r;
   table.InitRecord();
   const t_Angebot_DB_VERSION_201501 fresh = table.Rec();
   lines_.assign(static_cast<std::size_t>(lv_.Count()), TAO{});
@@ -124,8 +142,8 @@ void TdmAngebot::Open(const t_Bieter_DB_VERSION_3100& bidder) {
     TAO& line = lines_[static_cast<std::size_t>(i)];
     const int32_t entry = lv_[i].Struktur.IdBgBeschr;
     if (auto found = stored.find(entry); found != stored.end()) {
-      line.Angebot = found->second;
-      line.AsStored = found->second;
+      line.Angebot = read[found->second];
+      line.AsStored = line.Angebot;
       line.Stored = true;
     } else {
       line.Angebot = fresh;
@@ -252,19 +270,11 @@ void TdmAngebot::Gesamtpreis(int line) {
 }
 
 void TdmAngebot::BuildGroupSums() {
-  std::map<int32_t, int> group_index;
-  for (int i = 0; i < lv_.Count(); ++i) {
-    if (lv_[i].IsGroup()) group_index[lv_[i].Struktur.IdBgBeschr] = i;
-  }
-  std::vector<std::vector<int>> children(static_cast<std::size_t>(lv_.Count()));
   angebot_gp_ = 0.0;
   summe_ = 0.0;
   total_time_ = 0.0;
-  for (int i = 0; i < lv_.Count(); ++i) {
-    const int32_t parent = lv_[i].Struktur.ZuBg;
-    if (auto found = group_index.find(parent); found != group_index.end()) {
-      children[static_cast<std::size_t>(found->second)].push_back(i);
-    } else if (!lv_[i].IsGroup() && lv_[i].LvBgBeschr.KzEntfaellt == 0) {
+  for (int i : outside_groups_) {
+    if (!lv_[i].IsGroup() && lv_[i].LvBgBeschr.KzEntfaellt == 0) {
       // Items outside any group (an LV without groups) count in the total themselves.
       const t_Angebot_DB_VERSION_201501& item = lines_[static_cast<std::size_t>(i)].Angebot;
       angebot_gp_ += item.GP.Betrag;
@@ -280,7 +290,7 @@ void TdmAngebot::BuildGroupSums() {
     sum.Zeit = 0.0;
     group.GPAnteil = {};
     group.GPvorNL = 0.0;
-    for (int c : children[static_cast<std::size_t>(g)]) {
+    for (int c : children_[static_cast<std::size_t>(g)]) {
       const TAO& child = lines_[static_cast<std::size_t>(c)];
       const t_Angebot_DB_VERSION_201501& line = child.Angebot;
       const boq::TLvPos& entry = lv_[c];

@@ -4,6 +4,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "award/bid/bid_check.h"
 #include "award/bid/bid_line.h"
@@ -113,6 +114,7 @@ class TdmAngebot : public data::TSTDdataModule {
   void CData1C_OnStrukturSchreiben(data::TCData&, bool) override { WriteBidderSums(); }
 
  private:
+  void IndexLines();
   void SaveTexts();
   double SurchargeBase(int line) const;
   void UpdateStatus();
@@ -128,6 +130,10 @@ class TdmAngebot : public data::TSTDdataModule {
   TAngebotList lines_;
   bool texts_read_ = false;
   std::vector<std::vector<int>> bidder_gaps_;  // per LV line, after ReadTexts
+  // The LV does not change under the module: which lines each group sums is worked out
+  // once, not for every sum built.
+  std::vector<std::vector<int>> children_;  // per group line, its lines
+  std::vector<int> outside_groups_;         // lines whose parent is no group
   double angebot_gp_ = 0.0;
   double summe_ = 0.0;
   double total_time_ = 0.0;

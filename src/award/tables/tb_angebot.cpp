@@ -70,6 +70,7 @@ int TTbAngebot::LinesOf(int32_t bidder, std::vector<t_Angebot_DB_VERSION_201501>
   if (int result = GetBatch(KeyNumber(bidder), '2', records); result != storage::kOk) {
     return result;
   }
+  lines.reserve(records.size());
   for (const std::vector<uint8_t>& record : records) lines.push_back(Of(record));
   return storage::kOk;
 }
