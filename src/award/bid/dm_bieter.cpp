@@ -96,7 +96,12 @@ std::string TdmBieter::AddressOf(int32_t bidder) {
 }
 
 std::unique_ptr<TdmAngebot> TdmBieter::OpenBid(const t_Bieter_DB_VERSION_3100& bidder) {
-  auto bid = std::make_unique<TdmAngebot>(lv_db_, lv_, converter_, settings_, text_db_);
+  return OpenBid(bidder, settings_);
+}
+
+std::unique_ptr<TdmAngebot> TdmBieter::OpenBid(const t_Bieter_DB_VERSION_3100& bidder,
+                                               TBidSettings settings) {
+  auto bid = std::make_unique<TdmAngebot>(lv_db_, lv_, converter_, settings, text_db_);
   bid->Open(bidder);
   return bid;
 }

@@ -39,6 +39,10 @@ class TdmBieter : public data::TSTDdataModule {
 
   // The bid of a bidder, opened.
   std::unique_ptr<TdmAngebot> OpenBid(const t_Bieter_DB_VERSION_3100& bidder);
+  // The same, computed with other settings than the LV's.
+  std::unique_ptr<TdmAngebot> OpenBid(const t_Bieter_DB_VERSION_3100& bidder,
+                                      TBidSettings settings);
+  const TBidSettings& Settings() const { return settings_; }
   // "Alle Angebote durchkalkulieren": every bid recomputed and stored; `progress` is told
   // each bidder's name.
   void AlleBieterNeuBerechnen(const std::function<void(const std::string&)>& progress = {});

@@ -29,6 +29,12 @@ struct TCompareOptions {
   TReferenceMode reference = TReferenceMode::kIdeal;
   // "Kennzeichnen von Positionen, die mehr als ... % vom Mittelwert abweichen"; 0 none.
   double max_deviation = 0.0;
+  // "nur Positionen ausgeben, die mindestens ... % der Angebotssumme enthalten": items whose
+  // mean total is below that share of the mean bid's total are not shown; 0 all.
+  double min_share = 0.0;
+  // "alle Eventualpositionen mit einrechnen": contingency items without total (Bedarf E)
+  // are priced and counted in every bid's totals for this comparison; what is stored stays.
+  bool with_contingency = false;
 };
 
 }  // namespace korvan::award

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 #include "data/records/null_values.h"
@@ -30,18 +31,26 @@ const t_Angebot_DB_VERSION_201501& Rec(const TAngebotList& lines, int line) {
   return lines[static_cast<std::size_t>(line)].Angebot;
 }
 
-TBidCell CellOf(const t_Angebot_DB_VERSION_201501& line, double factor) {
+TBidCell CellOf(const t_Angebot_DB_VERSION_201501& line, bool group, double factor) {
   TBidCell cell;
   cell.up = line.EP.Betrag * factor;
   cell.total = line.GP.Betrag * factor;
   cell.total_after_discount = line.GPnachNL.Betrag * factor;
-  cell.lump_sum = line.GPPsch.Betrag * factor;
+  if (!group) cell.stated_total = StatedTotalWithoutQuantity(line) * factor;
   cell.discount = line.NachlassProz;
   cell.mark = line.Kennz;
   return cell;
 }
 
 }  // namespace
+
+std::vector<t_Bieter_DB_VERSION_3100> MarkedOrAll(
+    const std::vector<t_Bieter_DB_VERSION_3100>& bidders) {
+  std::vector<t_Bieter_DB_VERSION_3100> marked;
+  std::copy_if(bidders.begin(), bidders.end(), std::back_inserter(marked),
+               [](const t_Bieter_DB_VERSION_3100& bidder) { return bidder.markiert != 0; });
+  return marked.empty() ? bidders : marked;
+}
 
 double CurrencyFactorOf(const t_Bieter_DB_VERSION_3100& bidder) {
   const double factor = bidder.Waehrungsfaktor;
@@ -57,7 +66,9 @@ TPriceComparison::TPriceComparison(TdmBieter& bidders, const boq::TLVPosList& lv
   template_.Waehrungsfaktor = 1.0;
   const double vat = lv.FLv().Ust;
   template_.USt = static_cast<float>(vat < 0.0 ? -1.0 : vat);
-  worker_ = bidders.OpenBid(template_);
+  TBidSettings settings = bidders.Settings();
+  settings.contingency_in_totals = settings.contingency_in_totals || options.with_contingency;
+  worker_ = bidders.OpenBid(template_, settings);
 }
 
 void TPriceComparison::Run(const std::vector<t_Bieter_DB_VERSION_3100>& selected) {
@@ -93,7 +104,7 @@ void TPriceComparison::ReadBids(const std::vector<t_Bieter_DB_VERSION_3100>& sel
     const TAngebotList& bid = worker_->FAList();
     for (int i = 0; i < lines; ++i) {
       TBidCell& cell = cells_[static_cast<std::size_t>(i) * count + b];
-      cell = CellOf(Rec(bid, i), compared.factor);
+      cell = CellOf(Rec(bid, i), lv_[i].IsGroup(), compared.factor);
       if (worker_->IsPriced(i) && IsZero(cell.up)) ++compared.unpriced;
     }
   }
@@ -255,7 +266,7 @@ void TPriceComparison::FormIdealAndExtremes() {
         if (cell.up < low_up) {
           low_up = cell.up;
           Rec(lines, i).NachlassProz = cell.discount;
-          Rec(lines, i).GPPsch.Betrag = cell.lump_sum;
+          SetStatedTotalWithoutQuantity(Rec(lines, i), cell.stated_total);
         }
         high_up = std::max(high_up, cell.up);
         min_up = std::min(min_up, cell.up);
@@ -343,6 +354,11 @@ bool TPriceComparison::Deviates(int line, int bidder) const {
   if (IsZero(mean)) return false;
   const double deviation = std::fabs(100.0 - Cell(line, bidder).total / mean * 100.0);
   return deviation > options_.max_deviation;
+}
+
+bool TPriceComparison::Shows(int line) const {
+  if (options_.min_share <= 0.0 || lv_[line].IsGroup() || mean_.lines.empty()) return true;
+  return Rec(mean_.lines, line).GP.Betrag >= mean_.totals.checked * options_.min_share / 100.0;
 }
 
 std::vector<TRankRow> TPriceComparison::RankList() const {

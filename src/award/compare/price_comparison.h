@@ -23,7 +23,7 @@ struct TBidCell {
   double up = 0.0;                    // EP
   double total = 0.0;                 // GP
   double total_after_discount = 0.0;  // GPnachNL
-  double lump_sum = 0.0;              // GPPsch
+  double stated_total = 0.0;          // an item's total stated without quantity
   float discount = 0.0F;              // NachlassProz of the line, in percent
   char mark = kMarkNone;
 };
@@ -92,6 +92,9 @@ class TPriceComparison {
   std::optional<double> TotalPercentOfReference(int bidder) const;
   // Whether a bidder's line deviates from the mean by more than the marking threshold.
   bool Deviates(int line, int bidder) const;
+  // Whether the comparison shows a line: groups always, items when their mean total
+  // reaches the minimum share of the mean bid's total.
+  bool Shows(int line) const;
   // The bidders by rank (cheapest first, bidders without prices last), list order within a
   // rank.
   std::vector<TRankRow> RankList() const;
@@ -121,6 +124,10 @@ class TPriceComparison {
   TReferenceTotals reference_totals_;
   std::optional<int> reference_bidder_;
 };
+
+// The bidders a comparison takes: those marked in the bidder list, or all when none is.
+std::vector<t_Bieter_DB_VERSION_3100> MarkedOrAll(
+    const std::vector<t_Bieter_DB_VERSION_3100>& bidders);
 
 // A bidder's currency factor to the display currency; 1 when none is set.
 double CurrencyFactorOf(const t_Bieter_DB_VERSION_3100& bidder);

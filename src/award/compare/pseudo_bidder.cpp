@@ -17,7 +17,9 @@ t_Bieter_DB_VERSION_3100 StorePseudoBidder(TdmBieter& bidders, const TPriceCompa
     t_Angebot_DB_VERSION_201501& to = lines[i].Angebot;
     to.EP.Betrag = from.EP.Betrag;
     to.NachlassProz = from.NachlassProz;
-    to.GPPsch.Betrag = from.GPPsch.Betrag;
+    if (!bid->Lv()[static_cast<int>(i)].IsGroup()) {
+      SetStatedTotalWithoutQuantity(to, StatedTotalWithoutQuantity(from));
+    }
   }
   bid->Bidder().NachlassAbs.Betrag = pseudo.bidder.NachlassAbs.Betrag;
   bid->Bidder().USt = pseudo.bidder.USt;
