@@ -4,7 +4,9 @@
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "gaeb_lv_fixture.h"
 #include "testing/files.h"
@@ -54,7 +56,21 @@ TEST_F(CompareCommand, JsonGivesLinesPseudoBidsAndRanksWrongCallsAreRefused) {
   EXPECT_TRUE((*aushub)["bids"].Items()[1]["deviates"].Bool());  // 1320 against 1220,40
   EXPECT_FALSE((*aushub)["bids"].Items()[0]["deviates"].Bool());
 
+  // Two bidders chosen; Aushub's mean (10 + 9,50) / 2 × 120 = 1170 reaches half of the mean
+  // bid's 1170 + 1 × 80, Verfüllen's 80 does not.
+  const korvan::testing::JsonValue chosen = korvan::testing::ParseJson(
+      Korvan({"compare", "Rohbau", "--json", "--bidders", "1,Zweitbau", "--min-share", "50"}).out);
+  ASSERT_EQ(chosen["bidders"].Items().size(), 2U);
+  EXPECT_EQ(chosen["bidders"].Items()[1]["name"].String(), "Zweitbau");
+  EXPECT_DOUBLE_EQ(chosen["pseudo_bids"]["mean"]["checked"].Number(), 1170.0 + 80.0);
+  std::vector<std::string> shown;
+  for (const auto& line : chosen["lines"].Items()) shown.push_back(line["oz"].String());
+  EXPECT_NE(std::find(shown.begin(), shown.end(), "01.01.0001"), shown.end());
+  EXPECT_EQ(std::find(shown.begin(), shown.end(), "01.01.0002"), shown.end());
+
   // Wrong calls: exit 2 for the call, 1 for the work.
+  Korvan({"compare", "Rohbau", "--min-share=-1"}, 2, {"--min-share"});
+  Korvan({"compare", "Rohbau", "--bidders", "1,Niemand"}, 1, {"Niemand"});
   Korvan({"compare", "Rohbau", "--reference", "billig"}, 2, {"kein 100 %-Bezug", "cheapest"});
   Korvan({"compare", "Rohbau", "--limit=-3"}, 2, {"--limit"});
   Korvan({"compare", "Rohbau", "--json", "--csv"}, 2);
@@ -66,7 +82,7 @@ TEST_F(CompareCommand, JsonGivesLinesPseudoBidsAndRanksWrongCallsAreRefused) {
 TEST_F(CompareCommand, CsvTextAndChart) {
   const korvan::testing::ProgramResult csv = Korvan({"compare", "Rohbau", "--csv"});
   EXPECT_EQ(csv.out.rfind("\xEF\xBB\xBFOZ;Art;Kurztext;Menge;Einheit;Musterbau GmbH EP;", 0), 0U);
-  EXPECT_NE(csv.out.find("01.01.0001;P;Aushub;120,000;m3;10,00;1200,00;"), std::string::npos);
+  EXPECT_NE(csv.out.find("=\"01.01.0001\";P;Aushub;120,000;m3;10,00;1200,00;"), std::string::npos);
   EXPECT_NE(csv.out.find("\r\nSumme;;;;;;1280,00;"), std::string::npos);
   EXPECT_NE(csv.out.find("1;3;Zweitbau;1140,00;0,00;1140,00;1140,00;"), std::string::npos);
 

@@ -96,8 +96,9 @@ CompareValue TotalValue(const award::TPriceComparison& comparison, const Compare
   return value;
 }
 
-bool IsComparedLine(const boq::TLvPos& entry) {
-  return entry.IsGroup() || entry.IsQuantityItem();
+bool IsComparedLine(const award::TPriceComparison& comparison, int line) {
+  const boq::TLvPos& entry = comparison.Lv()[line];
+  return (entry.IsGroup() || entry.IsQuantityItem()) && comparison.Shows(line);
 }
 
 std::string ReferenceCaption(const award::TPriceComparison& comparison) {

@@ -34,8 +34,9 @@ CompareValue LineValue(const award::TPriceComparison& comparison, const CompareC
                        int line);
 // The checked total (the highest and lowest columns: the highest and lowest bidder's).
 CompareValue TotalValue(const award::TPriceComparison& comparison, const CompareColumn& column);
-// The lines a comparison shows: groups and items with a quantity.
-bool IsComparedLine(const boq::TLvPos& entry);
+// The lines a comparison shows: groups, and items with a quantity that reach its minimum
+// share.
+bool IsComparedLine(const award::TPriceComparison& comparison, int line);
 // The caption of the reference: the mode, and the bidder's name in modes 0 to 2.
 std::string ReferenceCaption(const award::TPriceComparison& comparison);
 

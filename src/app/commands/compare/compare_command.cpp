@@ -8,6 +8,8 @@
 #include <iostream>
 #include <memory>
 #include <ostream>
+#include <set>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -55,6 +57,16 @@ class CompareCommand : public Command {
                    "highest oder 0 bis 6");
     app.add_option("--limit", limit_,
                    "Positionen kennzeichnen, die mehr als PROZENT vom Mittelwert abweichen");
+    app.add_option("--min-share", min_share_,
+                   "nur Positionen zeigen, deren Mittelwert-GP mindestens PROZENT der "
+                   "Angebotssumme des Mittelwerts ausmacht");
+    app.add_flag("--with-contingency", with_contingency_,
+                 "alle Eventualpositionen (Bedarfspositionen ohne Gesamtpreis) mit einrechnen "
+                 "(nur für den Preisspiegel)");
+    app.add_option("--bidders", bidders_,
+                   "nur diese Bieter vergleichen (Bieter-Nr. oder Name, durch Komma getrennt); "
+                   "sonst die markierten, wenn welche markiert sind, sonst alle")
+        ->delimiter(',');
     app.add_option("--svg", svg_, "das Diagramm der Summen und Spannen in diese Datei schreiben");
     app.add_option("--as-bidder", as_bidder_,
                    "mean: die Mittelwerte, ideal: das Idealangebot als eigenen Bieter anlegen");
@@ -67,7 +79,7 @@ class CompareCommand : public Command {
     const std::optional<award::TPseudoBidKind> store = PseudoBidKind();
     BidLv target(data_dir_, project_, lv_, store.has_value());
     award::TPriceComparison comparison(target.Bidders(), target.List(), options);
-    comparison.Run(target.Bidders().Bidders());
+    comparison.Run(ComparedBidders(target));
     if (store) return StoreAsBidder(comparison, target, *store, streams);
     if (!svg_.empty()) WriteSvg(comparison, target, streams);
     if (json_) {
@@ -92,13 +104,33 @@ class CompareCommand : public Command {
       }
       options.reference = *mode;
     }
-    if (!limit_.empty()) {
-      options.max_deviation = RequireGermanNumber(limit_, "--limit");
-      if (options.max_deviation < 0.0) {
-        throw UsageError("\"" + limit_ + "\": --limit erwartet einen Prozentsatz ab 0.");
-      }
-    }
+    options.max_deviation = Percent(limit_, "--limit");
+    options.min_share = Percent(min_share_, "--min-share");
+    options.with_contingency = with_contingency_;
     return options;
+  }
+
+  // A percentage of 0 or more; 0 when not given.
+  static double Percent(const std::string& text, const char* option) {
+    if (text.empty()) return 0.0;
+    const double percent = RequireGermanNumber(text, option);
+    if (percent < 0.0) {
+      throw UsageError("\"" + text + "\": " + option + " erwartet einen Prozentsatz ab 0.");
+    }
+    return percent;
+  }
+
+  // The bidders named by --bidders in the LV's order; without it, the marked ones or all.
+  std::vector<award::t_Bieter_DB_VERSION_3100> ComparedBidders(BidLv& target) const {
+    const std::vector<award::t_Bieter_DB_VERSION_3100> all = target.Bidders().Bidders();
+    if (bidders_.empty()) return award::MarkedOrAll(all);
+    std::set<int32_t> named;
+    for (const std::string& name : bidders_) named.insert(target.Bidder(name).ID);
+    std::vector<award::t_Bieter_DB_VERSION_3100> chosen;
+    for (const award::t_Bieter_DB_VERSION_3100& bidder : all) {
+      if (named.count(bidder.ID) != 0) chosen.push_back(bidder);
+    }
+    return chosen;
   }
 
   std::optional<award::TPseudoBidKind> PseudoBidKind() const {
@@ -146,6 +178,9 @@ class CompareCommand : public Command {
   std::string lv_;
   std::string reference_;
   std::string limit_;
+  std::string min_share_;
+  std::vector<std::string> bidders_;
+  bool with_contingency_ = false;
   std::string svg_;
   std::string as_bidder_;
   std::string project_;

@@ -22,6 +22,18 @@ std::string Field(const std::string& text) {
   return quoted + "\"";
 }
 
+// An OZ as a text formula: spreadsheets would read "01" as the number 1 and "01.02" as a
+// date. Excel and LibreOffice both show the formula's text.
+std::string OzField(const std::string& oz) {
+  if (oz.find_first_of(";\r\n") != std::string::npos) return Field(oz);
+  std::string formula = "=\"";
+  for (char c : oz) {
+    if (c == '"') formula += '"';
+    formula += c;
+  }
+  return formula + "\"";
+}
+
 std::string Number(double value, const char* format = "%.2f") {
   return GermanFigure(value, format);
 }
@@ -53,9 +65,10 @@ void WriteLines(std::ostream& out, const award::TPriceComparison& comparison,
   const boq::TLVPosList& lv = comparison.Lv();
   for (int i = 0; i < lv.Count(); ++i) {
     const boq::TLvPos& entry = lv[i];
-    if (!IsComparedLine(entry)) continue;
-    out << Field(entry.LvBgBeschr.OZ.Get()) << ';' << entry.Kind() << ';' << Field(entry.ShortText)
-        << ';' << (entry.IsGroup() ? std::string() : Number(entry.LvBeschr.FMenge, "%.3f")) << ';'
+    if (!IsComparedLine(comparison, i)) continue;
+    out << OzField(entry.LvBgBeschr.OZ.Get()) << ';' << entry.Kind() << ';'
+        << Field(entry.ShortText) << ';'
+        << (entry.IsGroup() ? std::string() : Number(entry.LvBeschr.FMenge, "%.3f")) << ';'
         << Field(entry.Unit);
     for (const CompareColumn& column : columns) {
       WriteValue(out, column, LineValue(comparison, column, i), !entry.IsGroup());

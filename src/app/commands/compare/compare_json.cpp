@@ -45,7 +45,7 @@ void WriteLines(std::ostream& out, const award::TPriceComparison& comparison,
   bool first = true;
   for (int i = 0; i < lv.Count(); ++i) {
     const boq::TLvPos& entry = lv[i];
-    if (!IsComparedLine(entry)) continue;
+    if (!IsComparedLine(comparison, i)) continue;
     out << (first ? "" : ", ") << "{\"oz\": " << JsonString(entry.LvBgBeschr.OZ.Get())
         << ", \"kind\": " << JsonString(std::string(1, entry.Kind()))
         << ", \"short_text\": " << JsonString(entry.ShortText)
@@ -125,7 +125,10 @@ void WriteCompareJson(std::ostream& out, const award::TPriceComparison& comparis
       << ", \"checked\": " << JsonNumber(reference.checked)
       << ", \"after_discount\": " << JsonNumber(reference.after_discount)
       << ", \"gross\": " << JsonNumber(reference.gross)
-      << "}, \"limit\": " << JsonNumber(comparison.Options().max_deviation) << ", \"bidders\": [";
+      << "}, \"limit\": " << JsonNumber(comparison.Options().max_deviation)
+      << ", \"min_share\": " << JsonNumber(comparison.Options().min_share)
+      << ", \"with_contingency\": " << (comparison.Options().with_contingency ? "true" : "false")
+      << ", \"bidders\": [";
   WriteBidders(out, comparison);
   out << "], \"pseudo_bids\": {";
   if (!comparison.Bidders().empty()) {

@@ -53,7 +53,7 @@ class TextWriter {
       : out_(out), comparison_(comparison), converter_(converter), colour_(colour) {
     const boq::TLVPosList& lv = comparison.Lv();
     for (int i = 0; i < lv.Count(); ++i) {
-      if (IsComparedLine(lv[i]))
+      if (IsComparedLine(comparison, i))
         oz_width_ = std::max(oz_width_, TextWidth(lv[i].LvBgBeschr.OZ.Get()));
     }
   }
@@ -72,7 +72,7 @@ class TextWriter {
     const boq::TLVPosList& lv = comparison_.Lv();
     for (int i = 0; i < lv.Count(); ++i) {
       const boq::TLvPos& entry = lv[i];
-      if (!IsComparedLine(entry)) continue;
+      if (!IsComparedLine(comparison_, i)) continue;
       const std::string quantity =
           entry.IsGroup() ? std::string()
                           : converter_.QtyToString(entry.LvBeschr.FMenge, 3) + " " + entry.Unit;
@@ -139,6 +139,12 @@ void WriteCompareText(std::ostream& out, const award::TPriceComparison& comparis
     out << ", ??? = mehr als " << converter.CurrencyValueToString(limit, 2)
         << " % vom Mittelwert abweichend";
   }
+  const award::TCompareOptions& options = comparison.Options();
+  if (options.min_share > 0.0) {
+    out << ", nur Positionen ab " << converter.CurrencyValueToString(options.min_share, 2)
+        << " % der Angebotssumme";
+  }
+  if (options.with_contingency) out << ", mit Eventualpositionen";
   out << "\n\n";
   if (comparison.Bidders().empty()) {
     out << "Keine Bieter: es gibt nichts zu vergleichen (\"korvan bidder add\" legt Bieter an).\n";
