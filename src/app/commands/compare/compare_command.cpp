@@ -9,6 +9,7 @@
 #include <memory>
 #include <ostream>
 #include <set>
+#include <sstream>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -65,8 +66,7 @@ class CompareCommand : public Command {
                  "(nur für den Preisspiegel)");
     app.add_option("--bidders", bidders_,
                    "nur diese Bieter vergleichen (Bieter-Nr. oder Name, durch Komma getrennt); "
-                   "sonst die markierten, wenn welche markiert sind, sonst alle")
-        ->delimiter(',');
+                   "sonst die markierten, wenn welche markiert sind, sonst alle");
     app.add_option("--svg", svg_, "das Diagramm der Summen und Spannen in diese Datei schreiben");
     app.add_option("--as-bidder", as_bidder_,
                    "mean: die Mittelwerte, ideal: das Idealangebot als eigenen Bieter anlegen");
@@ -125,7 +125,13 @@ class CompareCommand : public Command {
     const std::vector<award::t_Bieter_DB_VERSION_3100> all = target.Bidders().Bidders();
     if (bidders_.empty()) return award::MarkedOrAll(all);
     std::set<int32_t> named;
-    for (const std::string& name : bidders_) named.insert(target.Bidder(name).ID);
+    std::istringstream names(bidders_);
+    for (std::string name; std::getline(names, name, ',');) {
+      if (!name.empty()) named.insert(target.Bidder(name).ID);
+    }
+    if (named.empty()) {
+      throw UsageError("--bidders erwartet Bieter-Nummern oder Namen, durch Komma getrennt.");
+    }
     std::vector<award::t_Bieter_DB_VERSION_3100> chosen;
     for (const award::t_Bieter_DB_VERSION_3100& bidder : all) {
       if (named.count(bidder.ID) != 0) chosen.push_back(bidder);
@@ -179,7 +185,7 @@ class CompareCommand : public Command {
   std::string reference_;
   std::string limit_;
   std::string min_share_;
-  std::vector<std::string> bidders_;
+  std::string bidders_;
   bool with_contingency_ = false;
   std::string svg_;
   std::string as_bidder_;
