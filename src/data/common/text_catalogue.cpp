@@ -37,6 +37,26 @@ std::map<int, std::string> GermanTexts() {
       {47209, "Frei 3"},
       {47210, "Frei 4"},
       {47211, "Einheiten"},
+      // Entries of an LV.
+      {48001, "OZ"},
+      {48002, "Art"},
+      {48003, "Kurztext"},
+      {48004, "Menge"},
+      {48005, "Einheit"},
+      {48006, "EP"},
+      {48007, "GP"},
+      // Projects and their LVs.
+      {48101, "Projekt / LV"},
+      {48102, "Status"},
+      {48103, "Summe"},
+      // The bidders of an LV by rank.
+      {48201, "Rang"},
+      {48202, "Nr"},
+      {48203, "Bieter"},
+      {48204, "Geprüft"},
+      {48205, "Summe ./. NL"},
+      {48206, "Brutto"},
+      {48207, "Status"},
   };
 }
 

@@ -29,10 +29,6 @@ std::string Money(double value) {
   return GermanFigure(value, "%.2f");
 }
 
-calc::TItemCalculation Rounding(const BidLv& target) {
-  return calc::TItemCalculation(target.Converter(), target.List().FLv().EPGenauigkeit);
-}
-
 class BidderAddCommand : public LvOperation {
  public:
   std::string Name() const override { return "add"; }
@@ -63,7 +59,7 @@ class BidderAddCommand : public LvOperation {
     target.Change("Bieter \"" + name_ + "\" anlegen", streams.err,
                   [&] { bidder = target.Bidders().AddBidder(name_, address_); });
     if (json) {
-      streams.out << BidderJson(bidder, Rounding(target), 0) << '\n';
+      streams.out << BidderJson(bidder, target.Rounding(), 0) << '\n';
       return kExitOk;
     }
     streams.out << "Bieter " << static_cast<int>(bidder.BieterNrIntern) << " \"" << name_
@@ -84,7 +80,7 @@ class BidderAddCommand : public LvOperation {
     target.Change("Schätzbieter", streams.err,
                   [&] { bidder = target.Bidders().EstimateBidder(&created); });
     if (json) {
-      streams.out << BidderJson(bidder, Rounding(target), 0) << '\n';
+      streams.out << BidderJson(bidder, target.Rounding(), 0) << '\n';
       return kExitOk;
     }
     streams.out << "Schätzbieter " << static_cast<int>(bidder.BieterNrIntern) << " \""
@@ -116,17 +112,6 @@ std::string ShowNote(const BidDisplay& display, bool contingency) {
   return note;
 }
 
-// The bidders with their sums as the bid lines give them now.
-std::vector<award::t_Bieter_DB_VERSION_3100> CurrentBidders(BidLv& target) {
-  std::vector<award::t_Bieter_DB_VERSION_3100> bidders;
-  for (const award::t_Bieter_DB_VERSION_3100& bidder : target.Bidders().Bidders()) {
-    std::unique_ptr<award::TdmAngebot> bid = target.Bidders().OpenBid(bidder);
-    bid->Recalculate();
-    bidders.push_back(bid->Bidder());
-  }
-  return bidders;
-}
-
 class BidderListCommand : public LvOperation {
  public:
   std::string Name() const override { return "list"; }
@@ -140,9 +125,9 @@ class BidderListCommand : public LvOperation {
   int Run(Streams& streams) override {
     BidLv target(data_dir, project, lv_, false, {contingency_});
     const BidDisplay display = target.Display(currency_);
-    const std::vector<award::t_Bieter_DB_VERSION_3100> bidders = CurrentBidders(target);
+    const std::vector<award::t_Bieter_DB_VERSION_3100> bidders = target.CurrentBidders();
     const std::vector<int> ranks = award::RankByTotal(bidders);
-    const calc::TItemCalculation rounding = Rounding(target);
+    const calc::TItemCalculation rounding = target.Rounding();
     if (json) {
       streams.out << "{\"lv\": " << target.List().FLv().FId
                   << ", \"name\": " << JsonString(target.Name()) << ", \"bidders\": [";
@@ -222,7 +207,7 @@ class BidSetCommand : public LvOperation {
       streams.out << "{\"oz\": " << JsonString(oz_)
                   << ", \"up\": " << JsonNumber(double{line.EP.Betrag})
                   << ", \"it\": " << JsonNumber(double{line.GP.Betrag})
-                  << ", \"bidder\": " << BidderJson(bid->Bidder(), Rounding(target), 0) << "}\n";
+                  << ", \"bidder\": " << BidderJson(bid->Bidder(), target.Rounding(), 0) << "}\n";
       return kExitOk;
     }
     streams.out << "Position " << oz_ << ": EP " << Money(line.EP.Betrag) << ", GP "
@@ -347,7 +332,7 @@ class BidShowCommand : public LvOperation {
     std::unique_ptr<award::TdmAngebot> bid = target.Bidders().OpenBid(bidder);
     bid->Recalculate();
     bid->ReadTexts();
-    const calc::TItemCalculation rounding = Rounding(target);
+    const calc::TItemCalculation rounding = target.Rounding();
     const boq::TLVPosList& list = target.List();
     if (json) {
       streams.out << "{\"lv\": " << list.FLv().FId << ", \"name\": " << JsonString(target.Name())

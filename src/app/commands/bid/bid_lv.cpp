@@ -33,6 +33,20 @@ BidLv::BidLv(const std::string& data_dir, const std::string& project, const std:
       bidders_(std::make_unique<award::TdmBieter>(db_, project_.TextDb(), list_, converter_,
                                                   settings)) {}
 
+calc::TItemCalculation BidLv::Rounding() const {
+  return calc::TItemCalculation(converter_, list_.FLv().EPGenauigkeit);
+}
+
+std::vector<award::t_Bieter_DB_VERSION_3100> BidLv::CurrentBidders() {
+  std::vector<award::t_Bieter_DB_VERSION_3100> bidders;
+  for (const award::t_Bieter_DB_VERSION_3100& bidder : bidders_->Bidders()) {
+    std::unique_ptr<award::TdmAngebot> bid = bidders_->OpenBid(bidder);
+    bid->Recalculate();
+    bidders.push_back(bid->Bidder());
+  }
+  return bidders;
+}
+
 BidDisplay BidLv::Display(const std::string& symbol) {
   BidDisplay display;
   if (symbol.empty()) return display;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "app/commands/lv/lv_project.h"
 #include "award/bid/bidder_sums.h"
@@ -53,6 +54,10 @@ class BidLv {
   const std::string& Name() const { return name_; }
   const boq::TAvaUiValueConverter& Converter() const { return converter_; }
   award::TdmBieter& Bidders() { return *bidders_; }
+  // How the bids of this LV round: the LV's unit-price decimals and the installation's rules.
+  calc::TItemCalculation Rounding() const;
+  // The bidders with their sums as their bid lines give them now.
+  std::vector<award::t_Bieter_DB_VERSION_3100> CurrentBidders();
 
   // The bidder named by its number, id or name; CommandError naming the LV when none.
   award::t_Bieter_DB_VERSION_3100 Bidder(const std::string& number_or_name);

@@ -11,7 +11,7 @@
 #include "app/commands/lists/master_data_session.h"
 #include "app/program/data_dir.h"
 #include "app/program/program_tables.h"
-#include "data/common/text_catalogue.h"
+#include "data/component/column_view.h"
 #include "data/component/list_operation.h"
 
 namespace korvan::app {
@@ -21,11 +21,7 @@ namespace {
 int FindColumn(const data::TColumnStructure& columns, const std::string& name) {
   for (int i = 0; i < columns.FeldAnzahl(); ++i) {
     const data::TColumnDef& column = columns[i];
-    if (column.Name == name) return i;
-    if (column.CaptionTextNr &&
-        data::TTextCatalogue::German().cLoadStr(*column.CaptionTextNr) == name) {
-      return i;
-    }
+    if (column.Name == name || data::ColumnCaption(column) == name) return i;
   }
   return -1;
 }

@@ -10,7 +10,7 @@
 #include "app/commands/lists/master_data_session.h"
 #include "app/program/data_dir.h"
 #include "app/program/program_tables.h"
-#include "data/common/text_catalogue.h"
+#include "data/component/column_view.h"
 
 namespace korvan::app {
 namespace {
@@ -19,11 +19,6 @@ size_t Width(const std::string& utf8) {
   return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
     return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
   }));
-}
-
-std::string Caption(const data::TColumnDef& column) {
-  if (!column.CaptionTextNr) return column.Name;
-  return data::TTextCatalogue::German().cLoadStr(*column.CaptionTextNr);
 }
 
 // Text columns are left-aligned, numbers right-aligned, each padded to its widest cell.
@@ -67,9 +62,8 @@ int ListCommand::Run(Streams& streams) {
   std::vector<std::vector<std::string>> cells(1, {"Zeile"});
   std::vector<bool> right{true};
   for (const data::TColumnDef& column : columns.Columns()) {
-    cells[0].push_back(Caption(column));
-    right.push_back(column.Typ == data::TFeldTyp::Integer || column.Typ == data::TFeldTyp::Real ||
-                    column.Typ == data::TFeldTyp::Betrag);
+    cells[0].push_back(data::ColumnCaption(column));
+    right.push_back(data::ColumnIsNumber(column));
   }
   for (int z = 1; z <= cdata.GetRmax(); ++z) {
     const data::TStringList values = cdata.Data2Screen(z);

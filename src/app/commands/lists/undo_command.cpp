@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include "app/cli/command_error.h"
+#include "app/commands/lists/journal_undo.h"
 #include "app/commands/lists/journal_wait.h"
 #include "app/commands/lists/master_data_session.h"
 #include "app/program/data_dir.h"
@@ -63,32 +64,10 @@ int UndoCommand::Run(Streams& streams) {
 }
 
 int UndoCommand::Step(Streams& streams) {
-  // The journal puts records back through the table objects of the program's registry.
-  MasterDataSession session(ProgramTables(), data_dir_, false);
-  data::TUndoRedo& journal = session.Journal();
-  if (!journal.RecoveryNote().empty()) streams.err << journal.RecoveryNote() << '\n';
-  if (redo_ ? !journal.CanRedo() : journal.Empty()) {
-    streams.err << (redo_ ? "Es gibt nichts wiederherzustellen\n"
-                          : "Es gibt nichts rückgängig zu machen\n");
-    return kExitFailure;
-  }
-  const data::TUndoOutcome outcome = redo_ ? journal.PopRedo() : journal.PopUndo();
-  if (!outcome.ok()) {
-    streams.err << (redo_ ? "Wiederherstellen" : "Rückgängig") << " nicht möglich: \""
-                << outcome.start.Caption() << "\": " << outcome.error << '\n'
-                << "Es wurde nichts geändert; der Schritt bleibt im Journal.";
-    if (outcome.code == data::kUndoConflict) {
-      streams.err << " Soll die neuere Änderung bleiben, leert \"korvan undo --clear\" das "
-                     "Journal.";
-    } else if (outcome.code == data::kUndoDamaged) {
-      streams.err << " \"korvan undo --clear\" löscht das Journal.";
-    }
-    streams.err << '\n';
-    return kExitFailure;
-  }
-  streams.out << (redo_ ? "Wiederhergestellt: " : "Rückgängig gemacht: ") << outcome.start.Caption()
-              << '\n';
-  return kExitOk;
+  const JournalStepOutcome outcome = TakeJournalStep(data_dir_, redo_);
+  if (!outcome.recovery_note.empty()) streams.err << outcome.recovery_note << '\n';
+  (outcome.done ? streams.out : streams.err) << outcome.text << '\n';
+  return outcome.done ? kExitOk : kExitFailure;
 }
 
 int UndoCommand::List(Streams& streams) {

@@ -1,28 +1,21 @@
 #include "app/commands/lv/lv_edit_commands.h"
 
-#include <fstream>
 #include <functional>
 #include <optional>
 #include <ostream>
-#include <sstream>
 
 #include <CLI/CLI.hpp>
 
 #include "app/cli/command_error.h"
 #include "app/cli/german_number.h"
 #include "app/cli/json_text.h"
+#include "app/commands/lv/lv_entry_edit.h"
 #include "app/commands/lv/lv_project.h"
 #include "boq/lv/lv_codes.h"
 #include "boq/lv/project_lvs.h"
-#include "boq/lv/tb_lv_hierarchie.h"
 #include "boq/model/lv_editing.h"
-#include "boq/model/lv_pos_list_io.h"
 #include "boq/model/lv_references.h"
 #include "boq/oz/oz_format.h"
-#include "boq/oz/oz_hierarchy.h"
-#include "boq/text/rtf_writer.h"
-#include "boq/text/text_conversions.h"
-#include "storage/result_codes.h"
 
 namespace korvan::app {
 namespace {
@@ -41,40 +34,14 @@ class LvEditOperation : public LvOperation {
 
   int RunEdit(Streams& streams, const std::string& caption, bool long_texts, const Edit& edit) {
     LvProject target(data_dir, project);
-    data::TStdDb& db = target.Db(true);
+    target.Db(true);
     const int32_t id = target.ResolveLv(lv_);
-    data::TStdDb* text_db = target.TextDb();
-    boq::TLVPosList list = boq::LoadLvPosList(db, text_db, id, long_texts);
-    if (list.FReadOnly()) throw CommandError("Das LV ist schreibgeschützt.");
-    const EditOutcome outcome = edit(list, target);
-    RunAsOneStep<boq::EStoredLvError>(
-        target.Journal(), data::TOperationKind::okEdit,
-        caption + " in LV \"" + list.FLv().Name.Get() + "\"",
-        {"es wurde nichts geändert", "die Änderung konnte nicht zurückgenommen werden",
-         "die Änderung"},
-        streams.err, [&] {
-          SaveLevels(db, list);
-          target.SaveWithSums(list, streams.err);
-        });
+    EditOutcome outcome;
+    EditLvInOneStep(
+        target, id, caption, long_texts, levels_changed_,
+        [&](boq::TLVPosList& list) { outcome = edit(list, target); }, streams.err);
     streams.out << (json ? outcome.json : outcome.text) << '\n';
     return kExitOk;
-  }
-
-  // The hierarchy rows follow the mask whenever it changed.
-  void SaveLevels(data::TStdDb& db, const boq::TLVPosList& list) {
-    if (!levels_changed_) return;
-    boq::TTbLvHierarchie levels(db);
-    if (int result = levels.DeleteAllOf(list.FLv().FId); result != storage::kOk) {
-      throw boq::EStoredLvError(db.BasePath() + "0: die OZ-Stufen können nicht gelöscht werden");
-    }
-    for (const boq::THierarchyLevel& level : boq::HierarchyFromMask(list.FOzMask().FMask())) {
-      levels.InitRecord();
-      boq::FillHierarchieRecord(level, list.FLv().FId, levels.Rec());
-      if (int result = levels.UpDateRec(); result != storage::kOk) {
-        throw boq::EStoredLvError(db.BasePath() + "0: die OZ-Stufe " + std::to_string(level.SzLv) +
-                                  " kann nicht gespeichert werden");
-      }
-    }
   }
 
   static int EntryAt(const boq::TLVPosList& list, const std::string& oz) {
@@ -92,58 +59,6 @@ class LvEditOperation : public LvOperation {
   std::string lv_;
   bool levels_changed_ = false;
 };
-
-// The values an entry's fields can be given on the command line.
-struct EntryValues {
-  std::optional<std::string> short_text;
-  std::optional<std::string> long_file;
-  std::optional<double> qty;
-  std::optional<double> unit_price;
-  std::optional<std::string> unit;
-};
-
-std::string ReadLongText(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw CommandError("Die Datei \"" + path + "\" kann nicht gelesen werden.");
-  std::ostringstream content;
-  content << in.rdbuf();
-  const std::string text = content.str();
-  // A rich text is stored as it is; a plain text becomes one.
-  return text.rfind("{\\rtf", 0) == 0 ? text : boq::WrapPlainAsRtf(text);
-}
-
-void Apply(const EntryValues& values, boq::TLvPos& entry, LvProject& target) {
-  if (values.unit) {
-    if (const std::string problem = boq::UnitProblem(*values.unit); !problem.empty())
-      throw UsageError(problem + ".");
-    if (!entry.IsQuantityItem())
-      throw UsageError(std::string("Eine Einheit haben nur Positionen (P, L, U), nicht die Art ") +
-                       entry.Kind() + ".");
-  }
-  if ((values.qty || values.unit_price) && !entry.IsQuantityItem()) {
-    throw UsageError(std::string("Menge und Preis haben nur Positionen (P, L, U), nicht die Art ") +
-                     entry.Kind() + ".");
-  }
-  if (values.unit_price && entry.Kind() == 'U') {
-    throw UsageError("Eine Unterbeschreibung (U) hat keinen Preis.");
-  }
-  if ((values.short_text || values.long_file) && target.TextDb() == nullptr) {
-    throw CommandError(
-        "Das Projekt hat keine Textdatenbank; Texte können nicht gespeichert werden.");
-  }
-  if (values.short_text) entry.ShortText = *values.short_text;
-  if (values.long_file) {
-    entry.LongText = ReadLongText(*values.long_file);
-    entry.LongTextChanged = true;
-  }
-  if (values.qty) entry.LvBeschr.FMenge = *values.qty;
-  if (values.unit_price) entry.LvBeschr.SchaetzEP.Betrag = *values.unit_price;
-  if (values.unit) {
-    // A symbol of the unit list is linked to its unit; any other stays free text.
-    const boq::t_Einheit* listed = target.Units().FindSymbol(*values.unit);
-    entry.SetUnit(*values.unit, listed != nullptr ? listed->IdEinheit : data::kNullId16);
-  }
-}
 
 class LvAddCommand : public LvEditOperation {
  public:
@@ -176,7 +91,7 @@ class LvAddCommand : public LvEditOperation {
     return RunEdit(
         streams, "Eintrag anfügen", false, [this](boq::TLVPosList& list, LvProject& target) {
           boq::TLvPos entry = boq::NewLvPos(kind_[0]);
-          Apply(values_, entry, target);
+          ApplyEntryValues(values_, entry, target);
           boq::TLvPlace place;
           if (!under_.empty()) {
             place = {boq::TLvPlace::Kind::kUnder, EntryAt(list, under_)};
@@ -269,7 +184,7 @@ class LvSetCommand : public LvEditOperation {
       if (lump_sum) list[index].LvBg.SummePsch.Betrag = *lump_sum;
       if (reference) SetReference(list, index, *reference);
       boq::TLvPos& entry = list[index];
-      Apply(values, entry, target);
+      ApplyEntryValues(values, entry, target);
       if (new_oz) entry.SetOz(boq::FormLvOZ(*new_oz, list.FOzMask().FMask()));
       return EditOutcome{"Eintrag " + entry.LvBgBeschr.OZ.Get() + " geändert",
                          EntryJson(entry, "changed")};

@@ -70,16 +70,6 @@ std::string Figure(const std::optional<double>& value, const char* format) {
   return value ? GermanFigure(*value, format) : std::string();
 }
 
-// A quantity as the entry's unit writes it: its decimals and notation; a unit the unit
-// list does not hold gets three decimals.
-std::string QuantityText(const boq::TLvPos& entry, double quantity, const boq::TUnitList& units,
-                         const boq::TAvaUiValueConverter& converter) {
-  const boq::t_Einheit* unit = units.Of(entry.UnitId, entry.Unit);
-  if (unit == nullptr) return converter.QtyToString(quantity, 3);
-  return converter.QtyToStringFmt(quantity, unit->Nachkommastellen,
-                                  boq::DecodeValFormat(unit->ValFormat));
-}
-
 void PrintTree(std::ostream& out, const boq::TLVPosList& list,
                const std::vector<boq::TLvEntryFigures>& figures, double total, bool long_texts,
                const boq::TUnitList& units, const std::string& currency) {

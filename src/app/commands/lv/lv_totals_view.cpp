@@ -40,4 +40,12 @@ std::string TotalsText(const StoredTotals& t) {
   return text;
 }
 
+std::string QuantityText(const boq::TLvPos& entry, double quantity, const boq::TUnitList& units,
+                         const boq::TAvaUiValueConverter& converter) {
+  const boq::t_Einheit* unit = units.Of(entry.UnitId, entry.Unit);
+  if (unit == nullptr) return converter.QtyToString(quantity, 3);
+  return converter.QtyToStringFmt(quantity, unit->Nachkommastellen,
+                                  boq::DecodeValFormat(unit->ValFormat));
+}
+
 }  // namespace korvan::app
