@@ -3,7 +3,7 @@ JOBS ?= $(shell nproc)
 BUILD ?= build
 DEMO_DIR ?= $(BUILD)/demo-data
 
-.PHONY: all demo test bench fuzz format clean
+.PHONY: all demo test bench fuzz screenshots format clean
 
 all:
 	scripts/install-deps
@@ -34,6 +34,11 @@ fuzz:
 	  -DKORVAN_TESTS=OFF -DKORVAN_FUZZ=ON
 	cmake --build $(BUILD)/fuzz -j $(JOBS)
 	@ls $(BUILD)/fuzz/fuzz/*_fuzz
+
+# The desktop program's main views on the demo data, for the README; no display needed.
+screenshots: demo
+	QT_QPA_PLATFORM=offscreen $(BUILD)/release/src/desktop/korvan-desk -d $(DEMO_DIR) \
+	  --screenshots docs/screenshots
 
 format:
 	find src tests bench fuzz -name '*.cpp' -o -name '*.h' | xargs clang-format -i

@@ -2,7 +2,7 @@
 # Usage: cmake -DSOURCE_DIR=<dir holding the layer folders> -P CheckLayers.cmake
 # The order is the one written in docs/ARCHITECTURE.md; each layer may include its own
 # headers and those of the layers before it.
-set(layers storage data boq formula calc award billing costs exchange app)
+set(layers storage data boq formula calc award billing costs exchange app desktop)
 
 if(NOT IS_DIRECTORY "${SOURCE_DIR}")
   message(FATAL_ERROR "CheckLayers: SOURCE_DIR '${SOURCE_DIR}' is not a directory")

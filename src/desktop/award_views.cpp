@@ -1,0 +1,117 @@
+#include "desktop/award_views.h"
+
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPainter>
+#include <QSplitter>
+#include <QTreeView>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "app/cli/german_number.h"
+#include "app/modules/dm_preisspiegel.h"
+#include "app/modules/dm_rangliste.h"
+#include "desktop/cdata_model.h"
+
+namespace korvan::desktop {
+namespace {
+
+QTreeView* ListView(CDataModel& model, QWidget* parent) {
+  auto* view = new QTreeView(parent);
+  view->setModel(&model);
+  view->setUniformRowHeights(true);
+  view->setAlternatingRowColors(true);
+  view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  view->setSelectionBehavior(QAbstractItemView::SelectRows);
+  for (int column = 0; column < model.columnCount(); ++column) {
+    view->header()->resizeSection(column, model.ColumnWidth(column));
+  }
+  view->expandAll();
+  return view;
+}
+
+}  // namespace
+
+TotalsChart::TotalsChart(std::vector<std::pair<std::string, double>> totals, QWidget* parent)
+    : QWidget(parent), totals_(std::move(totals)) {
+  setMinimumHeight(sizeHint().height());
+}
+
+void TotalsChart::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.fillRect(rect(), palette().base());
+  double highest = 0.0;
+  double lowest = 0.0;
+  bool first = true;
+  for (const auto& [name, total] : totals_) {
+    highest = std::max(highest, total);
+    if (total > 0.0 && (first || total < lowest)) lowest = total;
+    if (total > 0.0) first = false;
+  }
+  const int label_width = 180;
+  const int figure_width = 110;
+  const int bar_room = std::max(40, width() - label_width - figure_width - 30);
+  int y = 14;
+  for (const auto& [name, total] : totals_) {
+    painter.setPen(palette().text().color());
+    painter.drawText(QRect(10, y, label_width - 10, 24), Qt::AlignVCenter | Qt::AlignLeft,
+                     QString::fromStdString(name));
+    const int length = highest > 0.0 ? static_cast<int>(bar_room * total / highest) : 0;
+    const bool cheapest = total > 0.0 && total == lowest;
+    painter.fillRect(QRect(label_width, y + 3, length, 18),
+                     cheapest ? QColor(90, 170, 90) : QColor(110, 140, 190));
+    painter.drawText(QRect(label_width + length + 8, y, figure_width, 24),
+                     Qt::AlignVCenter | Qt::AlignLeft,
+                     QString::fromStdString(app::GermanFigure(total, "%.2f")));
+    y += 34;
+  }
+}
+
+BiddersDialog::BiddersDialog(std::unique_ptr<app::TdmRangliste> module, const QString& lv_name,
+                             QWidget* parent)
+    : QDialog(parent), module_(std::move(module)) {
+  setWindowTitle("Bieter – " + lv_name);
+  model_ = std::make_unique<CDataModel>(module_->CData1);
+  auto* layout = new QVBoxLayout(this);
+  view_ = ListView(*model_, this);
+  view_->setObjectName("bieter");
+  layout->addWidget(view_);
+  resize(900, 320);
+}
+
+BiddersDialog::~BiddersDialog() = default;
+
+ComparisonDialog::ComparisonDialog(std::unique_ptr<app::TdmPreisspiegel> comparison,
+                                   std::unique_ptr<app::TdmRangliste> ranks, const QString& lv_name,
+                                   QWidget* parent)
+    : QDialog(parent), comparison_(std::move(comparison)), ranks_(std::move(ranks)) {
+  setWindowTitle("Preisspiegel – " + lv_name);
+  grid_model_ = std::make_unique<CDataModel>(comparison_->CData1);
+  grid_model_->SetMarks([this](int z, int column) { return comparison_->Deviates(z, column); });
+  ranks_model_ = std::make_unique<CDataModel>(ranks_->CData1);
+
+  auto* layout = new QVBoxLayout(this);
+  auto* reference = new QLabel(
+      QString::fromStdString("100 %: " + comparison_->ReferenceText() + "; rot: mehr als " +
+                             app::GermanFigure(comparison_->MaxDeviation(), "%g") +
+                             " % vom Mittelwert entfernt"),
+      this);
+  layout->addWidget(reference);
+  auto* down = new QSplitter(Qt::Vertical, this);
+  grid_ = ListView(*grid_model_, down);
+  grid_->setObjectName("preisspiegel");
+  auto* across = new QSplitter(Qt::Horizontal, down);
+  ranks_view_ = ListView(*ranks_model_, across);
+  ranks_view_->setObjectName("rangliste");
+  auto* chart = new TotalsChart(comparison_->Totals(), across);
+  chart->setObjectName("diagramm");
+  down->setStretchFactor(0, 3);
+  down->setStretchFactor(1, 1);
+  layout->addWidget(down);
+  resize(1280, 760);
+}
+
+ComparisonDialog::~ComparisonDialog() = default;
+
+}  // namespace korvan::desktop

@@ -1,0 +1,5 @@
+#include "desktop/desk_program.h"
+
+int main(int argc, char** argv) {
+  return korvan::desktop::RunDesk(argc, argv);
+}
