@@ -63,7 +63,7 @@ void TdmPreisspiegel::Read() {
   const std::vector<boq::TLvEntryFigures> figures = boq::EstimatedFigures(list, nullptr);
   lines_.clear();
   for (int i = 0; i < list.Count(); ++i) {
-    if (!IsComparedLine(list[i])) continue;
+    if (!IsComparedLine(comparison, i)) continue;
     Line line{figures[static_cast<size_t>(i)].depth,
               list[i].Kind(),
               {list[i].LvBgBeschr.OZ.Get(), list[i].ShortText},
