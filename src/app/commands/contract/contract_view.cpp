@@ -7,6 +7,8 @@
 #include "app/cli/json_text.h"
 #include "billing/contract/contract_sums.h"
 #include "billing/contract/dm_vertrag.h"
+#include "billing/deduction/contract_allocations.h"
+#include "billing/deduction/deduction_amounts.h"
 #include "billing/tables/billing_table_types.h"
 #include "data/records/int_date.h"
 #include "data/records/null_values.h"
@@ -53,6 +55,66 @@ const char* BillingModeText(char mode) {
   }
 }
 
+const char* DeductionTypeText(char type) {
+  switch (type) {
+    case 'U':
+      return "Umlage";
+    case 'R':
+      return "Rückstellung";
+    case 'E':
+      return "Einbehalt";
+    case 'W':
+      return "Wertminderung";
+    case 'S':
+      return "Schaden";
+    case 'F':
+      return "Fremdleistung";
+    case 'G':
+      return "Gewährleistung";
+    case 'B':
+      return "Bauleistung";
+    default:
+      return "Vertrag";
+  }
+}
+
+std::string DeductionJson(const billing::TDeduction& deduction, double vat_rate,
+                          const boq::TAvaUiValueConverter& converter) {
+  const billing::TAbzug& r = deduction.record;
+  const std::optional<double> percent = billing::PercentOfFormula(deduction.formula);
+  const std::optional<billing::TDeductionAmounts> amounts =
+      billing::FixedDeductionAmounts(deduction, vat_rate, converter);
+  auto amount = [&](double billing::TDeductionAmounts::*field) {
+    return amounts ? JsonNumber((*amounts).*field) : std::string("null");
+  };
+  return "{\"id\": " + std::to_string(r.ID) + ", \"name\": " + JsonString(deduction.name) +
+         ", \"type\": " + JsonChar(r.Typ) + ", \"subtype\": " + JsonChar(r.SubTyp) +
+         ", \"entered\": " + JsonString(r.KzBruttoNetto == 'B' ? "gross" : "net") +
+         ", \"invoice_kinds\": " + JsonString(r.Rechnungstyp.Get()) +
+         ", \"amount\": " + JsonNumber(double{r.AbzugBetrag.Betrag}) + ", \"formula\": " +
+         (deduction.formula.empty() ? std::string("null") : JsonString(deduction.formula)) +
+         ", \"percent\": " + (percent ? JsonNumber(*percent) : std::string("null")) +
+         ", \"net\": " + amount(&billing::TDeductionAmounts::net) +
+         ", \"gross\": " + amount(&billing::TDeductionAmounts::gross) +
+         ", \"vat\": " + amount(&billing::TDeductionAmounts::vat) + "}";
+}
+
+void PrintDeduction(std::ostream& out, const billing::TDeduction& deduction, double vat_rate,
+                    const boq::TAvaUiValueConverter& converter) {
+  const billing::TAbzug& r = deduction.record;
+  out << "  " << DeductionTypeText(r.Typ) << " \"" << deduction.name << "\": ";
+  if (const std::optional<double> percent = billing::PercentOfFormula(deduction.formula)) {
+    out << Percent(*percent) << " % des Rechnungsbetrags";
+  } else if (!deduction.formula.empty()) {
+    out << "Ansatz " << deduction.formula;
+  } else if (const auto amounts = billing::FixedDeductionAmounts(deduction, vat_rate, converter)) {
+    out << Money(amounts->net) << " netto, " << Money(amounts->gross) << " brutto (MwSt "
+        << Money(amounts->vat) << ")";
+  }
+  out << ", Rechnungstypen " << (r.Rechnungstyp.Get().empty() ? "keine" : r.Rechnungstyp.Get())
+      << '\n';
+}
+
 }  // namespace
 
 std::string ContractJson(const ContractView& view, const boq::TAvaUiValueConverter& converter) {
@@ -63,6 +125,11 @@ std::string ContractJson(const ContractView& view, const boq::TAvaUiValueConvert
     supplements += (i == 0 ? "" : ", ") + JsonString(view.supplements[i]);
   }
   supplements += "]";
+  std::string deductions = "[";
+  for (std::size_t i = 0; i < view.deductions.size(); ++i) {
+    deductions += (i == 0 ? "" : ", ") + DeductionJson(view.deductions[i], c.Mwst, converter);
+  }
+  deductions += "]";
   return "{\"id\": " + std::to_string(c.ID) + ", \"number\": " + JsonString(c.AuftragsNr.Get()) +
          ", \"kind\": " + JsonChar(c.Auftragsart) + ", \"lv\": " + JsonId(c.IdLv) +
          ", \"lv_name\": " + JsonString(view.lv_name) + ", \"main\": " +
@@ -106,7 +173,8 @@ std::string ContractJson(const ContractView& view, const boq::TAvaUiValueConvert
          ", \"construction_tax\": " + JsonBool(c.BauabzugsSteuer) +
          ", \"reverse_charge\": " + JsonBool(c.Par13b) +
          ", \"net_deductions\": " + JsonBool(c.NettoAbzuege) +
-         ", \"place\": " + JsonString(c.Ort.Get()) + ", \"locked\": " + JsonBool(c.gesperrt) + "}";
+         ", \"place\": " + JsonString(c.Ort.Get()) + ", \"locked\": " + JsonBool(c.gesperrt) +
+         ", \"deductions\": " + deductions + "}";
 }
 
 void PrintContractLine(std::ostream& out, const ContractView& view) {
@@ -154,6 +222,12 @@ void PrintContract(std::ostream& out, const ContractView& view,
       << (c.Kumulativ != 0 ? ", kumulativ" : "") << (c.SRKumulativ != 0 ? ", SR kumulativ" : "")
       << (c.ERKumulativ != 0 ? ", ER kumulativ" : "") << (c.gesperrt != 0 ? "; gesperrt" : "")
       << '\n';
+  if (view.deductions.empty()) return;
+  out << "  Umlagen und Abzüge (Prozente und Ansätze rechnet erst die Rechnung; Rechnungen "
+         "sind noch nicht verfügbar):\n";
+  for (const billing::TDeduction& deduction : view.deductions) {
+    PrintDeduction(out, deduction, c.Mwst, converter);
+  }
 }
 
 }  // namespace korvan::app

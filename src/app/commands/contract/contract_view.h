@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "billing/deduction/dm_abzug.h"
 #include "billing/tables/vertrag_record.h"
 #include "boq/units/value_converter.h"
 
@@ -13,8 +14,9 @@ namespace korvan::app {
 struct ContractView {
   billing::TVertrag contract{};
   std::string lv_name;
-  std::string main_number;               // the main contract's number; empty for a main one
-  std::vector<std::string> supplements;  // numbers of its supplementary contracts
+  std::string main_number;                      // the main contract's number; empty for a main one
+  std::vector<std::string> supplements;         // numbers of its supplementary contracts
+  std::vector<billing::TDeduction> deductions;  // its allocations and other deductions
 };
 
 // The JSON object of a contract (docs/JSON.md, "contract").

@@ -1,6 +1,7 @@
 #include "app/commands/contract/project_contracts.h"
 
 #include "app/cli/command_error.h"
+#include "billing/tables/billing_table_types.h"
 #include "boq/lv/project_lvs.h"
 #include "boq/model/lv_pos_list_io.h"
 #include "data/records/null_values.h"
@@ -63,6 +64,8 @@ ContractView ProjectContracts::ViewOf(const billing::TVertrag& contract) {
     if (other.ID == contract.IdHauptauftrag) view.main_number = other.AuftragsNr.Get();
     if (other.IdHauptauftrag == contract.ID) view.supplements.push_back(other.AuftragsNr.Get());
   }
+  view.deductions =
+      billing::TdmAbzug(project_.BillingDb(), billing::kDeductionOfContract, contract.ID).List();
   for (const boq::LvSummary& lv : boq::ListLvs(project_.Db(false))) {
     if (lv.id == contract.IdLv) view.lv_name = lv.name;
   }
