@@ -92,6 +92,20 @@ TEST_F(AwardCommand, ContractsByHandAndTheirTerms) {
   Korvan({"undo"});
   Korvan({"contract", "show", "1", "--json"}, 0,
          {"\"cash_discount_percent\": 2,", "\"locked\": true"});
+  // Allocations are the contract's deductions of type U; the defaults file carries them.
+  Korvan({"contract", "set", "1", "gesperrt=nein", "--umlage", "Bauschild=0,5%", "--umlage",
+          "Baustrom=150:AS", "--json"},
+         0,
+         {"\"name\": \"Bauschild\", \"type\": \"U\"", "\"formula\": \"FR*0,5/100\"",
+          "\"invoice_kinds\": \"ARSTU\"", "\"percent\": 0.5,", "\"name\": \"Baustrom\"",
+          "\"amount\": 150,", "\"net\": 150,"});
+  Korvan({"contract", "set", "1", "--umlage", "Bauzaun=1%"}, 1, {"keine Umlage"});
+  Korvan({"contract", "defaults", "write", "1"}, 0, {"STANDARD-WERTE.VSW"});
+  Korvan({"contract", "set", "1", "xSkonto=9", "--umlage", "Bauschild=-"});
+  Korvan({"contract", "defaults", "read", "1"}, 0,
+         {"Skonto 2 %", "Umlage \"Bauschild\": 0,5 % des Rechnungsbetrags"});
+  Korvan({"contract", "defaults", "show", "--json"}, 0,
+         {"\"exists\": true", "\"Umlage=Baustrom=150,00:AS\""});
 }
 
 }  // namespace

@@ -6,9 +6,12 @@
 #include <memory>
 
 #include "billing/billing_tables.h"
+#include "billing/contract/contract_defaults.h"
 #include "billing/contract/contract_sums.h"
 #include "billing/contract/dm_vertrag.h"
 #include "billing/contract/project_id.h"
+#include "billing/deduction/contract_allocations.h"
+#include "billing/deduction/dm_abzug.h"
 #include "billing/tables/tb_vertrag.h"
 #include "boq/boq_tables.h"
 #include "boq/lv/lv_table_types.h"
@@ -189,6 +192,48 @@ TEST_F(Contracts, TheAwardMakesAMainContractAndLaterSupplementsTheirOwn) {
   EXPECT_EQ(book.SupplementsOf(*stored).size(), 1u);
   EXPECT_TRUE(book.Find(std::to_string(second.ID)).has_value());
   EXPECT_FALSE(book.Find("V-3").has_value());
+}
+
+TEST_F(Contracts, NewContractsTakeTheDefaultTermsAndAllocationsAndNothingElse) {
+  for (std::string_view name : kDefaultTermNames) {
+    bool found = false;
+    for (const data::FieldDescriptor& field : kVertragFields) found = found || field.name == name;
+    EXPECT_TRUE(found) << name;
+  }
+  TContractSettings settings;
+  settings.number_pattern = "V-{*LNR*}";
+  TContractDefaults defaults;
+  defaults.terms.SicherheitseinbehaltProz = 5;
+  defaults.terms.MaxSicherheitseinbehaltProz = 3;
+  defaults.terms.Gewaehrdauer = 60;
+  defaults.terms.GwlEinheit.Set("Jahre");
+  defaults.terms.Kumulativ = 1;
+  defaults.terms.RechLegung = 'T';
+  defaults.terms.xSkonto = 2;
+  defaults.terms.BauabzugsSteuer = 1;
+  defaults.terms.Mwst = 7;           // not a default: the contract's rate stays the system's
+  defaults.terms.NachlassProz = 50;  // nor the discount, which is the LV's
+  defaults.allocations = {{"Bauschild", 0.5, 0.0, "ARSTU"}, {"Vertragsstrafe", {}, 5000.0, "S"}};
+  settings.defaults = defaults;
+  const TVertrag contract = Book().Create(lv_, Party("Musterbau"), settings);
+  EXPECT_DOUBLE_EQ(Val(contract.SicherheitseinbehaltProz), 5.0);
+  EXPECT_DOUBLE_EQ(Val(contract.MaxSicherheitseinbehaltProz), 3.0);
+  EXPECT_EQ(Val(contract.Gewaehrdauer), 60);
+  EXPECT_EQ(contract.GwlEinheit.Get(), "Jahre");
+  EXPECT_EQ(Val(contract.Kumulativ), 1);
+  EXPECT_EQ(Val(contract.RechLegung), 'T');
+  EXPECT_DOUBLE_EQ(Val(contract.xSkonto), 2.0);
+  EXPECT_EQ(Val(contract.BauabzugsSteuer), 1);
+  EXPECT_DOUBLE_EQ(Val(contract.Mwst), 19.0);
+  EXPECT_DOUBLE_EQ(Val(contract.NachlassProz), 0.0);
+  EXPECT_DOUBLE_EQ(Val(contract.SummeAusLV.Betrag), 200.0);
+  const std::vector<TAllocation> allocations =
+      AllocationsOf(TdmAbzug(*rv_, kDeductionOfContract, contract.ID).List());
+  ASSERT_EQ(allocations.size(), 2u);
+  EXPECT_EQ(allocations[0].name, "Bauschild");
+  EXPECT_EQ(allocations[1].name, "Vertragsstrafe");
+  EXPECT_DOUBLE_EQ(allocations[1].amount, 5000.0);
+  EXPECT_EQ(allocations[1].invoice_kinds, "S");
 }
 
 TEST_F(Contracts, AWrongNumberPatternIsRefusedBeforeAnythingIsWritten) {

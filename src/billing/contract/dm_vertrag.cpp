@@ -2,6 +2,7 @@
 
 #include "award/award/bid_price_transfer.h"
 #include "billing/contract/contract_sums.h"
+#include "billing/deduction/dm_abzug.h"
 #include "billing/tables/tb_vertrag.h"
 #include "data/common/result_code_text.h"
 #include "data/config/config_error.h"
@@ -103,6 +104,7 @@ TVertrag TdmVertrag::Create(boq::TLVPosList& lv, const TContractParty& party,
   TVertrag contract = table.Rec();
   const boq::t_Lv_DB_VERSION_3100& header = lv.FLv();
   const TVertrag* main = MainContractOf(existing);
+  if (settings.defaults) TakeDefaultTerms(contract, settings.defaults->terms);
   contract.AuftragsNr.Set(number);
   contract.Auftragsart = main == nullptr ? kMainContract : kSupplementContract;
   if (main != nullptr) contract.IdHauptauftrag = main->ID;
@@ -122,6 +124,7 @@ TVertrag TdmVertrag::Create(boq::TLVPosList& lv, const TContractParty& party,
   }
   AssignLines(lv, contract.ID, main != nullptr);
   Store(contract, lv);
+  if (settings.defaults) TakeDefaultAllocations(contract, settings.defaults->allocations);
   return contract;
 }
 
@@ -135,6 +138,16 @@ void TdmVertrag::Store(TVertrag& contract, const boq::TLVPosList& lv) {
   TVertrag main = table.Rec();
   ComputeContractSums(main, lv, SupplementsOf(main), converter_);
   Write(main);
+}
+
+void TdmVertrag::TakeDefaultAllocations(const TVertrag& contract,
+                                        const std::vector<TAllocation>& allocations) {
+  TdmAbzug deductions(db_, kDeductionOfContract, contract.ID);
+  try {
+    for (const TAllocation& allocation : allocations) SetAllocation(deductions, allocation);
+  } catch (const EDeductionError& error) {
+    throw EContractError("Vertrag \"" + contract.AuftragsNr.Get() + "\": " + error.what());
+  }
 }
 
 void TdmVertrag::Write(const TVertrag& contract) {

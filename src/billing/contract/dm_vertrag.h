@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "billing/contract/contract_defaults.h"
 #include "billing/tables/vertrag_record.h"
 #include "boq/model/lv_pos_list.h"
 #include "boq/units/value_converter.h"
@@ -38,6 +39,7 @@ struct TContractParty {
 struct TContractSettings {
   std::string number_pattern = "{*LNR*}-{*MM*}-{*JJJJ*}";  // FVertragFormat
   double vat_rate = 19.0;                                  // the system's VAT percent
+  std::optional<TContractDefaults> defaults;               // "STANDARD-WERTE.VSW"
 };
 
 class TdmVertrag : public data::TSTDdataModule {
@@ -58,7 +60,8 @@ class TdmVertrag : public data::TSTDdataModule {
   std::string WhyNoContract(const boq::TLVPosList& lv);
   // A new contract of `lv` with `party`: the main contract, or a supplementary contract of
   // the LV's main contract when it has one. The LV's lines under no contract (for a
-  // supplementary contract its supplement items) get the contract's id; the caller saves
+  // supplementary contract its supplement items) get the contract's id; the contract takes
+  // the defaults of `settings` with their allocations. The caller saves
   // `lv`. EContractError when WhyNoContract says no or the contract cannot be written.
   TVertrag Create(boq::TLVPosList& lv, const TContractParty& party,
                   const TContractSettings& settings);
@@ -68,6 +71,8 @@ class TdmVertrag : public data::TSTDdataModule {
 
  private:
   void Write(const TVertrag& contract);
+  void TakeDefaultAllocations(const TVertrag& contract,
+                              const std::vector<TAllocation>& allocations);
   std::string NextNumber(const TContractSettings& settings);
   [[noreturn]] void Fail(const std::string& what, int code) const;
 

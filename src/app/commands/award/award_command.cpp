@@ -17,6 +17,7 @@
 #include "app/program/data_dir.h"
 #include "award/award/award_run.h"
 #include "billing/contract/dm_vertrag.h"
+#include "billing/tables/billing_table_types.h"
 #include "boq/lv/project_lvs.h"
 
 namespace korvan::app {
@@ -34,11 +35,7 @@ billing::TContractParty PartyOf(const award::t_Bieter_DB_VERSION_3100& bidder) {
   party.name = bidder.Bietername.Get();
   party.bid_date = bidder.Rueckgabedatum;
   party.vat_rate = bidder.USt < 0.0F ? -1.0 : double{bidder.USt};
-  const award::TCashDiscount& term = bidder.CashDiscount[0];
-  party.cash_discount.DiscountPcnt = term.DiscountPcnt;
-  party.cash_discount.CashDiscDate = term.CashDiscDate;
-  party.cash_discount.CashDiscDays.Kind = term.CashDiscDays.TypeOfDays;
-  party.cash_discount.CashDiscDays.Days = term.CashDiscDays.Days;
+  party.cash_discount = bidder.CashDiscount[0];
   return party;
 }
 
@@ -106,6 +103,7 @@ class AwardCommand : public Command {
     RefuseFurtherContract(project, list, target.Converter());
     award::TAwardResult result;
     std::optional<billing::TVertrag> contract;
+    const billing::TContractSettings& settings = project.ContractSettings();  // before any write
     RunAsOneStep<award::EAwardRefused, award::ETransferRefused, billing::EContractError,
                  award::EBidError, boq::EStoredLvError, CommandError>(
         project.Journal(), data::TOperationKind::okEdit,
@@ -117,12 +115,18 @@ class AwardCommand : public Command {
           if (!no_contract_) {
             billing::TdmVertrag book(project.BillingDb(), project.ContractProjectNumber(true),
                                      target.Converter());
-            contract = book.Create(list, PartyOf(bidder), project.ContractSettings());
+            contract = book.Create(list, PartyOf(bidder), settings);
           }
           project.SaveWithSums(list, streams.err);
         });
     if (json_) {
-      PrintJson(streams.out, list, bidder, result, contract, target.Converter());
+      std::vector<billing::TDeduction> deductions;
+      if (contract) {
+        deductions =
+            billing::TdmAbzug(project.BillingDb(), billing::kDeductionOfContract, contract->ID)
+                .List();
+      }
+      PrintJson(streams.out, list, bidder, result, contract, deductions, target.Converter());
     } else {
       PrintText(streams.out, list, bidder, result, contract);
     }
@@ -155,6 +159,7 @@ class AwardCommand : public Command {
   void PrintJson(std::ostream& out, const boq::TLVPosList& list,
                  const award::t_Bieter_DB_VERSION_3100& bidder, const award::TAwardResult& result,
                  const std::optional<billing::TVertrag>& contract,
+                 const std::vector<billing::TDeduction>& deductions,
                  const boq::TAvaUiValueConverter& converter) const {
     out << "{\"lv\": " << list.FLv().FId << ", \"name\": " << JsonString(list.FLv().Name.Get())
         << ", \"bidder\": {\"id\": " << bidder.ID
@@ -168,8 +173,9 @@ class AwardCommand : public Command {
         << ", \"status\": " << JsonString(std::string(1, list.FLv().Status))
         << ", \"award_total\": " << JsonNumber(double{list.FLv().VergabeSum.Betrag})
         << ", \"contract\": "
-        << (contract ? ContractJson({*contract, list.FLv().Name.Get(), {}, {}}, converter)
-                     : std::string("null"))
+        << (contract
+                ? ContractJson({*contract, list.FLv().Name.Get(), {}, {}, deductions}, converter)
+                : std::string("null"))
         << ", \"letters\": " << JsonString(kLettersUnavailable) << "}\n";
   }
 

@@ -1,19 +1,25 @@
-// `korvan contract list|show|new|set`: the contracts of a project, each change one step of
+// `korvan contract list|show|new|set|defaults`: the contracts of a project, each change one step of
 // the journal.
 #include "app/commands/contract/contract_commands.h"
 
+#include <filesystem>
 #include <memory>
 #include <ostream>
+#include <sstream>
+#include <string_view>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "app/cli/command_error.h"
 #include "app/cli/json_text.h"
+#include "app/commands/contract/allocation_text.h"
+#include "app/commands/contract/contract_defaults_file.h"
 #include "app/commands/contract/contract_terms.h"
 #include "app/commands/contract/contract_view.h"
 #include "app/commands/contract/project_contracts.h"
 #include "app/commands/lv/lv_operation.h"
+#include "billing/tables/billing_table_types.h"
 #include "boq/lv/project_lvs.h"
 
 namespace korvan::app {
@@ -100,13 +106,14 @@ class ContractNewCommand : public LvOperation {
     billing::TContractParty party;
     party.name = contractor_;
     billing::TVertrag contract{};
+    const billing::TContractSettings& settings = target.ContractSettings();  // before any write
     RunAsOneStep<billing::EContractError, boq::EStoredLvError, CommandError>(
         target.Journal(), data::TOperationKind::okEdit,
         "Vertrag für LV \"" + list.FLv().Name.Get() + "\" anlegen", kContractWords, streams.err,
         [&] {
           billing::TdmVertrag book(target.BillingDb(), target.ContractProjectNumber(true),
                                    converter);
-          contract = book.Create(list, party, target.ContractSettings());
+          contract = book.Create(list, party, settings);
           target.SaveWithSums(list, streams.err);
         });
     const ContractView view = contracts.ViewOf(contract);
@@ -137,9 +144,18 @@ class ContractSetCommand : public LvOperation {
     std::string fields;
     for (const std::string& name : ContractTermNames())
       fields += (fields.empty() ? "" : ", ") + name;
-    app.add_option("assignments", assignments_, "FELD=WERT, Felder: " + fields)->required();
+    app.add_option("assignments", assignments_, "FELD=WERT, Felder: " + fields);
+    app.add_option("--umlage", allocations_,
+                   "eine Umlage NAME=PROZENT% oder NAME=BETRAG, wahlweise :RECHNUNGSTYPEN "
+                   "(Standard ARSTU); NAME=- entfernt sie. Umlagen: Bauschild, Baustrom, "
+                   "Bauwasser, Baureinigung, Müllcontainer, Vertragsstrafe");
   }
   int Run(Streams& streams) override {
+    if (assignments_.empty() && allocations_.empty()) {
+      throw UsageError("Nichts zu setzen: FELD=WERT oder --umlage NAME=WERT angeben.");
+    }
+    std::vector<billing::TAllocation> allocations;
+    for (const std::string& text : allocations_) allocations.push_back(ParseAllocation(text));
     ProjectContracts contracts(data_dir, project, true);
     billing::TVertrag contract = contracts.Require(contract_);
     const bool was_locked = contract.gesperrt != 0;
@@ -150,12 +166,17 @@ class ContractSetCommand : public LvOperation {
     }
     LvProject& target = contracts.Project();
     const boq::TLVPosList& list = contracts.LvOf(contract);
-    RunAsOneStep<billing::EContractError, CommandError>(
+    RunAsOneStep<billing::EContractError, billing::EDeductionError, CommandError>(
         target.Journal(), data::TOperationKind::okEdit,
         "Vertrag \"" + contract.AuftragsNr.Get() + "\" ändern", kContractWords, streams.err, [&] {
           billing::TdmVertrag book(target.BillingDb(), contract.IdProjekt,
                                    contracts.ConverterOf(contract));
           book.Store(contract, list);
+          billing::TdmAbzug deductions(target.BillingDb(), billing::kDeductionOfContract,
+                                       contract.ID);
+          for (const billing::TAllocation& allocation : allocations) {
+            billing::SetAllocation(deductions, allocation);
+          }
         });
     return Show(streams, contracts, contract, json);
   }
@@ -163,6 +184,100 @@ class ContractSetCommand : public LvOperation {
  private:
   std::string contract_;
   std::vector<std::string> assignments_;
+  std::vector<std::string> allocations_;
+};
+
+// "Standardwerte schreiben" / "Standardwerte einlesen": a contract's terms and allocations
+// as the defaults of new contracts, and back into a contract.
+class ContractDefaultsCommand : public LvOperation {
+ public:
+  std::string Name() const override { return "defaults"; }
+  std::string Summary() const override {
+    return "Standardwerte für neue Verträge (STANDARD-WERTE.VSW): zeigen, aus einem Vertrag "
+           "schreiben (write), in einen Vertrag einlesen (read)";
+  }
+  void Define(CLI::App& app) override {
+    app.add_option("action", action_, "show, write oder read")
+        ->required()
+        ->check(CLI::IsMember({"show", "write", "read"}));
+    app.add_option("contract", contract_,
+                   "der Vertrag (bei write und read): Auftrags-Nummer oder ID");
+  }
+  int Run(Streams& streams) override {
+    if (action_ != "show" && contract_.empty()) {
+      throw UsageError("\"contract defaults " + action_ + "\" braucht einen Vertrag.");
+    }
+    ProjectContracts contracts(data_dir, project, action_ == "read");
+    LvProject& target = contracts.Project();
+    const std::string path = target.ContractDefaultsPath();
+    if (action_ == "show") return ShowDefaults(streams, path);
+    billing::TVertrag contract = contracts.Require(contract_);
+    if (action_ == "write") {
+      const ContractView view = contracts.ViewOf(contract);
+      WriteContractDefaults(path, DefaultsOfContract(contract, view.deductions));
+      streams.out << "Standardwerte aus Vertrag \"" << contract.AuftragsNr.Get()
+                  << "\" geschrieben: " << path << '\n';
+      return kExitOk;
+    }
+    const billing::TContractDefaults defaults = ReadContractDefaults(path);
+    if (contract.gesperrt != 0) {
+      throw CommandError("Vertrag \"" + contract.AuftragsNr.Get() + "\" ist gesperrt.");
+    }
+    billing::TakeDefaultTerms(contract, defaults.terms);
+    const boq::TLVPosList& list = contracts.LvOf(contract);
+    RunAsOneStep<billing::EContractError, billing::EDeductionError, CommandError>(
+        target.Journal(), data::TOperationKind::okEdit,
+        "Standardwerte in Vertrag \"" + contract.AuftragsNr.Get() + "\" einlesen", kContractWords,
+        streams.err, [&] {
+          billing::TdmVertrag book(target.BillingDb(), contract.IdProjekt,
+                                   contracts.ConverterOf(contract));
+          book.Store(contract, list);
+          billing::TdmAbzug deductions(target.BillingDb(), billing::kDeductionOfContract,
+                                       contract.ID);
+          for (std::string_view name : billing::kAllocationNames) {
+            billing::TAllocation allocation;  // none, unless the defaults name it
+            allocation.name = std::string(name);
+            for (const billing::TAllocation& given : defaults.allocations) {
+              if (given.name == name) allocation = given;
+            }
+            billing::SetAllocation(deductions, allocation);
+          }
+        });
+    return Show(streams, contracts, contract, json);
+  }
+
+ private:
+  int ShowDefaults(Streams& streams, const std::string& path) {
+    if (!std::filesystem::exists(path)) {
+      if (json) {
+        streams.out << "{\"file\": " << JsonString(path) << ", \"exists\": false}\n";
+      } else {
+        streams.out << "Keine Standardwerte: " << path
+                    << " fehlt (\"korvan contract defaults write VERTRAG\" legt sie an).\n";
+      }
+      return kExitOk;
+    }
+    const billing::TContractDefaults defaults = ReadContractDefaults(path);
+    const std::string text = ContractDefaultsText(defaults);
+    if (json) {
+      streams.out << "{\"file\": " << JsonString(path) << ", \"exists\": true, \"lines\": [";
+      std::istringstream lines(text);
+      std::string line;
+      bool first = true;
+      while (std::getline(lines, line)) {
+        if (line.empty() || line.front() == '#') continue;
+        streams.out << (first ? "" : ", ") << JsonString(line);
+        first = false;
+      }
+      streams.out << "]}\n";
+    } else {
+      streams.out << "Standardwerte für neue Verträge (" << path << "):\n" << text;
+    }
+    return kExitOk;
+  }
+
+  std::string action_;
+  std::string contract_;
 };
 
 class ContractCommand : public LvOperationGroup {
@@ -172,10 +287,12 @@ class ContractCommand : public LvOperationGroup {
     operations_.push_back(std::make_unique<ContractShowCommand>());
     operations_.push_back(std::make_unique<ContractNewCommand>());
     operations_.push_back(std::make_unique<ContractSetCommand>());
+    operations_.push_back(std::make_unique<ContractDefaultsCommand>());
   }
   std::string Name() const override { return "contract"; }
   std::string Summary() const override {
-    return "Verträge des Projekts: auflisten, zeigen, von Hand anlegen, Bedingungen setzen";
+    return "Verträge des Projekts: auflisten, zeigen, von Hand anlegen, Bedingungen und "
+           "Umlagen setzen, Standardwerte";
   }
 };
 

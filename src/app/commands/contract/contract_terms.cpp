@@ -1,5 +1,6 @@
 #include "app/commands/contract/contract_terms.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
@@ -158,7 +159,55 @@ void SetValue(billing::TVertrag& contract, const Term& term, const std::string& 
   }
 }
 
+template <typename T>
+T Get(const billing::TVertrag& contract, const Term& term) {
+  T value{};
+  std::memcpy(&value, reinterpret_cast<const uint8_t*>(&contract) + term.offset, sizeof value);
+  return value;
+}
+
+std::string TextOf(const billing::TVertrag& contract, const Term& term) {
+  const uint8_t* bytes = reinterpret_cast<const uint8_t*>(&contract) + term.offset;
+  const std::size_t length = std::min<std::size_t>(bytes[0], term.size - 1);
+  return data::Cp1252ToUtf8(std::string_view(reinterpret_cast<const char*>(bytes + 1), length));
+}
+
+std::string ValueText(const billing::TVertrag& contract, const Term& term) {
+  switch (term.kind) {
+    case TermKind::kPercent:
+    case TermKind::kAmount:
+      return GermanFigure(Get<double>(contract, term), "%.10g");
+    case TermKind::kCount:
+      return std::to_string(Get<uint16_t>(contract, term));
+    case TermKind::kFlag:
+      return Get<uint8_t>(contract, term) != 0 ? "ja" : "nein";
+    case TermKind::kDate: {
+      const int32_t date = Get<int32_t>(contract, term);
+      if (data::ClassifyIntDate(date) != data::IntDateKind::kValid) return "-";
+      return data::FormatIntDate(date);
+    }
+    case TermKind::kText:
+      return TextOf(contract, term);
+    case TermKind::kCode:
+      return std::string(1, Get<char>(contract, term));
+  }
+  return {};
+}
+
+const Term* FindTerm(const std::string& name) {
+  for (const Term& term : kTerms) {
+    if (name == term.name) return &term;
+  }
+  return nullptr;
+}
+
 }  // namespace
+
+std::string ContractTermAssignment(const billing::TVertrag& contract, const std::string& name) {
+  const Term* term = FindTerm(name);
+  if (term == nullptr) throw CommandError("\"" + name + "\" ist kein Feld des Vertrags.");
+  return name + "=" + ValueText(contract, *term);
+}
 
 void SetContractTerm(billing::TVertrag& contract, const std::string& assignment) {
   const std::size_t equals = assignment.find('=');
@@ -167,11 +216,9 @@ void SetContractTerm(billing::TVertrag& contract, const std::string& assignment)
   }
   const std::string name = assignment.substr(0, equals);
   const std::string value = assignment.substr(equals + 1);
-  for (const Term& term : kTerms) {
-    if (name == term.name) {
-      SetValue(contract, term, value);
-      return;
-    }
+  if (const Term* term = FindTerm(name)) {
+    SetValue(contract, *term, value);
+    return;
   }
   std::string known;
   for (const std::string& term : ContractTermNames()) known += (known.empty() ? "" : ", ") + term;

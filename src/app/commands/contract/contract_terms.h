@@ -12,6 +12,9 @@ namespace korvan::app {
 // that does not fit, naming both. A gross sum given by hand sets SummeBruttoManuell.
 void SetContractTerm(billing::TVertrag& contract, const std::string& assignment);
 
+// "FIELD=VALUE" of one term as SetContractTerm reads it back ("xSkonto=3", "Kumulativ=ja").
+std::string ContractTermAssignment(const billing::TVertrag& contract, const std::string& name);
+
 // The fields `contract set` takes, for its help.
 std::vector<std::string> ContractTermNames();
 

@@ -1,8 +1,10 @@
 #include "app/commands/lv/lv_project.h"
 
+#include <filesystem>
 #include <ostream>
 
 #include "app/cli/command_error.h"
+#include "app/commands/contract/contract_defaults_file.h"
 #include "app/program/current_project.h"
 #include "app/program/installation.h"
 #include "app/program/program_tables.h"
@@ -96,6 +98,20 @@ data::TStdDb& LvProject::CalcMasterDb() {
 data::TStdDb& LvProject::BillingDb() {
   if (!billing_) throw CommandError("Die Installation hat keine Vertragsdatenbank (DB_Rv)");
   return OpenExisting(*session_, *billing_, "Die Vertragsdatenbank");
+}
+
+std::string LvProject::ContractDefaultsPath() const {
+  if (!billing_) throw CommandError("Die Installation hat keine Vertragsdatenbank (DB_Rv)");
+  return (std::filesystem::path(billing_->directory()) / kContractDefaultsFileName).string();
+}
+
+const billing::TContractSettings& LvProject::ContractSettings() {
+  if (!contract_defaults_read_ && billing_) {
+    const std::string path = ContractDefaultsPath();
+    if (std::filesystem::exists(path)) contract_settings_.defaults = ReadContractDefaults(path);
+  }
+  contract_defaults_read_ = true;
+  return contract_settings_;
 }
 
 int32_t LvProject::ContractProjectNumber(bool assign) {

@@ -63,8 +63,12 @@ class LvProject {
   // The project's number in the billing database, given on first use when `assign`;
   // the null id when it has none and `assign` is false.
   int32_t ContractProjectNumber(bool assign);
-  // How the installation numbers new contracts and its VAT rate.
-  const billing::TContractSettings& ContractSettings() const { return contract_settings_; }
+  // How the installation numbers new contracts, its VAT rate and the contract defaults
+  // (read on first use; CommandError naming the line of a wrong defaults file).
+  const billing::TContractSettings& ContractSettings();
+  // The contract defaults file beside the billing database; CommandError when the
+  // installation has no billing database.
+  std::string ContractDefaultsPath() const;
   // How the installation rounds amounts; `euro`: the LV is kept in euros (else in the
   // national currency), which chooses the amount decimals.
   boq::TValueConverterSettings ValueSettings(bool euro) const;
@@ -93,6 +97,7 @@ class LvProject {
   std::optional<data::DatabaseFile> calc_master_;
   std::optional<data::DatabaseFile> billing_;
   billing::TContractSettings contract_settings_;
+  bool contract_defaults_read_ = false;
   boq::TValueConverterSettings euro_settings_;
   boq::TValueConverterSettings national_settings_;
   std::optional<boq::TCurrencyList> currencies_;
