@@ -9,4 +9,9 @@ namespace korvan::exchange {
 // (OWN) when it names one, and the contract's number and date in AwardInfo.
 void TakeContractIntoExportSource(TGaebExportSource& source, const billing::TVertrag& contract);
 
+// Leaves in the LV only the lines of one contract: the lines it holds and the groups above
+// its items, so that the award file of a supplementary contract holds its own items.
+// Returns the number of items left.
+int KeepLinesOfContract(TGaebExportSource& source, int32_t contract);
+
 }  // namespace korvan::exchange

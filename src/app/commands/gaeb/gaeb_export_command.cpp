@@ -15,6 +15,7 @@
 #include "app/commands/lv/lv_project.h"
 #include "app/program/data_dir.h"
 #include "billing/tables/tb_vertrag.h"
+#include "calc/sums/boq_ctgy_calc_sum.h"
 #include "exchange/gaeb/gaeb_file_name.h"
 #include "exchange/gaeb_export/gaeb_export_award.h"
 #include "exchange/gaeb_export/gaeb_export_bid.h"
@@ -26,9 +27,35 @@ namespace {
 // Progress is worth showing only for LVs that take a moment.
 constexpr int kProgressFromEntries = 2000;
 
-// The award file (DA 86) names the contract of the LV: its contractor, number and date.
+std::string ContractNames(const std::vector<billing::TVertrag>& contracts) {
+  std::string names;
+  for (const billing::TVertrag& contract : contracts) {
+    names += (names.empty() ? "" : ", ") + ("\"" + contract.AuftragsNr.Get() + "\"");
+  }
+  return names.empty() ? "keine" : names;
+}
+
+// A contract of the LV chosen by number or id: the file holds its lines only, with their
+// sums.
+void TakeChosenContract(LvProject& target, exchange::TGaebExportSource& source,
+                        const std::vector<billing::TVertrag>& contracts,
+                        const std::string& chosen) {
+  for (const billing::TVertrag& contract : contracts) {
+    if (contract.AuftragsNr.Get() != chosen && std::to_string(contract.ID) != chosen) continue;
+    exchange::TakeContractIntoExportSource(source, contract);
+    exchange::KeepLinesOfContract(source, contract.ID);
+    calc::TBoqCtgyCalcSum(source.lv, target.Converter(source.lv.FLv())).Calculate(contract.ID);
+    return;
+  }
+  throw CommandError("--contract " + chosen + ": LV \"" + source.lv.FLv().Name.Get() +
+                     "\" hat keinen solchen Vertrag (Auftrags-Nummer oder ID; Verträge des LV: " +
+                     ContractNames(contracts) + ")");
+}
+
+// The award file (DA 86) names the contract of the LV: its contractor, number and date;
+// without a choice the main contract over the whole LV.
 void TakeAwardInto(LvProject& target, exchange::TGaebExportSource& source,
-                   std::vector<std::string>& notes) {
+                   const std::string& chosen, std::vector<std::string>& notes) {
   const boq::t_Lv_DB_VERSION_3100& lv = source.lv.FLv();
   if (lv.Status != 'V' && lv.Status != 'F') {
     notes.push_back("LV \"" + lv.Name.Get() + "\" ist nicht vergeben (Status " +
@@ -38,6 +65,10 @@ void TakeAwardInto(LvProject& target, exchange::TGaebExportSource& source,
   std::vector<billing::TVertrag> contracts;
   if (project != data::kNullId) {
     contracts = billing::TTbVertrag(target.BillingDb()).ListOfProject(project, int32_t{lv.FId});
+  }
+  if (!chosen.empty()) {
+    TakeChosenContract(target, source, contracts, chosen);
+    return;
   }
   for (const billing::TVertrag& contract : contracts) {
     if (contract.Auftragsart != billing::kMainContract) continue;
@@ -60,6 +91,9 @@ void GaebExportCommand::Define(CLI::App& app) {
   app.add_option("--bidder", bidder_,
                  "das Angebot dieses Bieters (Bieter-Nr., Nummer oder Name) ausgeben; nur "
                  "Phase 84");
+  app.add_option("--contract", contract_,
+                 "der Vertrag (Auftrags-Nummer oder ID), dessen Positionen die Datei enthält, "
+                 "z. B. ein Nachauftrag; nur Phase 86 (Vorgabe: der Hauptauftrag, ganzes LV)");
   app.add_option("-o,--output", file_,
                  "Zieldatei (Vorgabe: <Projekt>_<LV>.X8x im aktuellen Ordner)");
   app.add_flag("--short-texts-only", short_texts_only_, "ohne Langtexte (nur Kurztexte)");
@@ -101,6 +135,9 @@ exchange::TGaebExportOptions GaebExportCommand::Options() const {
       throw UsageError("--bidder: ausgegeben werden die Angebotspreise des Bieters");
     }
   }
+  if (!contract_.empty() && phase_ != exchange::kPhaseAward) {
+    throw UsageError("--contract: den Vertrag nennt die Phase 86 (Auftragserteilung)");
+  }
   options.long_text = !short_texts_only_;
   options.multiline_short_text = multiline_short_text_;
   options.fill_empty_complements = fill_empty_complements_;
@@ -136,7 +173,7 @@ int GaebExportCommand::Run(Streams& streams) {
     exchange::TakeBidIntoExportSource(source, *bid);
   }
   std::vector<std::string> notes;
-  if (phase_ == exchange::kPhaseAward) TakeAwardInto(target, source, notes);
+  if (phase_ == exchange::kPhaseAward) TakeAwardInto(target, source, contract_, notes);
   std::string path = file_;
   if (path.empty()) {
     path = exchange::DefaultGaebFileName(target.Name(), source.lv.FLv().Name.Get()) +

@@ -34,6 +34,7 @@ class GaebExportCommand {
   std::string version_ = "3.3";
   std::string prices_;
   std::string bidder_;
+  std::string contract_;
   std::string file_;
   bool short_texts_only_ = false;
   bool multiline_short_text_ = false;
