@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "award/award/bid_price_transfer.h"
 #include "award/award_tables.h"
 #include "award/bid/bid_texts.h"
 #include "award/bid/bidder_sums.h"
@@ -94,7 +95,7 @@ TEST_F(Bids, NewRecordsHaveTheirDefaults) {
   EXPECT_FLOAT_EQ(Val(bidder.USt), -1.0F);
   EXPECT_DOUBLE_EQ(Val(bidder.Waehrungsfaktor), -1.0);
   EXPECT_EQ(Val(bidder.IdAdresse), data::kNullId);
-  EXPECT_EQ(Val(bidder.CashDiscount[2].CashDiscDays.TypeOfDays),
+  EXPECT_EQ(Val(bidder.CashDiscount[2].CashDiscDays.Kind),
             static_cast<uint8_t>(TCashDiscDaysTypeOfDays::cddtCalendarDays));
   TTbAngebot lines(*db_);
   EXPECT_EQ(Val(lines.Rec().Kennz), ' ');
@@ -306,7 +307,7 @@ TEST_F(Bids, StoredLinesComeBackAndPricesGoIntoTheLv) {
   std::unique_ptr<TdmAngebot> bid = bidders.OpenBid(*found);
   EXPECT_DOUBLE_EQ(Val(Line(*bid, item).EP.Betrag), 20.5);
   boq::TLVPosList copy = lv_;
-  EXPECT_EQ(bid->CopyPricesToLv(copy), 1);
+  EXPECT_EQ(TransferBidPrices(*bid, copy, TTransferOptions()).items, 1);
   EXPECT_DOUBLE_EQ(Val(copy[item].LvBeschr.VergabeEP.Betrag), 20.5);
   EXPECT_DOUBLE_EQ(Val(copy[item].LvBeschr.AbrechnungsEP.Betrag), 20.5);
   EXPECT_DOUBLE_EQ(Val(copy[item].LvBeschr.EPAnteil[1].Betrag), 20.5);

@@ -127,10 +127,7 @@ class Transfer {
     header.NachlassProz = bidder.NachlassProz;
     header.NachlassAbs.Betrag = rounding.RoundAmount(bidder.NachlassAbs.Betrag * currency_);
     header.SummePsch.Betrag = rounding.RoundAmount(bidder.SummePsch.Betrag * currency_);
-    header.CashDiscount[0].DiscountPcnt = bidder.CashDiscount[0].DiscountPcnt;
-    header.CashDiscount[0].CashDiscDate = bidder.CashDiscount[0].CashDiscDate;
-    header.CashDiscount[0].CashDiscDays.Kind = bidder.CashDiscount[0].CashDiscDays.TypeOfDays;
-    header.CashDiscount[0].CashDiscDays.Days = bidder.CashDiscount[0].CashDiscDays.Days;
+    header.CashDiscount[0] = bidder.CashDiscount[0];
     lv_.RefreshLvProperties(header);
     result_.whole_bid_values = true;
   }

@@ -458,35 +458,6 @@ bool TdmAngebot::ApplyMarkup(double percent, double amount) {
   return true;
 }
 
-int TdmAngebot::CopyPricesToLv(boq::TLVPosList& lv, TBidPriceTarget to) const {
-  const double factor = bidder_.Waehrungsfaktor > 0.0 ? bidder_.Waehrungsfaktor : 1.0;
-  int changed = 0;
-  for (int i = 0; i < lv_.Count(); ++i) {
-    if (!IsPriced(i)) continue;
-    const int target = lv.SearchItemIndexByIdLvBgBeschr(lv_[i].Struktur.IdBgBeschr);
-    if (target < 0) continue;
-    boq::TLvPos& entry = lv[target];
-    const t_Angebot_DB_VERSION_201501& a = lines_[static_cast<std::size_t>(i)].Angebot;
-    boq::t_LvBeschr2_DB_VERSION_201401& item = entry.LvBeschr;
-    const boq::t_LvBeschr2_DB_VERSION_201401 before = item;
-    if (to == TBidPriceTarget::kEstimate) {
-      item.SchaetzEP.Betrag = rounding_.RoundUnitPrice(a.EP.Betrag * factor);
-    } else {
-      item.VergabeEP.Betrag = rounding_.RoundUnitPrice(a.EP.Betrag * factor);
-      for (std::size_t k = 0; k < 6; ++k) {
-        item.EPAnteil[k].Betrag = rounding_.RoundUnitPrice(a.EPAnteil[k].Betrag * factor);
-      }
-      item.AbrechnungsEP.Betrag = item.VergabeEP.Betrag;
-    }
-    if (item.KzFrMenge != 0 && !IsZero(a.AMenge - item.FMenge)) item.FMenge = a.AMenge;
-    if (std::memcmp(&before, &item, sizeof item) != 0) {
-      if (to == TBidPriceTarget::kAward) entry.LvBgBeschr.IdAngebot = bidder_.ID;
-      ++changed;
-    }
-  }
-  return changed;
-}
-
 void TdmAngebot::Save() {
   std::vector<TAO*> fresh;
   for (TAO& line : lines_) {

@@ -99,11 +99,6 @@ class TdmAngebot : public data::TSTDdataModule {
   // "Auf-/Abschlag in Einheitspreise einrechnen": a percentage, or else an amount spread
   // over the net total, into every EP and its components; false when both are 0.
   bool ApplyMarkup(double percent, double amount);
-  // "Bieterpreise in LV übernehmen": the priced items' award and billing unit prices and
-  // awarded components from the bid (times the bidder's currency factor), free
-  // quantities from the bid; the LV's entries are recalculated. With kEstimate the bid's
-  // EP becomes the estimated price `SchaetzEP` instead. Answers how many items changed.
-  int CopyPricesToLv(boq::TLVPosList& lv, TBidPriceTarget to = TBidPriceTarget::kAward) const;
 
   // Writes the lines that changed (new ones get ids), their texts, and the bidder with its
   // sums. EBidError when a record cannot be written.

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "boq/lv/lv_record.h"
 #include "data/records/field_descriptor.h"
 #include "data/records/record_header_fields.h"
 #include "data/records/short_string.h"
@@ -22,19 +23,11 @@ enum class TCashDiscDaysTypeOfDays : uint8_t {
   cddtCalendarDays = 3,
 };
 
-struct TCashDiscDays {
-  uint8_t TypeOfDays;  // TCashDiscDaysTypeOfDays
-  int32_t Days;
-};
-
-// One cash-discount term (Skonto): a percentage when paid by a date or within days.
-struct TCashDiscount {
-  double DiscountPcnt;
-  int32_t CashDiscDate;  // integer date
-  TCashDiscDays CashDiscDays;
-};
-
-using TCashDiscountArray = std::array<TCashDiscount, 3>;
+// The bid's cash-discount terms are the LV's: one layout for both (Kind holds a
+// TCashDiscDaysTypeOfDays).
+using TCashDiscDays = boq::TCashDiscDays;
+using TCashDiscount = boq::TCashDiscount;
+using TCashDiscountArray = boq::TCashDiscountArray;
 
 // The members of TBidderStates, by bit.
 inline constexpr uint8_t kBidsIncomplete = 1 << 0;  // some priced item has no price

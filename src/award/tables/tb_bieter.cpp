@@ -52,7 +52,7 @@ void TTbBieter::InitRecord() {
   rec.Waehrungskursdatum = data::TodayAsIntDate();
   rec.Status = kBidsBlanko;
   for (TCashDiscount& term : rec.CashDiscount) {
-    term.CashDiscDays.TypeOfDays = static_cast<uint8_t>(TCashDiscDaysTypeOfDays::cddtCalendarDays);
+    term.CashDiscDays.Kind = static_cast<uint8_t>(TCashDiscDaysTypeOfDays::cddtCalendarDays);
   }
 }
 

@@ -14,6 +14,7 @@
 #include "app/cli/german_number.h"
 #include "app/cli/json_text.h"
 #include "app/commands/bid/bid_lv.h"
+#include "award/award/bid_price_transfer.h"
 #include "award/bid/bidder_sums.h"
 
 namespace korvan::app {
@@ -213,7 +214,13 @@ class BidCopyCommand : public BidderOperation {
     int changed = 0;
     target.Change("Bieterpreise von \"" + bidder.Bietername.Get() + "\" übernehmen", streams.err,
                   [&] {
-                    changed = bid->CopyPricesToLv(list, to);
+                    award::TTransferOptions options;
+                    options.target = to;
+                    try {
+                      changed = award::TransferBidPrices(*bid, list, options).items;
+                    } catch (const award::ETransferRefused& refused) {
+                      throw CommandError(refused.what());
+                    }
                     target.Project().SaveWithSums(list, streams.err);
                   });
     if (json) {
