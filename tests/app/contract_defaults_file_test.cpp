@@ -8,6 +8,8 @@
 #include "app/commands/contract/allocation_text.h"
 #include "app/commands/contract/contract_defaults_file.h"
 #include "app/commands/contract/contract_terms.h"
+#include "app/commands/contract/standard_deductions_file.h"
+#include "billing/tables/billing_table_types.h"
 #include "testing/files.h"
 #include "testing/temp_dir.h"
 
@@ -83,6 +85,36 @@ TEST(AllocationText, ReadsPercentAmountNoneAndInvoiceKinds) {
                             "Bauschild=5%:", "Bauschild=5%%"}) {
     EXPECT_THROW(ParseAllocation(wrong), UsageError) << wrong;
   }
+}
+
+TEST(StandardDeductionsFile, OneDeductionALineReadBackAndAWrongLineNamed) {
+  billing::TDeduction sign = billing::NewDeduction('U', "Bauschild");
+  sign.formula = "FR*0,5/100";
+  sign.record.Rechnungstyp.Set("ARSTU");
+  billing::TDeduction damage = billing::NewDeduction('S', "Schaden Zaun");
+  damage.record.KzBruttoNetto = billing::kGrossDeduction;
+  damage.record.SubTyp = billing::kReducesWork;
+  damage.record.AbzugBetrag.Betrag = 119;
+  const std::string text = StandardDeductionsText({sign, damage});
+  EXPECT_EQ(text, "Bauschild|U|S|N|ARSTU|0,00|FR*0,5/100\nSchaden Zaun|S|L|B||119,00|\n");
+  korvan::testing::TempDir dir;
+  const std::string path = dir.File(kStandardDeductionsFileName);
+  korvan::testing::WriteFile(path, text);
+  const std::vector<billing::TDeduction> read = ReadStandardDeductions(path);
+  ASSERT_EQ(read.size(), 2u);
+  EXPECT_EQ(StandardDeductionsText(read), text);
+  for (const char* wrong : {"Zaun|S|L|B||119,00\n", "Zaun|S|L|X||119,00|\n",
+                            "Zaun|S|L|B|AQ|119,00|\n", "Zaun|S|L|B||viel|\n"}) {
+    korvan::testing::WriteFile(path, text + wrong);
+    try {
+      ReadStandardDeductions(path);
+      ADD_FAILURE() << "accepted: " << wrong;
+    } catch (const CommandError& error) {
+      EXPECT_NE(std::string(error.what()).find("Zeile 3"), std::string::npos) << error.what();
+    }
+  }
+  damage.name = "Zaun|Tor";
+  EXPECT_THROW(StandardDeductionsText({damage}), CommandError);
 }
 
 }  // namespace contract_defaults_file_test

@@ -60,7 +60,7 @@ std::vector<TDeduction> TdmAbzug::List() {
 }
 
 TDeduction TdmAbzug::Add(TDeduction deduction) {
-  Check(deduction);
+  CheckDeduction(deduction);
   TTbAbzug table(db_);
   if (int result = table.NewAbzug(owner_kind_, owner_); result != storage::kOk) {
     Fail("für den " + Named(deduction) + " gibt es keine Nummer", result);
@@ -71,7 +71,7 @@ TDeduction TdmAbzug::Add(TDeduction deduction) {
 }
 
 void TdmAbzug::Change(const TDeduction& deduction) {
-  Check(deduction);
+  CheckDeduction(deduction);
   RequireOwn(deduction.record.ID);
   Write(deduction);
 }
@@ -90,7 +90,7 @@ void TdmAbzug::Delete(int32_t id) {
   }
 }
 
-void TdmAbzug::Check(const TDeduction& deduction) const {
+void CheckDeduction(const TDeduction& deduction) {
   const TAbzug& record = deduction.record;
   auto refuse = [&](const std::string& expected) {
     throw EDeductionError(Named(deduction) + ": erwartet " + expected + ".");

@@ -28,6 +28,10 @@ struct TDeduction {
 // A deduction with the fields a new one starts from: net, among the other deductions.
 TDeduction NewDeduction(char type, const std::string& name);
 
+// EDeductionError naming the deduction when a field does not fit: no name, an invoice kind
+// or a code letter the system does not know.
+void CheckDeduction(const TDeduction& deduction);
+
 class TdmAbzug : public data::TSTDdataModule {
  public:
   // `owner_kind`: kDeductionOfContract or kDeductionOfInvoice.
@@ -43,7 +47,6 @@ class TdmAbzug : public data::TSTDdataModule {
   void Delete(int32_t id);
 
  private:
-  void Check(const TDeduction& deduction) const;
   void Write(const TDeduction& deduction);
   void RequireOwn(int32_t id);
   [[noreturn]] void Fail(const std::string& what, int code) const;

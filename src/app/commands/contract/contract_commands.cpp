@@ -1,5 +1,5 @@
-// `korvan contract list|show|new|set|defaults`: the contracts of a project, each change one step of
-// the journal.
+// `korvan contract list|show|new|set|defaults|deductions`: the contracts of a project, each change
+// one step of the journal.
 #include "app/commands/contract/contract_commands.h"
 
 #include <filesystem>
@@ -18,9 +18,11 @@
 #include "app/commands/contract/contract_terms.h"
 #include "app/commands/contract/contract_view.h"
 #include "app/commands/contract/project_contracts.h"
+#include "app/commands/contract/standard_deductions_file.h"
 #include "app/commands/lv/lv_operation.h"
 #include "billing/tables/billing_table_types.h"
 #include "boq/lv/project_lvs.h"
+#include "storage/file/atomic_file.h"
 
 namespace korvan::app {
 namespace {
@@ -280,6 +282,59 @@ class ContractDefaultsCommand : public LvOperation {
   std::string contract_;
 };
 
+// "Abzugsliste einlesen" and the writing of the standard deductions: a contract's deductions
+// into "STANDARD-ABZUEGE.VAZ", and the file's deductions into a contract.
+class ContractDeductionsCommand : public LvOperation {
+ public:
+  std::string Name() const override { return "deductions"; }
+  std::string Summary() const override {
+    return "Standardabzüge (STANDARD-ABZUEGE.VAZ): aus einem Vertrag schreiben (write), in "
+           "einen Vertrag einlesen (read)";
+  }
+  void Define(CLI::App& app) override {
+    app.add_option("action", action_, "write oder read")
+        ->required()
+        ->check(CLI::IsMember({"write", "read"}));
+    app.add_option("contract", contract_, "der Vertrag: Auftrags-Nummer oder ID")->required();
+  }
+  int Run(Streams& streams) override {
+    ProjectContracts contracts(data_dir, project, action_ == "read");
+    LvProject& target = contracts.Project();
+    const std::string path = (std::filesystem::path(target.ContractDefaultsPath()).parent_path() /
+                              kStandardDeductionsFileName)
+                                 .string();
+    billing::TVertrag contract = contracts.Require(contract_);
+    if (action_ == "write") {
+      const ContractView view = contracts.ViewOf(contract);
+      const storage::FileWriteResult written = storage::WriteFileAtomically(
+          path, StandardDeductionsText(view.deductions), storage::Durability::kDurable);
+      if (!written.ok()) {
+        throw CommandError(path + ": die Standardabzüge können nicht geschrieben werden (" +
+                           written.ErrorText() + ")");
+      }
+      streams.out << view.deductions.size() << " Abzüge aus Vertrag \"" << contract.AuftragsNr.Get()
+                  << "\" geschrieben: " << path << '\n';
+      return kExitOk;
+    }
+    const std::vector<billing::TDeduction> read = ReadStandardDeductions(path);
+    if (contract.gesperrt != 0) {
+      throw CommandError("Vertrag \"" + contract.AuftragsNr.Get() + "\" ist gesperrt.");
+    }
+    RunAsOneStep<billing::EDeductionError, CommandError>(
+        target.Journal(), data::TOperationKind::okEdit,
+        "Abzugsliste in Vertrag \"" + contract.AuftragsNr.Get() + "\" einlesen", kContractWords,
+        streams.err, [&] {
+          billing::TdmAbzug book(target.BillingDb(), billing::kDeductionOfContract, contract.ID);
+          TakeStandardDeductions(book, read);
+        });
+    return Show(streams, contracts, contract, json);
+  }
+
+ private:
+  std::string action_;
+  std::string contract_;
+};
+
 class ContractCommand : public LvOperationGroup {
  public:
   ContractCommand() {
@@ -288,6 +343,7 @@ class ContractCommand : public LvOperationGroup {
     operations_.push_back(std::make_unique<ContractNewCommand>());
     operations_.push_back(std::make_unique<ContractSetCommand>());
     operations_.push_back(std::make_unique<ContractDefaultsCommand>());
+    operations_.push_back(std::make_unique<ContractDeductionsCommand>());
   }
   std::string Name() const override { return "contract"; }
   std::string Summary() const override {
