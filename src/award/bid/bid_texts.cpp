@@ -98,6 +98,30 @@ int TBidTextStore::StoreTexts(int32_t bidder, int32_t description, const TBidder
                                       complements, bidder);
 }
 
+int TBidTextStore::CopyIntoLv(int32_t bidder, int32_t description, int* copied) {
+  *copied = 0;
+  const boq::TLongText offered =
+      long_texts_.Read(description, kLongTextKind, boq::kEntryTextLanguage, bidder);
+  if (offered.complements.Count() == 0) return storage::kOk;
+  boq::TLongText own = long_texts_.Read(description, kLongTextKind, boq::kEntryTextLanguage);
+  for (const boq::TTEItem& item : offered.complements.Items()) {
+    boq::TTEItem taken = item;
+    taken.id = data::kNullId;
+    taken.id_bieter = data::kNullId;
+    bool replaced = false;
+    for (int i = 0; i < own.complements.Count(); ++i) {
+      boq::TTEItem& present = own.complements.GetItem(i);
+      if (present.start != item.start) continue;
+      present.text = item.text;
+      replaced = true;
+    }
+    if (!replaced) own.complements.Add(taken.name, taken);
+    ++*copied;
+  }
+  return long_texts_.StoreComplements(description, kLongTextKind, boq::kEntryTextLanguage,
+                                      own.complements, data::kNullId);
+}
+
 std::vector<std::string> TBidTextStore::CommentOf(int32_t bid_line) {
   return short_texts_.ReadLines(bid_line, kBidCommentKind, boq::kEntryTextLanguage);
 }

@@ -46,6 +46,11 @@ class TBidTextStore {
   // Replaces a bidder's texts for a description's long text.
   int StoreTexts(int32_t bidder, int32_t description, const TBidderTexts& texts);
 
+  // "Bietertextergänzungen übernehmen": a bidder's texts for a description's long text
+  // become the LV's own complements of the same gaps (a gap the LV fills already takes the
+  // bidder's text). Answers the kernel code; `copied` counts the gaps.
+  int CopyIntoLv(int32_t bidder, int32_t description, int* copied);
+
   // The lines of a bid line's comment.
   std::vector<std::string> CommentOf(int32_t bid_line);
   // Replaces a bid line's comment; lines must fit a short text (FitShortTextLines).

@@ -16,6 +16,7 @@
 #include "app/commands/lv/lv_operation.h"
 #include "app/program/data_dir.h"
 #include "award/award/award_run.h"
+#include "award/bid/bid_texts.h"
 #include "billing/contract/dm_vertrag.h"
 #include "billing/tables/billing_table_types.h"
 #include "boq/lv/project_lvs.h"
@@ -87,6 +88,9 @@ class AwardCommand : public Command {
         ->check(CLI::IsMember({"bid", "lv"}));
     app.add_flag("--accept-findings", accept_,
                  "trotz Befund des Angebotschecks vergeben (Antwort Ja auf die Frage)");
+    app.add_flag("--bidder-texts", bidder_texts_,
+                 "Bietertextergänzungen übernehmen: die Texte des Bieters in den Lücken der "
+                 "Langtexte werden Text des LV");
     app.add_flag("--no-contract", no_contract_, "keinen Vertrag anlegen");
     app.add_option("--project", project_,
                    "Projektordner unter dem Projektstamm (sonst das aktuelle Projekt)");
@@ -111,7 +115,9 @@ class AwardCommand : public Command {
         {"es wurde nichts geändert", "die Änderungen konnten nicht zurückgenommen werden",
          "die Vergabe"},
         streams.err, [&] {
+          const std::vector<int32_t> open_lines = DescriptionsUnderNoContract(list);
           result = award::AwardBid(*bid, list, Options());
+          if (bidder_texts_) CopyBidderTexts(project, bidder.ID, open_lines);
           if (!no_contract_) {
             billing::TdmVertrag book(project.BillingDb(), project.ContractProjectNumber(true),
                                      target.Converter());
@@ -156,6 +162,35 @@ class AwardCommand : public Command {
     }
   }
 
+  // The items the transfer may change: those under no contract yet.
+  static std::vector<int32_t> DescriptionsUnderNoContract(const boq::TLVPosList& list) {
+    std::vector<int32_t> descriptions;
+    for (const boq::TLvPos& entry : list.Entries()) {
+      if (entry.IsQuantityItem() && entry.LvBgBeschr.IdVertrag == data::kNullId) {
+        descriptions.push_back(entry.LvBgBeschr.IDBeschr);
+      }
+    }
+    return descriptions;
+  }
+
+  void CopyBidderTexts(LvProject& project, int32_t bidder,
+                       const std::vector<int32_t>& descriptions) {
+    data::TStdDb* text_db = project.TextDb();
+    if (text_db == nullptr) {
+      throw CommandError("Bietertextergänzungen: das Projekt hat keine Textdatenbank");
+    }
+    award::TBidTextStore texts(*text_db);
+    texts_copied_ = 0;
+    for (int32_t description : descriptions) {
+      int copied = 0;
+      if (int code = texts.CopyIntoLv(bidder, description, &copied); code != 0) {
+        throw CommandError("Bietertextergänzungen können nicht ins LV übernommen werden (" +
+                           std::to_string(code) + ")");
+      }
+      texts_copied_ += copied;
+    }
+  }
+
   void PrintJson(std::ostream& out, const boq::TLVPosList& list,
                  const award::t_Bieter_DB_VERSION_3100& bidder, const award::TAwardResult& result,
                  const std::optional<billing::TVertrag>& contract,
@@ -169,6 +204,7 @@ class AwardCommand : public Command {
         << ", \"spread\": " << (spread_ ? "true" : "false")
         << ", \"check\": " << CheckJson(result.check)
         << ", \"transferred\": " << TransferJson(result)
+        << ", \"bidder_texts\": " << (bidder_texts_ ? std::to_string(texts_copied_) : "null")
         << ", \"items_without_award_price\": " << result.items_without_award_price
         << ", \"status\": " << JsonString(std::string(1, list.FLv().Status))
         << ", \"award_total\": " << JsonNumber(double{list.FLv().VergabeSum.Betrag})
@@ -202,6 +238,9 @@ class AwardCommand : public Command {
             << " Positionen konnten die neue Menge nicht übernehmen (Menge aus Teilmengen)\n";
       }
     }
+    if (bidder_texts_) {
+      out << "  Bietertextergänzungen ins LV übernommen: " << texts_copied_ << '\n';
+    }
     if (result.items_without_award_price > 0) {
       out << "  Vergabecheck: " << result.items_without_award_price
           << " Positionen ohne Vergabepreis\n";
@@ -226,6 +265,8 @@ class AwardCommand : public Command {
   bool spread_ = false;
   bool accept_ = false;
   bool no_contract_ = false;
+  bool bidder_texts_ = false;
+  int texts_copied_ = 0;
   bool json_ = false;
 };
 
