@@ -5,6 +5,7 @@
 #include "billing/tables/billing_table_types.h"
 #include "billing/tables/tb_abzug.h"
 #include "boq/text/tb_texte.h"
+#include "data/common/cp1252.h"
 #include "data/common/result_code_text.h"
 #include "storage/result_codes.h"
 
@@ -96,6 +97,15 @@ void CheckDeduction(const TDeduction& deduction) {
     throw EDeductionError(Named(deduction) + ": erwartet " + expected + ".");
   };
   if (deduction.name.empty()) throw EDeductionError("Ein Abzug braucht eine Bezeichnung.");
+  // Checked before the record is written: a text the short-text line cannot hold would
+  // otherwise leave a deduction without its name.
+  for (const std::string* text : {&deduction.name, &deduction.formula}) {
+    data::Cp1252Report report;
+    const std::string stored = data::Utf8ToCp1252(*text, &report);
+    if (stored.size() > boq::TTbTexte::kLineCapacity || !report.Exact()) {
+      refuse("Bezeichnung und Ansatz mit höchstens 70 Zeichen in Windows-1252");
+    }
+  }
   const std::string kinds = record.Rechnungstyp.Get();
   if (kinds.size() > kMaxInvoiceKinds) refuse("höchstens 10 Rechnungstypen");
   for (char kind : kinds) {

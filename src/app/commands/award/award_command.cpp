@@ -167,7 +167,7 @@ class AwardCommand : public Command {
     std::vector<int32_t> descriptions;
     for (const boq::TLvPos& entry : list.Entries()) {
       if (entry.IsQuantityItem() && entry.LvBgBeschr.IdVertrag == data::kNullId) {
-        descriptions.push_back(entry.LvBgBeschr.IDBeschr);
+        descriptions.push_back(int32_t{entry.LvBgBeschr.IDBeschr});
       }
     }
     return descriptions;
