@@ -63,7 +63,7 @@ void TotalsChart::paintEvent(QPaintEvent*) {
                      cheapest ? QColor(90, 170, 90) : QColor(110, 140, 190));
     painter.drawText(QRect(label_width + length + 8, y, figure_width, 24),
                      Qt::AlignVCenter | Qt::AlignLeft,
-                     QString::fromStdString(app::GermanFigure(total, "%.2f")));
+                     QString::fromStdString(app::GermanMoney(total)));
     y += 34;
   }
 }

@@ -35,4 +35,8 @@ std::string GermanFigure(double value, const char* format) {
   return result;
 }
 
+std::string GermanMoney(double value) {
+  return GermanFigure(value, "%.2f");
+}
+
 }  // namespace korvan::app

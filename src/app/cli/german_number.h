@@ -18,4 +18,7 @@ double RequireGermanNumber(const std::string& text, const std::string& what);
 // A number written with printf's `format` ("%.3f", "%g") and a decimal comma.
 std::string GermanFigure(double value, const char* format);
 
+// An amount of money as people read it: two decimals and a decimal comma.
+std::string GermanMoney(double value);
+
 }  // namespace korvan::app

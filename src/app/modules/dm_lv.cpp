@@ -71,7 +71,7 @@ void TdmLv::Read() {
   figures_ = boq::EstimatedFigures(list_, &total);
   const int16_t currency = list_.FLv().IdWae;
   total_text_ =
-      GermanFigure(total, "%.2f") + " " +
+      GermanMoney(total) + " " +
       target.CurrencySymbol(currency != data::kOwnerCurrencyId ? currency : target.Currency());
   const boq::TAvaUiValueConverter converter({}, {});
   cells_.clear();

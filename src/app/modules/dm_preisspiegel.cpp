@@ -15,10 +15,6 @@ using data::TCData;
 using data::TCDataRow;
 using data::TStringList;
 
-std::string Money(double value) {
-  return GermanFigure(value, "%.2f");
-}
-
 // A column of a bid, captioned with its name; a comma would end the definition's field.
 std::string BidColumnDefinition(std::string name, int column) {
   std::replace(name.begin(), name.end(), ',', ' ');
@@ -70,7 +66,7 @@ void TdmPreisspiegel::Read() {
               {false, false}};
     for (const CompareColumn& column : columns) {
       const CompareValue value = LineValue(comparison, column, i);
-      line.cells.push_back(Money(value.total));
+      line.cells.push_back(GermanMoney(value.total));
       line.deviates.push_back(value.deviates);
     }
     lines_.push_back(std::move(line));
@@ -79,7 +75,7 @@ void TdmPreisspiegel::Read() {
   totals_.clear();
   for (const CompareColumn& column : columns) {
     const CompareValue value = TotalValue(comparison, column);
-    total.cells.push_back(Money(value.total));
+    total.cells.push_back(GermanMoney(value.total));
     total.deviates.push_back(false);
     if (column.kind == CompareColumnKind::kBidder) totals_.emplace_back(column.name, value.total);
   }

@@ -25,10 +25,6 @@ const std::vector<std::string>& Definitions() {
   return definitions;
 }
 
-std::string Money(double value) {
-  return GermanFigure(value, "%.2f");
-}
-
 }  // namespace
 
 TdmRangliste::TdmRangliste(std::string data_dir, std::string project, int32_t lv_id)
@@ -55,8 +51,9 @@ std::vector<TdmRangliste::Line> TdmRangliste::Read() {
     Line line{number,
               totals.checked,
               {ranks[i] == 0 ? "-" : std::to_string(ranks[i]), std::to_string(number),
-               bidders[i].Bietername.Get(), Money(totals.checked), Money(totals.after_discount),
-               Money(totals.gross), award::BidderStatusText(bidders[i].Status)}};
+               bidders[i].Bietername.Get(), GermanMoney(totals.checked),
+               GermanMoney(totals.after_discount), GermanMoney(totals.gross),
+               award::BidderStatusText(bidders[i].Status)}};
     // Bidders without prices (rank 0) come last.
     ranked.emplace_back(ranks[i] == 0 ? INT32_MAX : ranks[i], std::move(line));
   }

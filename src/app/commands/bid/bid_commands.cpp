@@ -25,10 +25,6 @@ namespace {
 
 constexpr std::size_t kNameCapacity = 40;
 
-std::string Money(double value) {
-  return GermanFigure(value, "%.2f");
-}
-
 class BidderAddCommand : public LvOperation {
  public:
   std::string Name() const override { return "add"; }
@@ -86,7 +82,7 @@ class BidderAddCommand : public LvOperation {
     streams.out << "Schätzbieter " << static_cast<int>(bidder.BieterNrIntern) << " \""
                 << bidder.Bietername.Get() << "\" im LV \"" << target.Name() << "\" "
                 << (created ? "angelegt" : "mit den Schätzpreisen aufgefrischt") << "; Geprüft "
-                << Money(bidder.Summe.Betrag) << '\n';
+                << GermanMoney(bidder.Summe.Betrag) << '\n';
     return kExitOk;
   }
 
@@ -144,10 +140,10 @@ class BidderListCommand : public LvOperation {
       const award::TBidderTotals totals = display.Shown(award::ComputeBidderSums(bidder, rounding));
       const std::string status = award::BidderStatusText(bidder.Status);
       streams.out << "  " << static_cast<int>(bidder.BieterNrIntern) << "  "
-                  << bidder.Bietername.Get() << "  Geprüft " << Money(totals.checked)
-                  << "  Summe ./. NL " << Money(totals.after_discount) << "  Netto "
-                  << Money(totals.net) << "  Brutto " << Money(totals.gross) << "  Rang "
-                  << (ranks[i] == 0 ? std::string("-") : std::to_string(ranks[i]))
+                  << bidder.Bietername.Get() << "  Geprüft " << GermanMoney(totals.checked)
+                  << "  Summe ./. NL " << GermanMoney(totals.after_discount) << "  Netto "
+                  << GermanMoney(totals.net) << "  Brutto " << GermanMoney(totals.gross)
+                  << "  Rang " << (ranks[i] == 0 ? std::string("-") : std::to_string(ranks[i]))
                   << (status.empty() ? "" : "  " + status) << '\n';
     }
     return kExitOk;
@@ -210,9 +206,9 @@ class BidSetCommand : public LvOperation {
                   << ", \"bidder\": " << BidderJson(bid->Bidder(), target.Rounding(), 0) << "}\n";
       return kExitOk;
     }
-    streams.out << "Position " << oz_ << ": EP " << Money(line.EP.Betrag) << ", GP "
-                << Money(line.GP.Betrag) << "; geprüfte Summe des Bieters "
-                << Money(bid->Bidder().Summe.Betrag) << '\n';
+    streams.out << "Position " << oz_ << ": EP " << GermanMoney(line.EP.Betrag) << ", GP "
+                << GermanMoney(line.GP.Betrag) << "; geprüfte Summe des Bieters "
+                << GermanMoney(bid->Bidder().Summe.Betrag) << '\n';
     return kExitOk;
   }
 
@@ -374,18 +370,19 @@ class BidShowCommand : public LvOperation {
       streams.out << "  " << list[i].LvBgBeschr.OZ.Get() << ' ' << list[i].Kind();
       if (!list[i].IsGroup()) {
         streams.out << "  Menge " << GermanFigure(line.AMenge, "%.3f") << "  EP "
-                    << Money(line.EP.Betrag);
+                    << GermanMoney(line.EP.Betrag);
       }
-      streams.out << "  GP " << Money(line.GP.Betrag);
+      streams.out << "  GP " << GermanMoney(line.GP.Betrag);
       if (line.Kennz != ' ') streams.out << "  Kennz. " << line.Kennz;
       streams.out << '\n';
       PrintTexts(streams.out, bid->FAList()[static_cast<std::size_t>(i)]);
     }
     award::t_Bieter_DB_VERSION_3100 sums = bid->Bidder();
     const award::TBidderTotals totals = display.Shown(award::ComputeBidderSums(sums, rounding));
-    streams.out << "Geprüft " << Money(totals.checked) << ", Summe ./. NL "
-                << Money(totals.after_discount) << ", Netto " << Money(totals.net) << ", MwSt "
-                << Money(totals.vat) << ", Brutto " << Money(totals.gross) << '\n';
+    streams.out << "Geprüft " << GermanMoney(totals.checked) << ", Summe ./. NL "
+                << GermanMoney(totals.after_discount) << ", Netto " << GermanMoney(totals.net)
+                << ", MwSt " << GermanMoney(totals.vat) << ", Brutto " << GermanMoney(totals.gross)
+                << '\n';
     return kExitOk;
   }
 

@@ -197,7 +197,7 @@ class CalcRunCommand : public LvOperation {
                   << ", \"bid_total\": " << JsonNumber(total) << "}\n";
     } else {
       streams.out << calculated << (calculated == 1 ? " Position" : " Positionen")
-                  << " kalkuliert; Angebotssumme " << GermanFigure(total, "%.2f") << '\n';
+                  << " kalkuliert; Angebotssumme " << GermanMoney(total) << '\n';
     }
     return kExitOk;
   }

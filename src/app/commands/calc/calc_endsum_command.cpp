@@ -149,9 +149,6 @@ void PrintJson(std::ostream& out, int32_t lv, const std::string& level, const TE
       << (hours == 0.0 ? "null" : JsonNumber(ends.UmlageLohn() / hours)) << "}\n";
 }
 
-std::string Money(double value) {
-  return GermanFigure(value, "%.2f");
-}
 std::string Percent(double value) {
   return GermanFigure(value, "%.2f") + " %";
 }
@@ -163,30 +160,30 @@ void PrintText(std::ostream& out, const std::string& lv_name, const std::string&
   const char* const names[] = {
       "Material", "Lohn", "RSV", "Gerät", "Betriebsstoffe", "Sonstige Kosten", "Fremdleistungen"};
   for (int k = 0; k < calc::kResultCostTypes; ++k) {
-    out << "  EKT " << names[k] << ": " << Money(ends.GetEK(k));
+    out << "  EKT " << names[k] << ": " << GermanMoney(ends.GetEK(k));
     if (k != 1) {
-      out << ", Umlage " << Percent(*ends.GetUmlPrz(k)) << " = " << Money(ends.GetUmlAbs(k));
+      out << ", Umlage " << Percent(*ends.GetUmlPrz(k)) << " = " << GermanMoney(ends.GetUmlAbs(k));
     }
     out << '\n';
   }
   out << "  BGK" << (allocation_lv.empty() ? "" : " (Umlage-LV \"" + allocation_lv + "\")") << ": "
-      << Money(ends.Bgk()) << '\n'
-      << "  Herstellkosten eigene Leistung: " << Money(ends.HkEl())
-      << ", gesamt: " << Money(ends.Hk()) << '\n'
-      << "  AGK: " << Percent(r.ENDSAGKPRZEL) << " = " << Money(ends.AgkEl()) << " + "
-      << Percent(r.ENDSAGKPRZFL) << " = " << Money(ends.AgkFl()) << ", gesamt " << Money(ends.Agk())
-      << '\n'
-      << "  W&G: " << Percent(r.ENDSWUGPRZEL) << " = " << Money(ends.WugEl()) << " + "
-      << Percent(r.ENDSWUGPRZFL) << " = " << Money(ends.WugFl()) << ", gesamt " << Money(ends.Wug())
-      << '\n'
-      << "  BGK + AGK: " << Money(ends.BgkAgk()) << '\n'
-      << "  Gesamtumlage: " << Money(ends.Gesamtumlage()) << '\n'
-      << "  Angebotssumme: " << Money(ends.Angebotssumme()) << '\n'
-      << "  Festpreise: " << Money(ends.Festpreis()) << '\n'
-      << "  Umlage auf Lohn: " << Money(ends.UmlageLohn());
+      << GermanMoney(ends.Bgk()) << '\n'
+      << "  Herstellkosten eigene Leistung: " << GermanMoney(ends.HkEl())
+      << ", gesamt: " << GermanMoney(ends.Hk()) << '\n'
+      << "  AGK: " << Percent(r.ENDSAGKPRZEL) << " = " << GermanMoney(ends.AgkEl()) << " + "
+      << Percent(r.ENDSAGKPRZFL) << " = " << GermanMoney(ends.AgkFl()) << ", gesamt "
+      << GermanMoney(ends.Agk()) << '\n'
+      << "  W&G: " << Percent(r.ENDSWUGPRZEL) << " = " << GermanMoney(ends.WugEl()) << " + "
+      << Percent(r.ENDSWUGPRZFL) << " = " << GermanMoney(ends.WugFl()) << ", gesamt "
+      << GermanMoney(ends.Wug()) << '\n'
+      << "  BGK + AGK: " << GermanMoney(ends.BgkAgk()) << '\n'
+      << "  Gesamtumlage: " << GermanMoney(ends.Gesamtumlage()) << '\n'
+      << "  Angebotssumme: " << GermanMoney(ends.Angebotssumme()) << '\n'
+      << "  Festpreise: " << GermanMoney(ends.Festpreis()) << '\n'
+      << "  Umlage auf Lohn: " << GermanMoney(ends.UmlageLohn());
   if (ends.MengeLohn() != 0.0) {
     out << " (" << GermanFigure(ends.MengeLohn(), "%.3f") << " Lohnstunden, je Stunde "
-        << Money(ends.UmlageLohn() / ends.MengeLohn()) << ")";
+        << GermanMoney(ends.UmlageLohn() / ends.MengeLohn()) << ")";
   }
   out << '\n';
 }

@@ -32,10 +32,6 @@ const char* ColumnTitle(TPriceColumn column) {
   return "Abrechnung";
 }
 
-std::string Money(double value) {
-  return GermanFigure(value, "%.2f");
-}
-
 std::string Price(double value) {
   return GermanFigure(value, "%.3f");
 }
@@ -104,7 +100,7 @@ void PrintItemCalculation(std::ostream& out, int32_t lv, boq::TLvPos& item,
   out << "Preise (EP, GP):\n";
   for (TPriceColumn column : kColumns) {
     out << "  " << ColumnTitle(column) << "  " << Price(calc::UnitPrice(item, column).Betrag)
-        << "  " << Money(calc::Total(item, column).Betrag) << '\n';
+        << "  " << GermanMoney(calc::Total(item, column).Betrag) << '\n';
   }
 }
 

@@ -16,10 +16,6 @@
 namespace korvan::app {
 namespace {
 
-std::string Money(double value) {
-  return GermanFigure(value, "%.2f");
-}
-
 std::string Percent(double value) {
   return GermanFigure(value, "%g");
 }
@@ -108,8 +104,8 @@ void PrintDeduction(std::ostream& out, const billing::TDeduction& deduction, dou
   } else if (!deduction.formula.empty()) {
     out << "Ansatz " << deduction.formula;
   } else if (const auto amounts = billing::FixedDeductionAmounts(deduction, vat_rate, converter)) {
-    out << Money(amounts->net) << " netto, " << Money(amounts->gross) << " brutto (MwSt "
-        << Money(amounts->vat) << ")";
+    out << GermanMoney(amounts->net) << " netto, " << GermanMoney(amounts->gross)
+        << " brutto (MwSt " << GermanMoney(amounts->vat) << ")";
   }
   out << ", Rechnungstypen " << (r.Rechnungstyp.Get().empty() ? "keine" : r.Rechnungstyp.Get())
       << '\n';
@@ -181,7 +177,7 @@ void PrintContractLine(std::ostream& out, const ContractView& view) {
   const billing::TVertrag& c = view.contract;
   out << "  " << c.AuftragsNr.Get() << "  " << billing::ContractKindText(c.Auftragsart) << "  LV \""
       << view.lv_name << "\"  " << c.Auftragnehmer.Get() << "  Auftragssumme "
-      << Money(c.Auftragssumme.Betrag) << "  brutto " << Money(c.SummeBrutto.Betrag)
+      << GermanMoney(c.Auftragssumme.Betrag) << "  brutto " << GermanMoney(c.SummeBrutto.Betrag)
       << (c.gesperrt != 0 ? "  gesperrt" : "") << '\n';
 }
 
@@ -195,23 +191,23 @@ void PrintContract(std::ostream& out, const ContractView& view,
     out << ", vom " << data::FormatIntDate(c.Auftragsdatum);
   }
   out << '\n';
-  out << "  Summe aus LV " << Money(c.SummeAusLV.Betrag);
+  out << "  Summe aus LV " << GermanMoney(c.SummeAusLV.Betrag);
   if (c.NachlassProz != 0.0) out << ", Nachlass " << Percent(c.NachlassProz) << " %";
-  if (c.NachlassAbs.Betrag != 0.0) out << ", Nachlass " << Money(c.NachlassAbs.Betrag);
-  out << ", Summe nach NL " << Money(c.SummeNachNL.Betrag);
-  if (c.SummePsch.Betrag != 0.0) out << ", pauschal " << Money(c.SummePsch.Betrag);
-  out << "\n  Auftragssumme " << Money(c.Auftragssumme.Betrag) << ", MwSt " << Percent(c.Mwst)
-      << " %, brutto " << Money(c.SummeBrutto.Betrag)
+  if (c.NachlassAbs.Betrag != 0.0) out << ", Nachlass " << GermanMoney(c.NachlassAbs.Betrag);
+  out << ", Summe nach NL " << GermanMoney(c.SummeNachNL.Betrag);
+  if (c.SummePsch.Betrag != 0.0) out << ", pauschal " << GermanMoney(c.SummePsch.Betrag);
+  out << "\n  Auftragssumme " << GermanMoney(c.Auftragssumme.Betrag) << ", MwSt " << Percent(c.Mwst)
+      << " %, brutto " << GermanMoney(c.SummeBrutto.Betrag)
       << (c.SummeBruttoManuell != 0 ? " (von Hand)" : "") << '\n';
   if (!view.supplements.empty()) {
     out << "  Nachträge:";
     for (const std::string& number : view.supplements) out << " \"" << number << "\"";
-    out << "; Vertragssumme kum. " << Money(c.AuftragssummeKum.Betrag) << '\n';
+    out << "; Vertragssumme kum. " << GermanMoney(c.AuftragssummeKum.Betrag) << '\n';
   }
   const billing::TCashDiscountSums cash = billing::CashDiscountSums(c, converter);
   out << "  Skonto " << Percent(cash.percent) << " % (" << c.xSkontofrist
-      << " Tage): brutto ./. NL ./. Skonto " << Money(cash.gross) << ", netto ./. Skonto "
-      << Money(cash.net) << '\n';
+      << " Tage): brutto ./. NL ./. Skonto " << GermanMoney(cash.gross) << ", netto ./. Skonto "
+      << GermanMoney(cash.net) << '\n';
   out << "  Sicherheitseinbehalt " << Percent(c.SicherheitseinbehaltProz) << " % pro AZ, max "
       << Percent(c.MaxSicherheitseinbehaltProz) << " %"
       << (c.SicherheitsBuergschaft != 0 ? " (Bürgschaft liegt vor)" : "")
