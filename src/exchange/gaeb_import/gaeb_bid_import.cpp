@@ -73,6 +73,9 @@ class TBidReader {
   // Compares the computed item totals with those the file states.
   void CompareTotals() {
     for (const auto& [line, total] : stated_totals_) {
+      // An alternative or a contingency without total counts nothing in the bid; the file
+      // may still state what it would cost.
+      if (!bid_.IsPriced(line)) continue;
       const double computed = bid_.FAList()[static_cast<std::size_t>(line)].Angebot.GP.Betrag;
       if (std::fabs(computed - total.first) > 0.005) {
         Warn(total.second, "Position " + std::string(lv_[line].Oz()) + ": GP laut Datei " +
@@ -157,6 +160,15 @@ class TBidReader {
     return mask_.find('.', start) - start;
   }
 
+  // Programs write the parts of a number as they like: "10" for the item 010 of a level
+  // of three, as the LV import reads it. An OZ the LV does not have as it stands is tried
+  // once more formatted to the mask, as the LV import formats it.
+  std::string AsTheLvNumbersIt(char kind, const std::string& oz) const {
+    if (index_.count({kind, oz}) != 0) return oz;
+    const std::string formed = boq::FormLvOZ(oz, mask_).substr(0, boq::kMaxOzLength);
+    return index_.count({kind, formed}) != 0 ? formed : oz;
+  }
+
   // The LV line of a position, or -1 with the finding saying why.
   int Match(char kind, const std::string& oz, int line, const char* what) {
     const auto key = std::make_pair(kind, oz);
@@ -180,7 +192,7 @@ class TBidReader {
   void Section(const TGaebElement& section) {
     ++result_.sections;
     chain_.push_back(RNoPart(section));
-    const std::string oz = NormaliseBidOz(JoinedChain(), mask_);
+    const std::string oz = AsTheLvNumbersIt('B', NormaliseBidOz(JoinedChain(), mask_));
     const int line = Match('B', oz, section.line, "Bereich");
     if (line >= 0) {
       ++result_.matched_sections;
@@ -203,7 +215,8 @@ class TBidReader {
 
   void Item(const TGaebElement& item) {
     ++result_.items;
-    const std::string oz = OzOf(RNoPart(item), item.Attribute("RNoIndex").value_or(""));
+    const std::string oz =
+        AsTheLvNumbersIt('P', OzOf(RNoPart(item), item.Attribute("RNoIndex").value_or("")));
     const int line = Match('P', oz, item.line, "Position");
     if (line < 0) return;
     ++result_.matched_items;
