@@ -134,12 +134,22 @@ class MarkupReader {
     return runs_target_->empty() ? TRichStyle{} : runs_target_->back().style;
   }
 
+  // A gap the bidder is to fill that holds dots or a line to print on: the gap stays open
+  // for the bidder, its filler is no text of the LV.
+  static bool IsOpenBidderGap(const TGaebElement& node, const TGaebElement& body) {
+    if (node.Attribute("Kind").value_or("") != "Bidder") return false;
+    const std::string plain = boq::PlainView(RichTextFromGaeb(body));
+    return plain.find_first_of("._-") != std::string::npos &&
+           plain.find_first_not_of(" ._-\t\r\n") == std::string::npos;
+  }
+
   void Complement(const TGaebElement& node) {
     const int number = std::atoi(node.Attribute("MarkLbl").value_or("0").c_str());
     const int outer = complement_;
     complement_ = number > 0 ? number : outer;
     const size_t before = runs_target_->size();
-    if (const TGaebElement* body = node.Child("ComplBody")) Inline(*body);
+    const TGaebElement* body = node.Child("ComplBody");
+    if (body != nullptr && !IsOpenBidderGap(node, *body)) Inline(*body);
     if (runs_target_->size() == before && complement_ != 0) {
       runs_target_->push_back(TRichRun{"", TRichStyle{}, complement_});
     }
