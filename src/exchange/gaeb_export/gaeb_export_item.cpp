@@ -162,9 +162,13 @@ void AddReference(const TExportContext& context, const TEntryIds& ids, const boq
 }
 
 void AddComponents(const TExportContext& context, const boq::TLvPos& entry, TGaebElement& item) {
-  // The components are those of the calculated (estimated) price, or of a bidder's prices.
+  // The components are those of the calculated (estimated) price, of a bidder's prices, or,
+  // once the LV is awarded, of the award prices: the award wrote the bid's components.
   const int count = context.Lv().PreisAnteile;
-  const bool ours = context.price_kind == TUPKind::upkSchaetz ||
+  const char status = context.Lv().Status;
+  const bool awarded =
+      (status == 'V' || status == 'F') && context.price_kind == TUPKind::upkVergabe;
+  const bool ours = context.price_kind == TUPKind::upkSchaetz || awarded ||
                     (context.source.components_of_bid && context.price_kind == TUPKind::upkAngebot);
   if (!ours || count < 2 || count > 6) return;
   for (int i = 0; i < count; ++i) {
