@@ -35,6 +35,33 @@ std::string PlainOf(const std::string& rich_text) {
   return plain;
 }
 
+// The LV's text with the bidder's words in the open gaps they fill, so that whatever
+// reads the text (the views, the award file) shows them.
+std::string WithGapsFilled(const std::string& rich_text, const boq::TTEList& complements) {
+  if (rich_text.empty()) return rich_text;
+  boq::TRichText text = boq::ReadRtf(rich_text).text;
+  bool changed = false;
+  const auto fill = [&](boq::TRichRuns& runs) {
+    std::map<int, bool> filled;
+    NoteComplements(runs, filled);
+    for (const boq::TTEItem& item : complements.Items()) {
+      const auto gap = filled.find(item.start);
+      if (gap == filled.end() || gap->second) continue;
+      for (boq::TRichRun& run : runs) {
+        if (run.complement != item.start) continue;
+        run.text = PlainOf(item.text);
+        changed = true;
+        break;
+      }
+    }
+  };
+  for (boq::TRichBlock& block : text.blocks) {
+    fill(block.runs);
+    for (boq::TRichCell& cell : block.cells) fill(cell.runs);
+  }
+  return changed ? boq::WriteRtf(text) : rich_text;
+}
+
 }  // namespace
 
 std::vector<int> BidderGaps(std::string_view rich_text) {
@@ -118,8 +145,8 @@ int TBidTextStore::CopyIntoLv(int32_t bidder, int32_t description, int* copied) 
     if (!replaced) own.complements.Add(taken.name, taken);
     ++*copied;
   }
-  return long_texts_.StoreComplements(description, kLongTextKind, boq::kEntryTextLanguage,
-                                      own.complements, data::kNullId);
+  return long_texts_.Store(description, kLongTextKind, boq::kEntryTextLanguage,
+                           WithGapsFilled(own.rich_text, offered.complements), own.complements);
 }
 
 std::vector<std::string> TBidTextStore::CommentOf(int32_t bid_line) {
