@@ -104,14 +104,10 @@ bool CountsNothing(const TGaebElement& tendered) {
          Figure(tendered, "ALNSerNo").value_or(0.0) > 0.0;
 }
 
-// "m³" as the LV keeps it.
-std::string OwnUnit(std::string unit) {
-  for (const auto& [from, to] : {std::pair<std::string, std::string>{"\xC2\xB2", "2"},
-                                 std::pair<std::string, std::string>{"\xC2\xB3", "3"}}) {
-    for (size_t at = unit.find(from); at != std::string::npos; at = unit.find(from, at)) {
-      unit.replace(at, from.size(), to);
-    }
-  }
+// The LV keeps the tender's "m³" and "m²" as "m3" and "m2".
+std::string OwnUnit(const std::string& unit) {
+  if (unit == "m\xC2\xB3") return "m3";
+  if (unit == "m\xC2\xB2") return "m2";
   return unit;
 }
 
