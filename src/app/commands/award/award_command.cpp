@@ -5,40 +5,24 @@
 #include <memory>
 #include <optional>
 #include <ostream>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "app/cli/command_error.h"
 #include "app/cli/german_number.h"
 #include "app/cli/json_text.h"
+#include "app/commands/award/award_action.h"
 #include "app/commands/bid/bid_lv.h"
 #include "app/commands/contract/contract_view.h"
 #include "app/commands/lv/lv_operation.h"
 #include "app/program/data_dir.h"
 #include "award/award/award_run.h"
-#include "award/bid/bid_texts.h"
 #include "billing/contract/dm_vertrag.h"
 #include "billing/tables/billing_table_types.h"
-#include "boq/lv/project_lvs.h"
 
 namespace korvan::app {
 namespace {
-
-// What the award says of the letters, which need printing.
-constexpr const char* kLettersUnavailable =
-    "Zuschlags- und Absageschreiben: noch nicht verfügbar (der Druck fehlt), es wurden keine "
-    "Briefe erstellt.";
-
-billing::TContractParty PartyOf(const award::t_Bieter_DB_VERSION_3100& bidder) {
-  billing::TContractParty party;
-  party.bidder = bidder.ID;
-  party.address = bidder.IdAdresse;
-  party.name = bidder.Bietername.Get();
-  party.bid_date = bidder.Rueckgabedatum;
-  party.vat_rate = bidder.USt < 0.0F ? -1.0 : double{bidder.USt};
-  party.cash_discount = bidder.CashDiscount[0];
-  return party;
-}
 
 // Whether the bid grants a discount, a lump sum or a cash discount on the whole.
 bool GrantsSomething(const award::t_Bieter_DB_VERSION_3100& bidder) {
@@ -100,41 +84,26 @@ class AwardCommand : public Command {
   int Run(Streams& streams) override {
     BidLv target(data_dir_, project_, lv_, true);
     const award::t_Bieter_DB_VERSION_3100 bidder = target.Bidder(bidder_);
-    std::unique_ptr<award::TdmAngebot> bid = target.Bidders().OpenBid(bidder);
-    bid->Recalculate();
-    LvProject& project = target.Project();
-    boq::TLVPosList list = target.List();
-    RefuseFurtherContract(project, list, target.Converter());
-    award::TAwardResult result;
-    std::optional<billing::TVertrag> contract;
-    const billing::TContractSettings& settings = project.ContractSettings();  // before any write
-    RunAsOneStep<award::EAwardRefused, award::ETransferRefused, billing::EContractError,
-                 award::EBidError, boq::EStoredLvError, CommandError>(
-        project.Journal(), data::TOperationKind::okEdit,
-        "Vergabe an \"" + bidder.Bietername.Get() + "\" im LV \"" + target.Name() + "\"",
-        {"es wurde nichts geändert", "die Änderungen konnten nicht zurückgenommen werden",
-         "die Vergabe"},
-        streams.err, [&] {
-          const std::vector<int32_t> open_lines = DescriptionsUnderNoContract(list);
-          result = award::AwardBid(*bid, list, Options());
-          if (bidder_texts_) CopyBidderTexts(project, bidder.ID, open_lines);
-          if (!no_contract_) {
-            billing::TdmVertrag book(project.BillingDb(), project.ContractProjectNumber(true),
-                                     target.Converter());
-            contract = book.Create(list, PartyOf(bidder), settings);
-          }
-          project.SaveWithSums(list, streams.err);
-        });
+    if (!no_contract_) {
+      if (const std::string why = WhyNoFurtherContract(target); !why.empty()) {
+        throw CommandError(why + " (--no-contract vergibt ohne Vertrag)");
+      }
+    }
+    AwardRequest request;
+    request.options = Options();
+    request.bidder_texts = bidder_texts_;
+    request.contract = !no_contract_;
+    const AwardOutcome outcome = AwardToBidder(target, bidder, request, streams.err);
     if (json_) {
       std::vector<billing::TDeduction> deductions;
-      if (contract) {
-        deductions =
-            billing::TdmAbzug(project.BillingDb(), billing::kDeductionOfContract, contract->ID)
-                .List();
+      if (outcome.contract) {
+        deductions = billing::TdmAbzug(target.Project().BillingDb(), billing::kDeductionOfContract,
+                                       outcome.contract->ID)
+                         .List();
       }
-      PrintJson(streams.out, list, bidder, result, contract, deductions, target.Converter());
+      PrintJson(streams.out, bidder, outcome, deductions, target.Converter());
     } else {
-      PrintText(streams.out, list, bidder, result, contract);
+      PrintText(streams.out, bidder, outcome);
     }
     return kExitOk;
   }
@@ -150,52 +119,12 @@ class AwardCommand : public Command {
     return options;
   }
 
-  // Checked before the step, so that a refused contract leaves the LV's prices alone.
-  void RefuseFurtherContract(LvProject& project, const boq::TLVPosList& list,
-                             const boq::TAvaUiValueConverter& converter) const {
-    if (no_contract_) return;
-    const int32_t number = project.ContractProjectNumber(false);
-    if (number == data::kNullId) return;
-    billing::TdmVertrag book(project.BillingDb(), number, converter);
-    if (const std::string why = book.WhyNoContract(list); !why.empty()) {
-      throw CommandError(why + " (--no-contract vergibt ohne Vertrag)");
-    }
-  }
-
-  // The items the transfer may change: those under no contract yet.
-  static std::vector<int32_t> DescriptionsUnderNoContract(const boq::TLVPosList& list) {
-    std::vector<int32_t> descriptions;
-    for (const boq::TLvPos& entry : list.Entries()) {
-      if (entry.IsQuantityItem() && entry.LvBgBeschr.IdVertrag == data::kNullId) {
-        descriptions.push_back(int32_t{entry.LvBgBeschr.IDBeschr});
-      }
-    }
-    return descriptions;
-  }
-
-  void CopyBidderTexts(LvProject& project, int32_t bidder,
-                       const std::vector<int32_t>& descriptions) {
-    data::TStdDb* text_db = project.TextDb();
-    if (text_db == nullptr) {
-      throw CommandError("Bietertextergänzungen: das Projekt hat keine Textdatenbank");
-    }
-    award::TBidTextStore texts(*text_db);
-    texts_copied_ = 0;
-    for (int32_t description : descriptions) {
-      int copied = 0;
-      if (int code = texts.CopyIntoLv(bidder, description, &copied); code != 0) {
-        throw CommandError("Bietertextergänzungen können nicht ins LV übernommen werden (" +
-                           std::to_string(code) + ")");
-      }
-      texts_copied_ += copied;
-    }
-  }
-
-  void PrintJson(std::ostream& out, const boq::TLVPosList& list,
-                 const award::t_Bieter_DB_VERSION_3100& bidder, const award::TAwardResult& result,
-                 const std::optional<billing::TVertrag>& contract,
-                 const std::vector<billing::TDeduction>& deductions,
+  void PrintJson(std::ostream& out, const award::t_Bieter_DB_VERSION_3100& bidder,
+                 const AwardOutcome& outcome, const std::vector<billing::TDeduction>& deductions,
                  const boq::TAvaUiValueConverter& converter) const {
+    const boq::TLVPosList& list = outcome.lv;
+    const award::TAwardResult& result = outcome.result;
+    const std::optional<billing::TVertrag>& contract = outcome.contract;
     out << "{\"lv\": " << list.FLv().FId << ", \"name\": " << JsonString(list.FLv().Name.Get())
         << ", \"bidder\": {\"id\": " << bidder.ID
         << ", \"number\": " << static_cast<int>(bidder.BieterNrIntern)
@@ -204,7 +133,7 @@ class AwardCommand : public Command {
         << ", \"spread\": " << (spread_ ? "true" : "false")
         << ", \"check\": " << CheckJson(result.check)
         << ", \"transferred\": " << TransferJson(result)
-        << ", \"bidder_texts\": " << (bidder_texts_ ? std::to_string(texts_copied_) : "null")
+        << ", \"bidder_texts\": " << (bidder_texts_ ? std::to_string(outcome.texts_copied) : "null")
         << ", \"items_without_award_price\": " << result.items_without_award_price
         << ", \"status\": " << JsonString(std::string(1, list.FLv().Status))
         << ", \"award_total\": " << JsonNumber(double{list.FLv().VergabeSum.Betrag})
@@ -215,9 +144,11 @@ class AwardCommand : public Command {
         << ", \"letters\": " << JsonString(kLettersUnavailable) << "}\n";
   }
 
-  void PrintText(std::ostream& out, const boq::TLVPosList& list,
-                 const award::t_Bieter_DB_VERSION_3100& bidder, const award::TAwardResult& result,
-                 const std::optional<billing::TVertrag>& contract) const {
+  void PrintText(std::ostream& out, const award::t_Bieter_DB_VERSION_3100& bidder,
+                 const AwardOutcome& outcome) const {
+    const boq::TLVPosList& list = outcome.lv;
+    const award::TAwardResult& result = outcome.result;
+    const std::optional<billing::TVertrag>& contract = outcome.contract;
     out << "Vergabe an \"" << bidder.Bietername.Get() << "\" im LV \"" << list.FLv().Name.Get()
         << "\":\n";
     out << "  Angebotscheck: "
@@ -239,7 +170,7 @@ class AwardCommand : public Command {
       }
     }
     if (bidder_texts_) {
-      out << "  Bietertextergänzungen ins LV übernommen: " << texts_copied_ << '\n';
+      out << "  Bietertextergänzungen ins LV übernommen: " << outcome.texts_copied << '\n';
     }
     if (result.items_without_award_price > 0) {
       out << "  Vergabecheck: " << result.items_without_award_price
@@ -266,7 +197,6 @@ class AwardCommand : public Command {
   bool accept_ = false;
   bool no_contract_ = false;
   bool bidder_texts_ = false;
-  int texts_copied_ = 0;
   bool json_ = false;
 };
 
