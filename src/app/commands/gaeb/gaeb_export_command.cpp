@@ -1,6 +1,5 @@
 #include "app/commands/gaeb/gaeb_export_command.h"
 
-#include <filesystem>
 #include <ostream>
 #include <vector>
 
@@ -9,75 +8,16 @@
 #include "app/cli/command_error.h"
 #include "app/cli/json_text.h"
 #include "app/cli/progress_line.h"
-#include "app/commands/bid/bid_lv.h"
+#include "app/commands/gaeb/gaeb_lv_export.h"
 #include "app/commands/gaeb/gaeb_price_option.h"
 #include "app/commands/lv/lv_operation.h"
-#include "app/commands/lv/lv_project.h"
 #include "app/program/data_dir.h"
-#include "billing/tables/tb_vertrag.h"
-#include "calc/sums/boq_ctgy_calc_sum.h"
-#include "exchange/gaeb/gaeb_file_name.h"
-#include "exchange/gaeb_export/gaeb_export_award.h"
-#include "exchange/gaeb_export/gaeb_export_bid.h"
-#include "exchange/gaeb_export/gaeb_export_source.h"
 
 namespace korvan::app {
 namespace {
 
 // Progress is worth showing only for LVs that take a moment.
 constexpr int kProgressFromEntries = 2000;
-
-std::string ContractNames(const std::vector<billing::TVertrag>& contracts) {
-  std::string names;
-  for (const billing::TVertrag& contract : contracts) {
-    names += (names.empty() ? "" : ", ") + ("\"" + contract.AuftragsNr.Get() + "\"");
-  }
-  return names.empty() ? "keine" : names;
-}
-
-// A contract of the LV chosen by number or id: the file holds its lines only, with their
-// sums.
-void TakeChosenContract(LvProject& target, exchange::TGaebExportSource& source,
-                        const std::vector<billing::TVertrag>& contracts,
-                        const std::string& chosen) {
-  for (const billing::TVertrag& contract : contracts) {
-    if (contract.AuftragsNr.Get() != chosen && std::to_string(contract.ID) != chosen) continue;
-    exchange::TakeContractIntoExportSource(source, contract);
-    exchange::KeepLinesOfContract(source, contract.ID);
-    calc::TBoqCtgyCalcSum(source.lv, target.Converter(source.lv.FLv())).Calculate(contract.ID);
-    return;
-  }
-  throw CommandError("--contract " + chosen + ": LV \"" + source.lv.FLv().Name.Get() +
-                     "\" hat keinen solchen Vertrag (Auftrags-Nummer oder ID; Verträge des LV: " +
-                     ContractNames(contracts) + ")");
-}
-
-// The award file (DA 86) names the contract of the LV: its contractor, number and date;
-// without a choice the main contract over the whole LV.
-void TakeAwardInto(LvProject& target, exchange::TGaebExportSource& source,
-                   const std::string& chosen, std::vector<std::string>& notes) {
-  const boq::t_Lv_DB_VERSION_3100& lv = source.lv.FLv();
-  if (lv.Status != 'V' && lv.Status != 'F') {
-    notes.push_back("LV \"" + lv.Name.Get() + "\" ist nicht vergeben (Status " +
-                    std::string(1, lv.Status) + "); die Vergabepreise sind die des LV");
-  }
-  const int32_t project = target.ContractProjectNumber(false);
-  std::vector<billing::TVertrag> contracts;
-  if (project != data::kNullId) {
-    contracts = billing::TTbVertrag(target.BillingDb()).ListOfProject(project, int32_t{lv.FId});
-  }
-  if (!chosen.empty()) {
-    TakeChosenContract(target, source, contracts, chosen);
-    return;
-  }
-  for (const billing::TVertrag& contract : contracts) {
-    if (contract.Auftragsart != billing::kMainContract) continue;
-    exchange::TakeContractIntoExportSource(source, contract);
-    return;
-  }
-  notes.push_back("LV \"" + lv.Name.Get() + "\" hat keinen Vertrag; Auftragnehmer, " +
-                  "Vertragsnummer und -datum fehlen in der Datei");
-}
 
 }  // namespace
 
@@ -160,44 +100,23 @@ void GaebExportCommand::PrintJson(std::ostream& out, const std::string& path, in
 }
 
 int GaebExportCommand::Run(Streams& streams) {
-  const exchange::TGaebExportOptions options = Options();
-  LvProject target(data_dir_, project_);
-  data::TStdDb& db = target.Db(false);
-  const int32_t id = target.ResolveLv(lv_);
-  exchange::TGaebExportSource source = exchange::LoadGaebExportSource(
-      db, options.long_text ? target.TextDb() : nullptr, id, target.Name(), options.long_text);
-  if (!bidder_.empty()) {
-    BidLv bid_lv(data_dir_, project_, lv_, false);
-    std::unique_ptr<award::TdmAngebot> bid = bid_lv.Bidders().OpenBid(bid_lv.Bidder(bidder_));
-    bid->Recalculate();
-    exchange::TakeBidIntoExportSource(source, *bid);
-  }
-  std::vector<std::string> notes;
-  if (phase_ == exchange::kPhaseAward) TakeAwardInto(target, source, contract_, notes);
-  std::string path = file_;
-  if (path.empty()) {
-    path = exchange::DefaultGaebFileName(target.Name(), source.lv.FLv().Name.Get()) +
-           exchange::GaebExtension(options.format, options.phase);
-  }
-  exchange::TGaebExportResult result;
+  const GaebLvExport request{
+      .lv = lv_, .options = Options(), .bidder = bidder_, .contract = contract_, .file = file_};
+  GaebLvExported exported;
   {
     ProgressLine progress(streams.err);
-    const bool large = source.lv.Count() >= kProgressFromEntries;
-    result = exchange::ExportGaebFile(source, options, path, [&](int done, int total) {
-      if (large) progress.Show("GAEB-Ausgabe", done, total);
+    exported = ExportGaebLv(data_dir_, project_, request, [&](int done, int total) {
+      if (total >= kProgressFromEntries) progress.Show("GAEB-Ausgabe", done, total);
     });
   }
-  result.warnings.insert(result.warnings.begin(), notes.begin(), notes.end());
+  const exchange::TGaebExportResult& result = exported.result;
   for (const std::string& warning : result.warnings) streams.err << "Warnung: " << warning << '\n';
-  const std::string version(exchange::FormatInfo(options.format).xml_version);
+  const std::string version(exchange::FormatInfo(request.options.format).xml_version);
   if (json_) {
-    PrintJson(streams.out, path, id, version, result);
+    PrintJson(streams.out, exported.path, exported.id, version, result);
     return kExitOk;
   }
-  streams.out << "LV " << id << " \"" << source.lv.FLv().Name.Get() << "\" als GAEB DA XML "
-              << version << ", Phase " << exchange::PhaseCaption(phase_) << ", mit "
-              << result.entries << (result.entries == 1 ? " Eintrag" : " Einträgen")
-              << " geschrieben: " << path << '\n';
+  streams.out << ExportedLvText(exported, request.options) << '\n';
   return kExitOk;
 }
 

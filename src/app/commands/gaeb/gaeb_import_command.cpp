@@ -1,6 +1,5 @@
 #include "app/commands/gaeb/gaeb_import_command.h"
 
-#include <filesystem>
 #include <ostream>
 
 #include <CLI/CLI.hpp>
@@ -8,21 +7,16 @@
 #include "app/cli/command_error.h"
 #include "app/cli/json_text.h"
 #include "app/cli/progress_line.h"
+#include "app/commands/gaeb/gaeb_lv_import.h"
 #include "app/commands/gaeb/gaeb_price_option.h"
-#include "app/commands/lv/lv_project.h"
 #include "app/program/data_dir.h"
-#include "boq/lv/project_lvs.h"
-#include "boq/model/lv_pos_list_io.h"
 #include "exchange/gaeb_import/gaeb_import.h"
-#include "exchange/gaeb_import/gaeb_import_store.h"
-#include "storage/file/atomic_file.h"
 
 namespace korvan::app {
 namespace {
 
 using exchange::gaeb_xml::TGaebFinding;
 
-constexpr const char* kProtocolFile = "Importprotokoll.txt";
 // Progress is worth showing only for files that take a moment.
 constexpr int kProgressFromEntries = 2000;
 
@@ -37,45 +31,6 @@ std::string_view JsonKind(exchange::gaeb_xml::TGaebFindingKind kind) {
     default:
       return "error";
   }
-}
-
-// The LV's name must be new in the project and fit an LV.
-void CheckName(LvProject& target, const exchange::TGaebImport& import) {
-  const boq::NewLv lv{import.lv.FLv().Name.Get(), import.lv.FOzMask().FMask()};
-  if (lv.name.empty()) {
-    throw CommandError(import.data.FImportPath +
-                       ": die Datei nennt keinen Namen des LV (BoQInfo/Name); --name gibt ihn");
-  }
-  if (const std::string problem = boq::CheckNewLv(lv); !problem.empty()) {
-    throw CommandError(problem + " (--name gibt einen anderen Namen)");
-  }
-  target.RequireFreeLvName(lv.name, "; --name gibt dem eingelesenen LV einen anderen Namen");
-}
-
-// The whole file is read before anything is stored: a refused file stores nothing.
-exchange::TGaebImport ReadFile(const std::string& file, const exchange::TGaebImportOptions& options,
-                               Streams& streams) {
-  try {
-    ProgressLine progress(streams.err);
-    return exchange::ImportGaebFile(file, options, [&](int done, int total) {
-      if (total >= kProgressFromEntries) progress.Show("GAEB-Einlesen", done, total);
-    });
-  } catch (const exchange::EGaebImportError& error) {
-    throw CommandError(std::string(error.what()) + "; es wurde nichts gespeichert");
-  }
-}
-
-// The protocol is a help, not the result: a protocol that cannot be written is a warning.
-std::string WriteProtocol(const LvProject& target, const exchange::TGaebImport& import,
-                          Streams& streams) {
-  const std::string protocol = (std::filesystem::path(target.Directory()) / kProtocolFile).string();
-  try {
-    storage::WriteFileAtomically(protocol, exchange::ImportProtocolText(import),
-                                 storage::Durability::kAtomic);
-  } catch (const std::exception& error) {
-    streams.err << "Warnung: " << kProtocolFile << " nicht geschrieben: " << error.what() << '\n';
-  }
-  return protocol;
 }
 
 void PrintJson(std::ostream& out, const exchange::TGaebImport& import, int32_t id,
@@ -132,43 +87,30 @@ exchange::TGaebImportOptions GaebImportCommand::Options() const {
 }
 
 void GaebImportCommand::PrintText(std::ostream& out, std::ostream& err,
-                                  const exchange::TGaebImport& import, int32_t id) const {
-  for (const TGaebFinding& finding : import.findings) {
+                                  const GaebLvImported& imported) const {
+  for (const TGaebFinding& finding : imported.import.findings) {
     err << file_ << ':' << finding.line << ": " << exchange::gaeb_xml::FindingKindText(finding.kind)
         << ": " << finding.message << '\n';
   }
-  out << "LV " << id << " \"" << import.lv.FLv().Name.Get() << "\" aus " << file_
-      << " eingelesen (GAEB DA XML " << exchange::FormatInfo(import.format).xml_version
-      << ", Phase " << exchange::PhaseCaption(import.phase) << "): " << import.groups
-      << (import.groups == 1 ? " Gruppe, " : " Gruppen, ") << import.items
-      << (import.items == 1 ? " Position, " : " Positionen, ") << import.texts
-      << (import.texts == 1 ? " Text, " : " Texte, ") << import.findings.size()
-      << (import.findings.size() == 1 ? " Befund" : " Befunde") << '\n';
+  out << ImportedLvText(imported, file_) << '\n';
 }
 
 int GaebImportCommand::Run(Streams& streams) {
   const exchange::TGaebImportOptions options = Options();
-  LvProject target(data_dir_, project_);
-  exchange::TGaebImport import = ReadFile(file_, options, streams);
-  data::TStdDb& db = target.Db(true);
-  CheckName(target, import);
-  int32_t id = 0;
-  RunAsOneStep<std::exception>(
-      target.Journal(), data::TOperationKind::okInsert,
-      "LV \"" + import.lv.FLv().Name.Get() + "\" aus GAEB einlesen",
-      {"es wurde nichts gespeichert",
-       "die bis dahin gespeicherten Datensätze konnten nicht zurückgenommen werden",
-       "das Einlesen"},
-      streams.err, [&] {
-        id = exchange::StoreImportedLv(db, target.TextDb(), import);
-        boq::TLVPosList stored = boq::LoadLvPosList(db, target.TextDb(), id);
-        target.SaveWithSums(stored, streams.err);
-      });
-  const std::string protocol = WriteProtocol(target, import, streams);
+  GaebLvImported imported;
+  {
+    ProgressLine progress(streams.err);
+    imported =
+        ImportGaebLv(data_dir_, project_, file_, options, streams.err, [&](int done, int total) {
+          if (total >= kProgressFromEntries) {
+            progress.Show("GAEB-Einlesen", done, total);
+          }
+        });
+  }
   if (json_) {
-    PrintJson(streams.out, import, id, target.Name(), protocol);
+    PrintJson(streams.out, imported.import, imported.id, imported.project, imported.protocol);
   } else {
-    PrintText(streams.out, streams.err, import, id);
+    PrintText(streams.out, streams.err, imported);
   }
   return kExitOk;
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/cli/command.h"
+#include "app/commands/gaeb/gaeb_lv_import.h"
 #include "exchange/gaeb_import/gaeb_import.h"
 
 namespace CLI {
@@ -28,8 +29,7 @@ class GaebImportCommand {
   // The import options the arguments ask for; a wrong call is refused before the file opens.
   exchange::TGaebImportOptions Options() const;
   // The findings (on `err`, with file and line) and the summary line.
-  void PrintText(std::ostream& out, std::ostream& err, const exchange::TGaebImport& import,
-                 int32_t id) const;
+  void PrintText(std::ostream& out, std::ostream& err, const GaebLvImported& imported) const;
 
   std::string file_;
   std::string name_;
