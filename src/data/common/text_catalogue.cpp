@@ -57,6 +57,19 @@ std::map<int, std::string> GermanTexts() {
       {48205, "Summe ./. NL"},
       {48206, "Brutto"},
       {48207, "Status"},
+      // The lines of a bid.
+      {48301, "OZ"},
+      {48302, "Menge"},
+      {48303, "Einh."},
+      {48304, "Kurztext"},
+      {48305, "EP"},
+      {48306, "GP"},
+      {48307, "Nachl.%"},
+      {48308, "GP nach NL."},
+      {48309, "Pauschal"},
+      {48310, "Anm."},
+      {48311, "Kommentar"},
+      {48312, "LV-Menge"},
   };
 }
 
