@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPainter>
+#include <QPushButton>
 #include <QSplitter>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -13,25 +14,9 @@
 #include "app/modules/dm_preisspiegel.h"
 #include "app/modules/dm_rangliste.h"
 #include "desktop/cdata_model.h"
+#include "desktop/list_view.h"
 
 namespace korvan::desktop {
-namespace {
-
-QTreeView* ListView(CDataModel& model, QWidget* parent) {
-  auto* view = new QTreeView(parent);
-  view->setModel(&model);
-  view->setUniformRowHeights(true);
-  view->setAlternatingRowColors(true);
-  view->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  view->setSelectionBehavior(QAbstractItemView::SelectRows);
-  for (int column = 0; column < model.columnCount(); ++column) {
-    view->header()->resizeSection(column, model.ColumnWidth(column));
-  }
-  view->expandAll();
-  return view;
-}
-
-}  // namespace
 
 TotalsChart::TotalsChart(std::vector<std::pair<std::string, double>> totals, QWidget* parent)
     : QWidget(parent), totals_(std::move(totals)) {
@@ -74,13 +59,37 @@ BiddersDialog::BiddersDialog(std::unique_ptr<app::TdmRangliste> module, const QS
   setWindowTitle("Bieter – " + lv_name);
   model_ = std::make_unique<CDataModel>(module_->CData1);
   auto* layout = new QVBoxLayout(this);
-  view_ = ListView(*model_, this);
+  view_ = NewListView(*model_, this);
   view_->setObjectName("bieter");
   layout->addWidget(view_);
+  open_bid_ = new QPushButton("&Angebot", this);
+  open_bid_->setObjectName("angebotOeffnen");
+  open_bid_->setEnabled(false);
+  auto* buttons = new QHBoxLayout;
+  buttons->addStretch();
+  buttons->addWidget(open_bid_);
+  layout->addLayout(buttons);
+  connect(open_bid_, &QPushButton::clicked, this, &BiddersDialog::OpenBid);
+  connect(view_, &QTreeView::doubleClicked, this, &BiddersDialog::OpenBid);
+  if (module_->CData1.GetRmax() > 0) view_->setCurrentIndex(model_->IndexOfRow(1));
   resize(900, 320);
 }
 
 BiddersDialog::~BiddersDialog() = default;
+
+void BiddersDialog::SetOpenBid(std::function<void(int bidder)> open) {
+  open_ = std::move(open);
+  open_bid_->setEnabled(open_ != nullptr && module_->CData1.GetRmax() > 0);
+}
+
+int BiddersDialog::CurrentBidder() const {
+  return module_->BidderNumberOf(model_->RowOf(view_->currentIndex()));
+}
+
+void BiddersDialog::OpenBid() {
+  const int bidder = CurrentBidder();
+  if (open_ && bidder != 0) open_(bidder);
+}
 
 ComparisonDialog::ComparisonDialog(std::unique_ptr<app::TdmPreisspiegel> comparison,
                                    std::unique_ptr<app::TdmRangliste> ranks, const QString& lv_name,
@@ -99,10 +108,10 @@ ComparisonDialog::ComparisonDialog(std::unique_ptr<app::TdmPreisspiegel> compari
       this);
   layout->addWidget(reference);
   auto* down = new QSplitter(Qt::Vertical, this);
-  grid_ = ListView(*grid_model_, down);
+  grid_ = NewListView(*grid_model_, down);
   grid_->setObjectName("preisspiegel");
   auto* across = new QSplitter(Qt::Horizontal, down);
-  ranks_view_ = ListView(*ranks_model_, across);
+  ranks_view_ = NewListView(*ranks_model_, across);
   ranks_view_->setObjectName("rangliste");
   auto* chart = new TotalsChart(comparison_->Totals(), across);
   chart->setObjectName("diagramm");

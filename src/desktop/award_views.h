@@ -3,11 +3,13 @@
 #include <QDialog>
 #include <QWidget>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+class QPushButton;
 class QTreeView;
 
 namespace korvan::app {
@@ -41,11 +43,20 @@ class BiddersDialog : public QDialog {
                 QWidget* parent = nullptr);
   ~BiddersDialog() override;
   QTreeView* View() const { return view_; }
+  // What opens the chosen bidder's bid (double-click or the button "Angebot"); without
+  // it the button stays disabled.
+  void SetOpenBid(std::function<void(int bidder)> open);
+  // The running number of the chosen bidder, 0 for none.
+  int CurrentBidder() const;
 
  private:
+  void OpenBid();
+
   std::unique_ptr<app::TdmRangliste> module_;
   std::unique_ptr<CDataModel> model_;
   QTreeView* view_ = nullptr;
+  QPushButton* open_bid_ = nullptr;
+  std::function<void(int bidder)> open_;
 };
 
 // The price comparison: the bidders side by side per item with the prices far from the

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QHeaderView>
+#include <QInputDialog>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -11,12 +12,16 @@
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTreeView>
+#include <utility>
 
+#include "app/commands/lists/journal_undo.h"
+#include "app/modules/dm_angebot_zeilen.h"
 #include "app/modules/dm_lv.h"
 #include "app/modules/dm_preisspiegel.h"
 #include "app/modules/dm_projekte.h"
 #include "app/modules/dm_rangliste.h"
 #include "desktop/award_views.h"
+#include "desktop/bid_view.h"
 #include "desktop/cdata_model.h"
 
 namespace korvan::desktop {
@@ -92,8 +97,8 @@ void MainWindow::BuildMenus() {
   AddAction(file, "installationOeffnen", "Installation &öffnen …", QKeySequence::Open,
             &MainWindow::OpenInstallationDialog);
   file->addSeparator();
-  NotYetAvailable(file, "gaebImport", "GAEB-&Import …");
-  NotYetAvailable(file, "gaebExport", "GAEB-&Export …");
+  AddAction(file, "gaebImport", "GAEB-&Import …", {}, &MainWindow::GaebImport);
+  AddAction(file, "gaebExport", "GAEB-&Export …", {}, &MainWindow::GaebExport);
   file->addSeparator();
   QAction* quit = file->addAction("&Beenden");
   quit->setObjectName("beenden");
@@ -121,7 +126,7 @@ void MainWindow::BuildMenus() {
   QMenu* award = menuBar()->addMenu("&Vergabe");
   AddAction(award, "bieter", "&Bieter und Rangliste", {}, &MainWindow::ShowBidders);
   AddAction(award, "preisspiegel", "&Preisspiegel", {}, &MainWindow::ShowComparison);
-  NotYetAvailable(award, "angebot", "&Angebot eines Bieters");
+  AddAction(award, "angebot", "&Angebot eines Bieters …", {}, &MainWindow::ChooseBid);
   NotYetAvailable(award, "vergabe", "&Vergabe …");
 
   QMenu* help = menuBar()->addMenu("&Hilfe");
@@ -168,14 +173,18 @@ bool MainWindow::OpenInstallation(const std::string& data_dir) {
   long_text_->clear();
   ShowLvFigures();
   UpdateActions();
-  // The first LV is what a user opening an installation wants to see.
+  OpenFirstLv();
+  return true;
+}
+
+// The first LV is what a user opening an installation wants to see.
+void MainWindow::OpenFirstLv() {
   for (int z = 1; z <= projects_->CData1.GetRmax(); ++z) {
     if (projects_->LvOf(z) != 0) {
       projects_view_->setCurrentIndex(projects_model_->IndexOfRow(z));
       break;
     }
   }
-  return true;
 }
 
 void MainWindow::ProjectChosen() {
@@ -238,9 +247,10 @@ void MainWindow::UpdateActions() {
   const bool open = lv_ != nullptr;
   for (const char* name :
        {"gruppeEinfuegen", "positionEinfuegen", "hinweisEinfuegen", "eintragLoeschen", "nachOben",
-        "nachUnten", "neuNummerieren", "bieter", "preisspiegel"}) {
+        "nachUnten", "neuNummerieren", "bieter", "preisspiegel", "gaebExport", "angebot"}) {
     Action(name)->setEnabled(open);
   }
+  Action("gaebImport")->setEnabled(!data_dir_.empty());
   Action("rueckgaengig")->setEnabled(!data_dir_.empty());
   Action("wiederherstellen")->setEnabled(!data_dir_.empty());
 }
@@ -272,19 +282,47 @@ void MainWindow::OpenInstallationDialog() {
 }
 
 void MainWindow::Undo() {
-  if (!lv_) return;
-  const int32_t keep = lv_->EntryIdOf(CurrentRow());
-  const bool ok = lv_->Undo();
-  Changed(ok, keep);
-  if (ok) Tell("Rückgängig", QString::fromStdString(lv_->LastMessage()), false);
+  TakeStep(false);
 }
 
 void MainWindow::Redo() {
-  if (!lv_) return;
-  const int32_t keep = lv_->EntryIdOf(CurrentRow());
-  const bool ok = lv_->Redo();
-  Changed(ok, keep);
-  if (ok) Tell("Wiederherstellen", QString::fromStdString(lv_->LastMessage()), false);
+  TakeStep(true);
+}
+
+void MainWindow::TakeStep(bool redo) {
+  if (data_dir_.empty()) return;
+  const QString title = redo ? "Wiederherstellen" : "Rückgängig";
+  const int32_t keep = lv_ ? lv_->EntryIdOf(CurrentRow()) : data::kNullId;
+  app::JournalStepOutcome outcome;
+  try {
+    outcome = app::TakeJournalStep(data_dir_, redo);
+  } catch (const std::exception& error) {
+    Tell(title, QString::fromStdString(error.what()), true);
+    return;
+  }
+  ShowStoredState(keep);
+  Tell(title, QString::fromStdString(outcome.text), !outcome.done);
+}
+
+void MainWindow::ShowStoredState(int32_t keep_entry) {
+  const int32_t lv = lv_ ? lv_->Lv().FLv().FId : 0;
+  const bool read = lv_ && lv_->Reload();
+  if (read) {
+    Refreshed(keep_entry);  // the projects too
+  } else {
+    projects_->CData1.ListOperation(0, data::loReload);
+    projects_model_->Refresh();
+    projects_view_->expandAll();
+  }
+  if (read && projects_->RowOf(project_, lv) != 0) return;
+  // The open LV went with the step (an import taken back).
+  lv_view_->setModel(nullptr);
+  lv_model_.reset();
+  lv_.reset();
+  long_text_->clear();
+  ShowLvFigures();
+  UpdateActions();
+  OpenFirstLv();
 }
 
 void MainWindow::AddGroup() {
@@ -349,6 +387,7 @@ void MainWindow::ShowBidders() {
   }
   auto* dialog = new BiddersDialog(std::move(module), LvName(), this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->SetOpenBid([this](int bidder) { ShowBid(bidder); });
   dialog->show();
 }
 
@@ -367,6 +406,100 @@ void MainWindow::ShowComparison() {
     return;
   }
   auto* dialog = new ComparisonDialog(std::move(comparison), std::move(ranks), LvName(), this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->show();
+}
+
+void MainWindow::ChooseBid() {
+  const GaebPlace place = Place();
+  if (place.bidders.empty()) {
+    Tell("Angebot", "Das LV \"" + LvName() + "\" hat keine Bieter.", true);
+    return;
+  }
+  int bidder = place.bidders.front().first;
+  if (!quiet_ && place.bidders.size() > 1) {
+    QStringList names;
+    for (const auto& [number, name] : place.bidders) {
+      names << QString::number(number) + " – " + QString::fromStdString(name);
+    }
+    bool chosen = false;
+    const QString name =
+        QInputDialog::getItem(this, "Angebot eines Bieters", "Bieter:", names, 0, false, &chosen);
+    if (!chosen) return;
+    bidder = place.bidders[static_cast<size_t>(names.indexOf(name))].first;
+  }
+  ShowBid(bidder);
+}
+
+void MainWindow::ShowBid(int bidder) {
+  if (!lv_) return;
+  auto module =
+      std::make_unique<app::TdmAngebotZeilen>(data_dir_, project_, lv_->Lv().FLv().FId, bidder);
+  if (!module->Loaded()) {
+    Tell("Angebot", QString::fromStdString(module->LastError()), true);
+    return;
+  }
+  auto* dialog = new BidDialog(std::move(module), LvName(), this);
+  dialog->setAttribute(Qt::WA_DeleteOnClose);
+  dialog->show();
+}
+
+GaebPlace MainWindow::Place() const {
+  GaebPlace place{.data_dir = data_dir_, .project = project_};
+  if (!lv_) {
+    const int z = projects_model_ ? projects_model_->RowOf(projects_view_->currentIndex()) : 0;
+    if (z != 0) place.project = projects_->ProjectOf(z);
+    return place;
+  }
+  place.lv = lv_->Lv().FLv().FId;
+  place.lv_name = lv_->Lv().FLv().Name.Get();
+  app::TdmRangliste bidders(data_dir_, project_, place.lv);
+  if (!bidders.Loaded()) return place;
+  for (int z = 1; z <= bidders.CData1.GetRmax(); ++z) {
+    place.bidders.emplace_back(bidders.BidderNumberOf(z),
+                               bidders.CData1.Data2Screen(z)[app::TdmRangliste::cBieter]);
+  }
+  return place;
+}
+
+void MainWindow::GaebImport() {
+  if (data_dir_.empty()) return;
+  const GaebPlace place = Place();
+  if (place.project.empty()) {
+    Tell("GAEB-Import", "Kein Projekt gewählt: links ein Projekt oder LV wählen.", true);
+    return;
+  }
+  std::optional<GaebImportChoice> choice = std::exchange(next_import_, std::nullopt);
+  if (!choice) choice = AskGaebImport(this, place);
+  if (!choice) return;
+  const GaebOutcome outcome = RunGaebImport(this, place, *choice);
+  ShowOutcome("GAEB-Import", outcome);
+  if (!outcome.done) return;
+  if (outcome.new_lv == 0) {
+    ShowBidders();
+    return;
+  }
+  projects_->CData1.ListOperation(0, data::loReload);
+  projects_model_->Refresh();
+  projects_view_->expandAll();
+  OpenLv(place.project, outcome.new_lv);
+}
+
+void MainWindow::GaebExport() {
+  if (!lv_) return;
+  const GaebPlace place = Place();
+  std::optional<GaebExportChoice> choice = std::exchange(next_export_, std::nullopt);
+  if (!choice) choice = AskGaebExport(this, place);
+  if (!choice) return;
+  ShowOutcome("GAEB-Export", RunGaebExport(this, place, *choice));
+}
+
+// The summary goes to the status bar; the findings, or why nothing was done, to a list.
+void MainWindow::ShowOutcome(const QString& title, const GaebOutcome& outcome) {
+  last_message_ = QString::fromStdString(outcome.summary);
+  statusBar()->showMessage(last_message_, 10000);
+  if (outcome.done && outcome.findings.empty()) return;
+  auto* dialog = new FindingsDialog(title, outcome, this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->show();
 }

@@ -3,7 +3,10 @@
 #include <QMainWindow>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+
+#include "desktop/gaeb_views.h"
 
 class QAction;
 class QLabel;
@@ -47,6 +50,11 @@ class MainWindow : public QMainWindow {
   // No message boxes: what they would say goes to the status bar (tests, screenshots).
   void SetQuiet(bool quiet) { quiet_ = quiet; }
   const QString& LastMessage() const { return last_message_; }
+  // For tests: the next GAEB import or export takes these choices instead of asking.
+  void ChooseNextGaebImport(GaebImportChoice choice) { next_import_ = std::move(choice); }
+  void ChooseNextGaebExport(GaebExportChoice choice) { next_export_ = std::move(choice); }
+  // Shows the bid of the bidder with this running number on the open LV.
+  void ShowBid(int bidder);
 
  private:
   void BuildMenus();
@@ -65,8 +73,19 @@ class MainWindow : public QMainWindow {
   void Changed(bool ok, int32_t keep_entry);
 
   void OpenInstallationDialog();
+  void OpenFirstLv();
+  void GaebImport();
+  void GaebExport();
+  // Where an import or export goes: the installation, project, LV and its bidders.
+  GaebPlace Place() const;
+  void ShowOutcome(const QString& title, const GaebOutcome& outcome);
   void Undo();
   void Redo();
+  // Takes back (or makes again) the newest step of the installation's journal, whatever
+  // made it, and shows what is stored then.
+  void TakeStep(bool redo);
+  // The projects and the open LV read again; an LV that is gone is closed.
+  void ShowStoredState(int32_t keep_entry);
   void AddGroup();
   void AddItem();
   void AddNote();
@@ -77,6 +96,7 @@ class MainWindow : public QMainWindow {
   void Renumber();
   void ShowBidders();
   void ShowComparison();
+  void ChooseBid();
   void About();
   QString LvName() const;
 
@@ -91,6 +111,8 @@ class MainWindow : public QMainWindow {
   QPlainTextEdit* long_text_ = nullptr;
   QLabel* total_label_ = nullptr;
   bool quiet_ = false;
+  std::optional<GaebImportChoice> next_import_;
+  std::optional<GaebExportChoice> next_export_;
   QString last_message_;
 };
 

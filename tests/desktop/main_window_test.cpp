@@ -25,6 +25,7 @@
 #include "testing/files.h"
 #include "testing/small_lv.h"
 #include "testing/temp_dir.h"
+#include "window_driving.h"
 
 namespace korvan::desktop {
 namespace {
@@ -32,20 +33,10 @@ namespace {
 using testing::kSmallLv;
 using testing::kSmallLvProject;
 
-// The application of one test, on the offscreen platform; it must end before the
-// process does, while Qt's own objects are still there.
-std::unique_ptr<QApplication> NewApplication() {
-  static int argc = 1;
-  static char name[] = "desktop_tests";
-  static char* argv[] = {name, nullptr};
-  setenv("QT_QPA_PLATFORM", "offscreen", 0);
-  return std::make_unique<QApplication>(argc, argv);
-}
-
 class MainWindowTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    application_ = NewApplication();
+    application_ = NewOffscreenApplication();
     base_ = testing::MakeSmallLv(dir_).string();
     window_ = std::make_unique<MainWindow>();
     window_->SetQuiet(true);
@@ -78,20 +69,7 @@ class MainWindowTest : public ::testing::Test {
     QTest::keyClick(editor, Qt::Key_Return);
     Settle();  // the rows are read again once the editor is closed
   }
-  // Lets the posted events run: the closed editor, the rows read again.
-  static void Settle() {
-    for (int round = 0; round < 10; ++round) {
-      QCoreApplication::sendPostedEvents();
-      QApplication::processEvents();
-    }
-  }
-  void Trigger(const char* action) {
-    QAction* found = window_->Action(action);
-    ASSERT_NE(found, nullptr) << action;
-    ASSERT_TRUE(found->isEnabled()) << action;
-    found->trigger();
-    Settle();
-  }
+  void Trigger(const char* action) { TriggerAction(*window_, action); }
 
   std::unique_ptr<QApplication> application_;  // first, so that it goes last
   korvan::testing::TempDir dir_;
