@@ -45,17 +45,8 @@ std::filesystem::path GaebSchemas() {
   return std::filesystem::is_directory(dir) ? dir : std::filesystem::path();
 }
 
-class GaebWindowTest : public ::testing::Test {
+class GaebWindowTest : public SmallLvWindowTest {
  protected:
-  void SetUp() override {
-    application_ = NewOffscreenApplication();
-    base_ = testing::MakeSmallLv(dir_).string();
-    window_ = std::make_unique<MainWindow>();
-    window_->SetQuiet(true);
-    ASSERT_TRUE(window_->OpenInstallation(base_)) << window_->LastMessage().toStdString();
-    window_->show();
-  }
-  void Trigger(const char* action) { TriggerAction(*window_, action); }
   // The LVs the project tree shows.
   std::vector<std::string> LvsShown() {
     QAbstractItemModel* tree = window_->ProjectView()->model();
@@ -88,11 +79,6 @@ class GaebWindowTest : public ::testing::Test {
     EXPECT_TRUE(ranks.Loaded()) << ranks.LastError();
     return ranks.CData1.Data2Screen(bidder_row)[app::TdmRangliste::cGeprueft];
   }
-
-  std::unique_ptr<QApplication> application_;  // first, so that it goes last
-  korvan::testing::TempDir dir_;
-  std::string base_;
-  std::unique_ptr<MainWindow> window_;
 };
 
 TEST_F(GaebWindowTest, ExportedFileReadBackAsNewLvUndoneAndBrokenFileListedWithItsLine) {

@@ -33,16 +33,8 @@ namespace {
 using testing::kSmallLv;
 using testing::kSmallLvProject;
 
-class MainWindowTest : public ::testing::Test {
+class MainWindowTest : public SmallLvWindowTest {
  protected:
-  void SetUp() override {
-    application_ = NewOffscreenApplication();
-    base_ = testing::MakeSmallLv(dir_).string();
-    window_ = std::make_unique<MainWindow>();
-    window_->SetQuiet(true);
-    ASSERT_TRUE(window_->OpenInstallation(base_)) << window_->LastMessage().toStdString();
-    window_->show();
-  }
   boq::TLVPosList Stored() {
     app::LvProject target(base_, kSmallLvProject);
     target.Db(false);
@@ -69,12 +61,6 @@ class MainWindowTest : public ::testing::Test {
     QTest::keyClick(editor, Qt::Key_Return);
     Settle();  // the rows are read again once the editor is closed
   }
-  void Trigger(const char* action) { TriggerAction(*window_, action); }
-
-  std::unique_ptr<QApplication> application_;  // first, so that it goes last
-  korvan::testing::TempDir dir_;
-  std::string base_;
-  std::unique_ptr<MainWindow> window_;
 };
 
 TEST_F(MainWindowTest, OpensTheInstallationWithItsFirstLv) {

@@ -6,8 +6,11 @@
 #include <QApplication>
 #include <cstdlib>
 #include <memory>
+#include <string>
 
 #include "desktop/main_window.h"
+#include "testing/small_lv.h"
+#include "testing/temp_dir.h"
 
 // Driving the window as a user does, on Qt's offscreen platform.
 namespace korvan::desktop {
@@ -38,5 +41,24 @@ inline void TriggerAction(MainWindow& window, const char* action) {
   found->trigger();
   Settle();
 }
+
+// A test of the window on MakeSmallLv's installation, opened, without message boxes.
+class SmallLvWindowTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    application_ = NewOffscreenApplication();
+    base_ = korvan::testing::MakeSmallLv(dir_).string();
+    window_ = std::make_unique<MainWindow>();
+    window_->SetQuiet(true);
+    ASSERT_TRUE(window_->OpenInstallation(base_)) << window_->LastMessage().toStdString();
+    window_->show();
+  }
+  void Trigger(const char* action) { TriggerAction(*window_, action); }
+
+  std::unique_ptr<QApplication> application_;  // first, so that it goes last
+  korvan::testing::TempDir dir_;
+  std::string base_;
+  std::unique_ptr<MainWindow> window_;
+};
 
 }  // namespace korvan::desktop
