@@ -152,7 +152,8 @@ TEST(Demo, WalksTheRoadOfOneBidOnTheSample) {
       road.end(),
       {"LV \"Rohbau Kindergarten\": 3 Bieter", "=== Schritt 7: Preisspiegel ===",
        "$ korvan compare \"Rohbau Kindergarten\" -d " + base.string(),
-       "$ korvan compare \"Rohbau Kindergarten\" --csv -d " + base.string(),
+       "$ korvan compare \"Rohbau Kindergarten\" --csv -d " + base.string() + " > " +
+           (files / "Kindergarten-Preisspiegel.csv").string(),
        "=== Schritt 8: Zuschlag, Auftrag und X86 ===",
        "$ korvan award \"Rohbau Kindergarten\" \"" + winner + "\"", "$ korvan contract show 1",
        winner, "$ korvan gaeb export \"Rohbau Kindergarten\" --phase 86", x86,

@@ -252,7 +252,7 @@ void DemoRoad::CompareBids() {
   const std::string csv = File(std::string(kSampleProject) + "-Preisspiegel.csv");
   const std::vector<std::string> as_csv = Tender({"compare", lv, "--csv"});
   script_.Say("\nDasselbe für die Tabellenkalkulation und als Diagramm:\n$ " + ShellLine(as_csv) +
-              " > " + ShellLine({csv}));
+              " > " + ShellWord(csv));
   std::string table = script_.RunQuietly(as_csv);
   if (!table.empty() && table.back() == '\n') table.pop_back();  // WriteTextFile ends the line
   WriteTextFile(csv, table);

@@ -24,9 +24,13 @@ std::string Quoted(std::string_view arg) {
 
 }  // namespace
 
+std::string ShellWord(std::string_view arg) {
+  return NeedsQuotes(arg) ? Quoted(arg) : std::string(arg);
+}
+
 std::string ShellLine(const std::vector<std::string>& args) {
   std::string line = "korvan";
-  for (const std::string& arg : args) line += " " + (NeedsQuotes(arg) ? Quoted(arg) : arg);
+  for (const std::string& arg : args) line += " " + ShellWord(arg);
   return line;
 }
 

@@ -42,7 +42,10 @@ class DemoScript {
   int commands_run_ = 0;
 };
 
-// The command line as a shell takes it: arguments with blanks or quotes in double quotes.
+// One word as a shell takes it: with blanks or quotes in double quotes.
+std::string ShellWord(std::string_view arg);
+
+// The command line as a shell takes it, every argument a ShellWord.
 std::string ShellLine(const std::vector<std::string>& args);
 
 }  // namespace korvan::app::demo
