@@ -24,7 +24,18 @@ using data::TCData;
 using data::TCDataRow;
 using data::TStringList;
 
-const std::vector<std::string>& Definitions() {
+// Once the LV is awarded its prices are the award's, which are not typed in here.
+const std::vector<std::string>& Definitions(boq::TLvPriceKind kind) {
+  static const std::vector<std::string> awarded = {
+      "OZ,N,0,110,20,N,0,1,1,0,0,,0,1,48001,,,,,,",
+      "Art,N,1,40,1,N,0,1,0,1,0,,0,1,48002,,,,,,",
+      "Kurztext,N,2,320,70,N,0,1,1,0,0,,0,1,48003,,,,,,",
+      "Menge,R,3,90,14,N,3,1,1,0,0,,0,1,48004,,,,,,",
+      "Einheit,N,4,60,6,N,0,1,1,0,0,,0,1,48005,,,,,,",
+      "Vergabe-EP,W,5,90,14,N,2,1,0,1,0,,0,1,48008,,,,,,",
+      "Vergabe-GP,W,6,110,16,N,2,1,0,1,0,,0,1,48009,,,,,,",
+  };
+  if (kind == boq::TLvPriceKind::kAward) return awarded;
   // The second layout flag says which columns take typed values.
   static const std::vector<std::string> definitions = {
       "OZ,N,0,110,20,N,0,1,1,0,0,,0,1,48001,,,,,,",
@@ -56,11 +67,11 @@ TdmLv::TdmLv(std::string data_dir, std::string project, int32_t lv_id)
       data_dir_(std::move(data_dir)),
       project_(std::move(project)),
       lv_id_(lv_id) {
-  CData1.SetStruktur(Definitions());
+  CData1.SetStruktur(Definitions(price_kind_));
 }
 
 void TdmLv::CData1C_OnGetStruktur(TCData&, int, TStringList& t) {
-  t = Definitions();
+  t = Definitions(price_kind_);
 }
 
 void TdmLv::Read() {
@@ -68,7 +79,8 @@ void TdmLv::Read() {
   data::TStdDb& db = target.Db(false);
   list_ = boq::LoadLvPosList(db, target.TextDb(), lv_id_, true);
   double total = 0.0;
-  figures_ = boq::EstimatedFigures(list_, &total);
+  price_kind_ = boq::PriceKindOfStatus(list_.FLv().Status);
+  figures_ = boq::PriceFigures(list_, price_kind_, &total);
   const int16_t currency = list_.FLv().IdWae;
   total_text_ =
       GermanMoney(total) + " " +
@@ -93,6 +105,7 @@ void TdmLv::CData1C_OnStrukturLesen(TCData&, std::vector<TCDataRow>& rows, int& 
     rmax = -1;
     return;
   }
+  CData1.SetStruktur(Definitions(price_kind_));
   for (int i = 0; i < list_.Count(); ++i) {
     rows.push_back(TCDataRow{.Key = std::to_string(list_[i].Struktur.IdBgBeschr),
                              .ZArt = list_[i].Kind(),

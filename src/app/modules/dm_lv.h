@@ -29,7 +29,10 @@ class TdmLv : public data::TSTDdataModule {
 
   // The LV as last read, with its long texts.
   const boq::TLVPosList& Lv() const { return list_; }
-  // The LV's estimated total with its currency, "12.345,67 EUR".
+  // The prices the rows show: the award's once the LV is awarded or billed, else the
+  // estimate's (the only ones typed in here).
+  boq::TLvPriceKind PriceKind() const { return price_kind_; }
+  // The LV's total in those prices with its currency, "12.345,67 EUR".
   std::string TotalText() const;
   // The long text of row z as plain text; empty when it has none.
   std::string LongText(int z) const;
@@ -93,6 +96,7 @@ class TdmLv : public data::TSTDdataModule {
   std::string project_;
   int32_t lv_id_;
   boq::TLVPosList list_;
+  boq::TLvPriceKind price_kind_ = boq::TLvPriceKind::kEstimate;
   std::vector<boq::TLvEntryFigures> figures_;
   std::vector<std::vector<std::string>> cells_;  // per entry, per column
   std::string total_text_;

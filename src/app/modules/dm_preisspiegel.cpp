@@ -42,6 +42,17 @@ bool TdmPreisspiegel::Loaded() {
   return TSTDdataModule::Loaded();
 }
 
+bool TdmPreisspiegel::Remark(double max_deviation) {
+  max_deviation_ = max_deviation;
+  try {
+    Read();
+  } catch (const std::runtime_error& error) {
+    last_error_ = error.what();
+    return false;
+  }
+  return CData1.ListOperation(0, data::loReload) == data::TListOpResult::Done;
+}
+
 void TdmPreisspiegel::Read() {
   BidLv target(data_dir_, project_, std::to_string(lv_id_), false);
   award::TCompareOptions options;

@@ -30,6 +30,8 @@ class TdmPreisspiegel : public data::TSTDdataModule {
   // Every bidder's name and checked total (in the display currency), in list order.
   const std::vector<std::pair<std::string, double>>& Totals() const { return totals_; }
   double MaxDeviation() const { return max_deviation_; }
+  // Runs the comparison again marking with another threshold; false with LastError().
+  bool Remark(double max_deviation);
   // What counts as 100 %.
   const std::string& ReferenceText() const { return reference_; }
   const std::string& LastError() const { return last_error_; }

@@ -8,20 +8,6 @@ namespace {
 constexpr char kAwarded = 'V';
 constexpr char kBilled = 'F';
 
-std::string FindingsText(const TBidCheck& check) {
-  std::string text;
-  const auto add = [&text](const std::vector<int>& lines, const char* what) {
-    if (lines.empty()) return;
-    text += (text.empty() ? "" : ", ") + std::to_string(lines.size()) + " " + what;
-  };
-  add(check.without_price, "Positionen ohne Angebotspreis");
-  add(check.without_quantity, "Positionen ohne Menge");
-  add(check.other_quantity, "Positionen mit vom LV abweichender Menge");
-  add(check.components_differ, "Positionen mit EP-Anteilen <> EP");
-  add(check.total_differs, "Positionen mit Menge * EP <> GP");
-  return text;
-}
-
 // "Vergabecheck": the priced items of the LV that carry no award price.
 int ItemsWithoutAwardPrice(const TdmAngebot& bid, const boq::TLVPosList& lv) {
   int count = 0;
@@ -35,13 +21,27 @@ int ItemsWithoutAwardPrice(const TdmAngebot& bid, const boq::TLVPosList& lv) {
 
 }  // namespace
 
+std::string CheckFindingsText(const TBidCheck& check) {
+  std::string text;
+  const auto add = [&text](const std::vector<int>& lines, const char* what) {
+    if (lines.empty()) return;
+    text += (text.empty() ? "" : ", ") + std::to_string(lines.size()) + " " + what;
+  };
+  add(check.without_price, "Positionen ohne Angebotspreis");
+  add(check.without_quantity, "Positionen ohne Menge");
+  add(check.other_quantity, "Positionen mit vom LV abweichender Menge");
+  add(check.components_differ, "Positionen mit EP-Anteilen <> EP");
+  add(check.total_differs, "Positionen mit Menge * EP <> GP");
+  return text;
+}
+
 TAwardResult AwardBid(const TdmAngebot& bid, boq::TLVPosList& lv, const TAwardOptions& options) {
   TAwardResult result;
   result.check = bid.AngebotsCheck();
   if (result.check.Found() && !options.accept_check_findings) {
     throw EAwardRefused(std::string(kCheckQuestion) + " Das Angebot von \"" +
                         bid.Bidder().Bietername.Get() + "\" im LV \"" + lv.FLv().Name.Get() +
-                        "\": " + FindingsText(result.check) + ".");
+                        "\": " + CheckFindingsText(result.check) + ".");
   }
   if (options.transfer_prices) {
     result.transfer = TransferBidPrices(bid, lv, options.transfer);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
 
 #include "award/award/bid_price_transfer.h"
 #include "award/bid/bid_check.h"
@@ -37,6 +38,10 @@ struct TAwardResult {
 // The question asked when the bid check found something.
 inline constexpr const char* kCheckQuestion =
     "Der Angebotscheck hat Fehler gefunden. Die Vergabe fortsetzen?";
+
+// What the bid check found, "2 Positionen ohne Angebotspreis, 1 Positionen ohne Menge";
+// empty when nothing.
+std::string CheckFindingsText(const TBidCheck& check);
 
 // Awards the opened, recalculated `bid` on `lv` (loaded for saving): the steps above, the
 // LV's status set to "V". EAwardRefused or ETransferRefused before anything in `lv` changed.

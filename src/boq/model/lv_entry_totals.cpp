@@ -20,25 +20,33 @@ bool CountsTowardsTotal(const TLvPos& entry) {
   return common.ZZWahl <= 0 || common.NachtrStatus == 'Z';
 }
 
-TLvEntryFigures ItemFigures(const TLvPos& entry) {
+TLvEntryFigures ItemFigures(const TLvPos& entry, TLvPriceKind kind) {
   TLvEntryFigures figures;
   if (!entry.IsQuantityItem()) return figures;
   figures.quantity = entry.LvBeschr.FMenge;
   if (entry.Kind() == 'U') return figures;  // a sub-description's prices are cleared
-  figures.unit_price = entry.LvBeschr.SchaetzEP.Betrag;
+  // Copied one by one: the packed record's amounts are not aligned for a reference.
+  const double award = entry.LvBeschr.VergabeEP.Betrag;
+  const double estimate = entry.LvBeschr.SchaetzEP.Betrag;
+  figures.unit_price = kind == TLvPriceKind::kAward ? award : estimate;
   figures.total = CountsTowardsTotal(entry) ? Cents(*figures.quantity * *figures.unit_price) : 0.0;
   return figures;
 }
 
 }  // namespace
 
-std::vector<TLvEntryFigures> EstimatedFigures(const TLVPosList& list, double* lv_total) {
+TLvPriceKind PriceKindOfStatus(char status) {
+  return status == 'V' || status == 'F' ? TLvPriceKind::kAward : TLvPriceKind::kEstimate;
+}
+
+std::vector<TLvEntryFigures> PriceFigures(const TLVPosList& list, TLvPriceKind kind,
+                                          double* lv_total) {
   std::vector<TLvEntryFigures> figures(static_cast<std::size_t>(list.Count()));
   std::unordered_map<int32_t, int> index_of_group;
   std::vector<int> parent(figures.size(), -1);
   for (int i = 0; i < list.Count(); ++i) {
     const TLvPos& entry = list[i];
-    figures[i] = ItemFigures(entry);
+    figures[i] = ItemFigures(entry, kind);
     if (entry.IsGroup()) {
       figures[i].total = 0.0;
       index_of_group[entry.Struktur.IdBgBeschr] = i;

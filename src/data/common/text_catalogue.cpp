@@ -45,6 +45,8 @@ std::map<int, std::string> GermanTexts() {
       {48005, "Einheit"},
       {48006, "EP"},
       {48007, "GP"},
+      {48008, "Vergabe-EP"},
+      {48009, "Vergabe-GP"},
       // Projects and their LVs.
       {48101, "Projekt / LV"},
       {48102, "Status"},

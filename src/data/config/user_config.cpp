@@ -165,6 +165,7 @@ void TUserConfig::BindValues(TConfigBindings& b) {
   b.Add(kModulOptions, "lastAccess_Time", FlastAccess_Time);
   b.Add(kModulOptions, "Jingle_File", FJingle_File);
   b.Add(kModulOptions, "Jingle_go", FJingle_go);
+  b.Add(kModulOptions, "Preisspiegel_MaxAbweichung", FPreisspiegel_MaxAbweichung);
 }
 
 }  // namespace korvan::data

@@ -160,6 +160,9 @@ class TUserConfig : public TBaseConfig {
   KORVAN_CONFIG_FIELD(std::string, lastAccess_Time)
   KORVAN_CONFIG_FIELD(std::string, Jingle_File)
   KORVAN_CONFIG_FIELD(bool, Jingle_go, false)
+  // The price comparison's "Kennzeichnen von Positionen, die mehr als … % vom Mittelwert
+  // abweichen" (eMaxAbweichung); 0 marks none.
+  KORVAN_CONFIG_FIELD(double, Preisspiegel_MaxAbweichung, 0.0)
 
  protected:
   void BindValues(TConfigBindings& bindings) override;
