@@ -36,7 +36,10 @@ fuzz:
 	@ls $(BUILD)/fuzz/fuzz/*_fuzz
 
 # The desktop program's main views on the demo data, for the README; no display needed.
+# The comparison marks prices 10 % from the mean, as a user would set it.
 screenshots: demo
+	$(BUILD)/release/src/app/korvan config set --user ModulOptions.Preisspiegel_MaxAbweichung 10 \
+	  -d $(DEMO_DIR)
 	QT_QPA_PLATFORM=offscreen $(BUILD)/release/src/desktop/korvan-desk -d $(DEMO_DIR) \
 	  --screenshots docs/screenshots
 

@@ -1,8 +1,10 @@
 #include "desktop/award_views.h"
 
+#include <QDoubleSpinBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLocale>
 #include <QPainter>
 #include <QPushButton>
 #include <QSplitter>
@@ -14,6 +16,7 @@
 #include "app/modules/dm_preisspiegel.h"
 #include "app/modules/dm_rangliste.h"
 #include "desktop/cdata_model.h"
+#include "desktop/desk_settings.h"
 #include "desktop/list_view.h"
 
 namespace korvan::desktop {
@@ -68,7 +71,14 @@ BiddersDialog::BiddersDialog(std::unique_ptr<app::TdmRangliste> module, const QS
   auto* buttons = new QHBoxLayout;
   buttons->addStretch();
   buttons->addWidget(open_bid_);
+  award_ = new QPushButton("&Vergabe durchführen ...", this);
+  award_->setObjectName("vergabeDurchfuehren");
+  award_->setEnabled(false);
+  buttons->addWidget(award_);
   layout->addLayout(buttons);
+  connect(award_, &QPushButton::clicked, this, [this] {
+    if (start_award_) start_award_(CurrentBidder());
+  });
   connect(open_bid_, &QPushButton::clicked, this, &BiddersDialog::OpenBid);
   connect(view_, &QTreeView::doubleClicked, this, &BiddersDialog::OpenBid);
   if (module_->CData1.GetRmax() > 0) view_->setCurrentIndex(model_->IndexOfRow(1));
@@ -82,6 +92,19 @@ void BiddersDialog::SetOpenBid(std::function<void(int bidder)> open) {
   open_bid_->setEnabled(open_ != nullptr && module_->CData1.GetRmax() > 0);
 }
 
+void BiddersDialog::SetAward(std::function<void(int bidder)> award) {
+  start_award_ = std::move(award);
+  award_->setEnabled(start_award_ != nullptr && module_->CData1.GetRmax() > 0);
+}
+
+void BiddersDialog::Refresh() {
+  const int z = model_->RowOf(view_->currentIndex());
+  module_->CData1.ListOperation(0, data::loReload);
+  model_->Refresh();
+  FitColumns(*view_, *model_);
+  if (z != 0 && z <= module_->CData1.GetRmax()) view_->setCurrentIndex(model_->IndexOfRow(z));
+}
+
 int BiddersDialog::CurrentBidder() const {
   return module_->BidderNumberOf(model_->RowOf(view_->currentIndex()));
 }
@@ -93,20 +116,18 @@ void BiddersDialog::OpenBid() {
 
 ComparisonDialog::ComparisonDialog(std::unique_ptr<app::TdmPreisspiegel> comparison,
                                    std::unique_ptr<app::TdmRangliste> ranks, const QString& lv_name,
-                                   QWidget* parent)
-    : QDialog(parent), comparison_(std::move(comparison)), ranks_(std::move(ranks)) {
+                                   std::string data_dir, QWidget* parent)
+    : QDialog(parent),
+      comparison_(std::move(comparison)),
+      ranks_(std::move(ranks)),
+      data_dir_(std::move(data_dir)) {
   setWindowTitle("Preisspiegel – " + lv_name);
   grid_model_ = std::make_unique<CDataModel>(comparison_->CData1);
   grid_model_->SetMarks([this](int z, int column) { return comparison_->Deviates(z, column); });
   ranks_model_ = std::make_unique<CDataModel>(ranks_->CData1);
 
   auto* layout = new QVBoxLayout(this);
-  auto* reference = new QLabel(
-      QString::fromStdString("100 %: " + comparison_->ReferenceText() + "; rot: mehr als " +
-                             app::GermanFigure(comparison_->MaxDeviation(), "%g") +
-                             " % vom Mittelwert entfernt"),
-      this);
-  layout->addWidget(reference);
+  layout->addLayout(Options());
   auto* down = new QSplitter(Qt::Vertical, this);
   grid_ = NewListView(*grid_model_, down);
   grid_->setObjectName("preisspiegel");
@@ -122,5 +143,42 @@ ComparisonDialog::ComparisonDialog(std::unique_ptr<app::TdmPreisspiegel> compari
 }
 
 ComparisonDialog::~ComparisonDialog() = default;
+
+QLayout* ComparisonDialog::Options() {
+  auto* line = new QHBoxLayout();
+  line->addWidget(
+      new QLabel(QString::fromStdString("100 %: " + comparison_->ReferenceText() + ".   "), this));
+  line->addWidget(new QLabel("Kennzeichnen von Positionen, die mehr als ", this));
+  deviation_ = new QDoubleSpinBox(this);
+  deviation_->setObjectName("eMaxAbweichung");
+  deviation_->setLocale(QLocale(QLocale::German, QLocale::Germany));  // "10,0 %"
+  deviation_->setRange(0.0, 1000.0);
+  deviation_->setDecimals(1);
+  deviation_->setSuffix(" %");
+  deviation_->setSpecialValueText("0 % (keine)");
+  deviation_->setValue(comparison_->MaxDeviation());
+  deviation_->setKeyboardTracking(false);  // one comparison run per finished entry
+  connect(deviation_, &QDoubleSpinBox::valueChanged, this, &ComparisonDialog::SetMaxDeviation);
+  line->addWidget(deviation_);
+  line->addWidget(new QLabel(" vom Mittelwert abweichen (rot)", this));
+  line->addStretch();
+  return line;
+}
+
+bool ComparisonDialog::SetMaxDeviation(double percent) {
+  if (!comparison_->Remark(percent)) {
+    last_message_ = QString::fromStdString(comparison_->LastError());
+    return false;
+  }
+  grid_model_->Refresh();
+  grid_->expandAll();
+  std::string error;
+  if (!RememberComparisonMaxDeviation(data_dir_, percent, &error)) {
+    last_message_ = QString::fromStdString(error);
+    return false;
+  }
+  last_message_.clear();
+  return true;
+}
 
 }  // namespace korvan::desktop

@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QTreeView>
+#include <algorithm>
 
 #include "desktop/cdata_model.h"
 
@@ -14,11 +15,16 @@ QTreeView* NewListView(CDataModel& model, QWidget* parent) {
   view->setAlternatingRowColors(true);
   view->setEditTriggers(QAbstractItemView::NoEditTriggers);
   view->setSelectionBehavior(QAbstractItemView::SelectRows);
-  for (int column = 0; column < model.columnCount(); ++column) {
-    view->header()->resizeSection(column, model.ColumnWidth(column));
-  }
+  FitColumns(*view, model);
   view->expandAll();
   return view;
+}
+
+void FitColumns(QTreeView& view, const CDataModel& model) {
+  for (int column = 0; column < model.columnCount(); ++column) {
+    view.header()->resizeSection(
+        column, std::max<int>(model.ColumnWidth(column), view.header()->sectionSizeHint(column)));
+  }
 }
 
 }  // namespace korvan::desktop

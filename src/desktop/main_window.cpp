@@ -21,14 +21,17 @@
 #include "app/modules/dm_projekte.h"
 #include "app/modules/dm_rangliste.h"
 #include "desktop/award_views.h"
+#include "desktop/award_wizard.h"
 #include "desktop/bid_view.h"
 #include "desktop/cdata_model.h"
+#include "desktop/desk_settings.h"
 
 namespace korvan::desktop {
 namespace {
 
-// Prices further from the mean than this many percent are marked in the price comparison.
-constexpr double kMarkedDeviation = 10.0;
+std::string TotalCaption(boq::TLvPriceKind kind) {
+  return kind == boq::TLvPriceKind::kAward ? "Vergabesumme" : "Summe";
+}
 
 void ApplyColumnWidths(QTreeView& view, const CDataModel& model) {
   for (int column = 0; column < model.columnCount(); ++column) {
@@ -127,7 +130,7 @@ void MainWindow::BuildMenus() {
   AddAction(award, "bieter", "&Bieter und Rangliste", {}, &MainWindow::ShowBidders);
   AddAction(award, "preisspiegel", "&Preisspiegel", {}, &MainWindow::ShowComparison);
   AddAction(award, "angebot", "&Angebot eines Bieters …", {}, &MainWindow::ChooseBid);
-  NotYetAvailable(award, "vergabe", "&Vergabe …");
+  AddAction(award, "vergabe", "&Vergabe durchführen ...", {}, &MainWindow::ShowAwardWizard);
 
   QMenu* help = menuBar()->addMenu("&Hilfe");
   AddAction(help, "ueber", "Über &Korvan", {}, &MainWindow::About);
@@ -190,6 +193,11 @@ void MainWindow::OpenFirstLv() {
 void MainWindow::ProjectChosen() {
   const int z = projects_model_->RowOf(projects_view_->currentIndex());
   if (z == 0 || projects_->LvOf(z) == 0) return;
+  // The project list read again after a change chooses the open LV once more: it stays
+  // open as it is, with its current entry.
+  if (lv_ && projects_->ProjectOf(z) == project_ && projects_->LvOf(z) == lv_->Lv().FLv().FId) {
+    return;
+  }
   OpenLv(projects_->ProjectOf(z), projects_->LvOf(z));
 }
 
@@ -238,16 +246,16 @@ void MainWindow::ShowLvFigures() {
     total_label_->setText("Kein LV geöffnet");
     return;
   }
-  total_label_->setText(QString::fromStdString("LV \"" + lv_->Lv().FLv().Name.Get() +
-                                               "\": " + std::to_string(lv_->Lv().Count()) +
-                                               " Einträge, Summe " + lv_->TotalText()));
+  total_label_->setText(QString::fromStdString(
+      "LV \"" + lv_->Lv().FLv().Name.Get() + "\": " + std::to_string(lv_->Lv().Count()) +
+      " Einträge, " + TotalCaption(lv_->PriceKind()) + " " + lv_->TotalText()));
 }
 
 void MainWindow::UpdateActions() {
   const bool open = lv_ != nullptr;
-  for (const char* name :
-       {"gruppeEinfuegen", "positionEinfuegen", "hinweisEinfuegen", "eintragLoeschen", "nachOben",
-        "nachUnten", "neuNummerieren", "bieter", "preisspiegel", "gaebExport", "angebot"}) {
+  for (const char* name : {"gruppeEinfuegen", "positionEinfuegen", "hinweisEinfuegen",
+                           "eintragLoeschen", "nachOben", "nachUnten", "neuNummerieren", "bieter",
+                           "preisspiegel", "gaebExport", "angebot", "vergabe"}) {
     Action(name)->setEnabled(open);
   }
   Action("gaebImport")->setEnabled(!data_dir_.empty());
@@ -388,14 +396,15 @@ void MainWindow::ShowBidders() {
   auto* dialog = new BiddersDialog(std::move(module), LvName(), this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->SetOpenBid([this](int bidder) { ShowBid(bidder); });
+  dialog->SetAward([this](int bidder) { StartAward(bidder); });
   dialog->show();
 }
 
 void MainWindow::ShowComparison() {
   if (!lv_) return;
   const int32_t lv = lv_->Lv().FLv().FId;
-  auto comparison =
-      std::make_unique<app::TdmPreisspiegel>(data_dir_, project_, lv, kMarkedDeviation);
+  auto comparison = std::make_unique<app::TdmPreisspiegel>(data_dir_, project_, lv,
+                                                           ComparisonMaxDeviation(data_dir_));
   auto ranks = std::make_unique<app::TdmRangliste>(data_dir_, project_, lv);
   if (!comparison->Loaded()) {
     Tell("Preisspiegel", QString::fromStdString(comparison->LastError()), true);
@@ -405,7 +414,8 @@ void MainWindow::ShowComparison() {
     Tell("Preisspiegel", QString::fromStdString(ranks->LastError()), true);
     return;
   }
-  auto* dialog = new ComparisonDialog(std::move(comparison), std::move(ranks), LvName(), this);
+  auto* dialog =
+      new ComparisonDialog(std::move(comparison), std::move(ranks), LvName(), data_dir_, this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->show();
 }
@@ -502,6 +512,25 @@ void MainWindow::ShowOutcome(const QString& title, const GaebOutcome& outcome) {
   auto* dialog = new FindingsDialog(title, outcome, this);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->show();
+}
+
+void MainWindow::ShowAwardWizard() {
+  StartAward(0);
+}
+
+void MainWindow::StartAward(int bidder) {
+  if (!lv_) return;
+  auto* wizard = new AwardWizard(data_dir_, project_, lv_->Lv().FLv().FId, bidder, this);
+  wizard->setAttribute(Qt::WA_DeleteOnClose);
+  wizard->setWindowModality(Qt::WindowModal);
+  // The award is stored when the wizard reaches its end page; the grid shows it then.
+  connect(wizard, &QWizard::currentIdChanged, this, [this, wizard](int page) {
+    if (page != AwardWizard::kEnd || !wizard->Awarded()) return;
+    ShowStoredState(lv_->EntryIdOf(CurrentRow()));
+    for (BiddersDialog* bidders : findChildren<BiddersDialog*>()) bidders->Refresh();
+    Tell("Vergabe", wizard->LastMessage(), false);
+  });
+  wizard->show();
 }
 
 QString MainWindow::LvName() const {

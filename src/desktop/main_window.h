@@ -38,6 +38,8 @@ class MainWindow : public QMainWindow {
   // Shows LV `lv` of `project` in the grid; false when there is no such LV.
   bool OpenLv(const std::string& project, int32_t lv);
 
+  // The installation shown; empty before one is opened.
+  const std::string& DataDir() const { return data_dir_; }
   // For tests and screenshots: the views, the modules behind them and the actions.
   QTreeView* ProjectView() const { return projects_view_; }
   QTreeView* LvView() const { return lv_view_; }
@@ -96,6 +98,9 @@ class MainWindow : public QMainWindow {
   void Renumber();
   void ShowBidders();
   void ShowComparison();
+  void ShowAwardWizard();
+  // The award wizard with the bidder of running number `bidder` chosen (0: the first).
+  void StartAward(int bidder);
   void ChooseBid();
   void About();
   QString LvName() const;

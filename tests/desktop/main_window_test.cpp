@@ -4,22 +4,34 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QTest>
 #include <QTreeView>
 #include <cstdlib>
 #include <memory>
 #include <sstream>
 #include <string>
+#include <vector>
 
+#include "app/commands/bid/bid_lv.h"
 #include "app/commands/lv/lv_project.h"
 #include "app/commands/lv/lv_totals_view.h"
 #include "app/modules/dm_lv.h"
 #include "app/modules/dm_preisspiegel.h"
 #include "app/modules/dm_rangliste.h"
+#include "billing/contract/dm_vertrag.h"
 #include "desktop/award_views.h"
+#include "desktop/award_wizard.h"
 #include "desktop/cdata_model.h"
+#include "desktop/desk_settings.h"
 #include "desktop/main_window.h"
 #include "desktop/screenshots.h"
 #include "testing/files.h"
@@ -39,6 +51,13 @@ class MainWindowTest : public SmallLvWindowTest {
     app::LvProject target(base_, kSmallLvProject);
     target.Db(false);
     return target.LoadLv(kSmallLv);
+  }
+  std::vector<billing::TVertrag> Contracts() {
+    app::BidLv target(base_, kSmallLvProject, kSmallLv, false);
+    const int32_t number = target.Project().ContractProjectNumber(false);
+    if (number == data::kNullId) return {};
+    billing::TdmVertrag book(target.Project().BillingDb(), number, target.Converter());
+    return book.Contracts(target.List().FLv().FId);
   }
   // The index of the entry `oz` in the LV grid, in `column`.
   QModelIndex Cell(const std::string& oz, int column) {
@@ -79,8 +98,7 @@ TEST_F(MainWindowTest, OpensTheInstallationWithItsFirstLv) {
   window_->LvView()->setCurrentIndex(Cell("01.01.0001", 0));
   EXPECT_TRUE(window_->LongTextView()->toPlainText().startsWith("Boden lösen"));
   EXPECT_TRUE(window_->StatusText().contains("65,00 EUR")) << window_->StatusText().toStdString();
-  EXPECT_FALSE(window_->Action("vergabe")->isEnabled());
-  EXPECT_TRUE(window_->Action("vergabe")->text().contains("noch nicht verfügbar"));
+  EXPECT_TRUE(window_->Action("vergabe")->isEnabled());
 }
 
 TEST_F(MainWindowTest, TypedQuantityIsStoredTheTotalsFollowAndCtrlZTakesItBack) {
@@ -97,6 +115,8 @@ TEST_F(MainWindowTest, TypedQuantityIsStoredTheTotalsFollowAndCtrlZTakesItBack) 
   const boq::TLVPosList undone = Stored();
   EXPECT_EQ(undone[undone.IndexOfOz("01.01.0001", 'P')].LvBeschr.FMenge, 10.0);
   EXPECT_EQ(Cell("01.01", app::TdmLv::cGp).data().toString(), "65,00");
+  EXPECT_TRUE(window_->LastMessage().startsWith("Rückgängig gemacht"))
+      << window_->LastMessage().toStdString();
 
   TypeInto(Cell("01.01.0002", app::TdmLv::cEp), "sieben");
   EXPECT_TRUE(window_->LastMessage().contains("ist keine Zahl"))
@@ -124,29 +144,120 @@ TEST_F(MainWindowTest, ComparisonShowsBiddersSideBySideWithDeviationsRanksAndCha
   auto* dialog = window_->findChild<ComparisonDialog*>();
   ASSERT_NE(dialog, nullptr) << window_->LastMessage().toStdString();
   QAbstractItemModel* grid = dialog->Grid()->model();
-  EXPECT_EQ(grid->headerData(app::TdmPreisspiegel::kFirstBidColumn, Qt::Horizontal, Qt::DisplayRole)
-                .toString(),
-            "Musterbau GmbH");
-  // 01 / 01.01 / 01.01.0002: Zweitbau's 40,00 is far above the mean of 27,00.
-  const QModelIndex group = grid->index(0, 0, grid->index(0, 0));
-  const QModelIndex far = grid->index(1, app::TdmPreisspiegel::kFirstBidColumn + 1, group);
-  EXPECT_EQ(far.data().toString(), "40,00");
-  EXPECT_TRUE(far.data(Qt::BackgroundRole).isValid());
-  EXPECT_FALSE(grid->index(1, 1, group).data(Qt::BackgroundRole).isValid());
+  const int first = app::TdmPreisspiegel::kFirstBidColumn;
+  EXPECT_EQ(grid->headerData(first, Qt::Horizontal, Qt::DisplayRole).toString(), "Musterbau GmbH");
+  // A bidder's name is not cut off by its column.
+  EXPECT_GE(dialog->Grid()->header()->sectionSize(first),
+            dialog->Grid()->header()->sectionSizeHint(first));
   QAbstractItemModel* ranks = dialog->Ranks()->model();
   EXPECT_EQ(ranks->index(0, app::TdmRangliste::cBieter).data().toString(), "Musterbau GmbH");
   EXPECT_NE(dialog->findChild<QWidget*>("diagramm"), nullptr);
+
+  // 01 / 01.01 / 01.01.0001: 55,00 and 48,00 are 6,8 % from their mean of 51,50;
+  // 01.01.0002: Zweitbau's 40,00 is 48 % above the mean of 27,00.
+  const QModelIndex group = grid->index(0, 0, grid->index(0, 0));
+  const auto marked = [&](int row) {
+    return grid->index(row, first + 1, group).data(Qt::BackgroundRole).isValid();
+  };
+  EXPECT_EQ(grid->index(1, first + 1, group).data().toString(), "40,00");
+  EXPECT_EQ(dialog->MaxDeviation()->value(), 0.0);  // a new installation marks nothing
+  EXPECT_FALSE(marked(0));
+  EXPECT_FALSE(marked(1));
+  dialog->MaxDeviation()->setValue(5.0);
+  EXPECT_TRUE(marked(0));
+  EXPECT_TRUE(marked(1));
+  EXPECT_FALSE(grid->index(1, 1, group).data(Qt::BackgroundRole).isValid());
+  dialog->MaxDeviation()->setValue(10.0);
+  EXPECT_FALSE(marked(0));
+  EXPECT_TRUE(marked(1)) << dialog->LastMessage().toStdString();
+  delete dialog;
+
+  // Remembered for the next comparison, in the user's configuration.
+  EXPECT_EQ(ComparisonMaxDeviation(base_), 10.0);
+  Trigger("preisspiegel");
+  dialog = window_->findChild<ComparisonDialog*>();
+  ASSERT_NE(dialog, nullptr);
+  EXPECT_EQ(dialog->MaxDeviation()->value(), 10.0);
+}
+
+TEST_F(MainWindowTest, AwardWizardAwardsTheChosenBidderAndCtrlZTakesItBackWhole) {
+  korvan::testing::AddSmallBids(base_);
+  const char status_before = Stored().FLv().Status;
+  Trigger("bieter");
+  auto* bidders = window_->findChild<BiddersDialog*>();
+  ASSERT_NE(bidders, nullptr) << window_->LastMessage().toStdString();
+  // The second by rank, Zweitbau, from the bidder list.
+  bidders->View()->setCurrentIndex(bidders->View()->model()->index(1, 0));
+  bidders->findChild<QPushButton*>("vergabeDurchfuehren")->click();
+  auto* wizard = window_->findChild<AwardWizard*>();
+  ASSERT_NE(wizard, nullptr);
+  QStringList questions;
+  wizard->SetAsker([&](const QString& question) {
+    questions << question;
+    return false;
+  });
+  EXPECT_EQ(wizard->findChild<QComboBox*>("bieter")->currentText(), "Zweitbau");
+  EXPECT_TRUE(wizard->findChild<QCheckBox*>("cbVertraganlegen")->isChecked());
+  EXPECT_TRUE(wizard->findChild<QCheckBox*>("cbBieterpreiseInLV")->isChecked());
+  EXPECT_TRUE(wizard->findChild<QRadioButton*>("rbVergabePreise")->isChecked());
+  // Letters lead to the page of documents, which says they wait for printing.
+  wizard->findChild<QCheckBox*>("cbAnschreiben")->setChecked(true);
+  wizard->next();
+  ASSERT_EQ(wizard->currentId(), AwardWizard::kDetail);
+  EXPECT_TRUE(
+      wizard->findChild<QLabel*>("nichtVerfuegbar")->text().contains("Noch nicht verfügbar"));
+  wizard->back();
+  wizard->findChild<QCheckBox*>("cbAnschreiben")->setChecked(false);
+  // Neither letters nor a contract: nothing to do, no OK.
+  wizard->findChild<QCheckBox*>("cbVertraganlegen")->setChecked(false);
+  EXPECT_FALSE(wizard->currentPage()->isComplete());
+  wizard->findChild<QCheckBox*>("cbVertraganlegen")->setChecked(true);
+  ASSERT_TRUE(wizard->currentPage()->isComplete());
+
+  wizard->next();  // OK: the award runs
+  ASSERT_EQ(wizard->currentId(), AwardWizard::kEnd) << wizard->LastMessage().toStdString();
+  EXPECT_TRUE(questions.isEmpty()) << "the bid check of the small bids finds nothing";
+  Settle();
+  const boq::TLVPosList awarded = Stored();
+  EXPECT_EQ(awarded.FLv().Status, 'V');
+  EXPECT_DOUBLE_EQ(awarded[awarded.IndexOfOz("01.01.0001", 'P')].LvBeschr.VergabeEP.Betrag, 4.8);
+  EXPECT_DOUBLE_EQ(awarded[awarded.IndexOfOz("01.01.0002", 'P')].LvBeschr.VergabeEP.Betrag, 20.0);
+  EXPECT_EQ(Contracts().size(), 1u);
+  EXPECT_TRUE(wizard->findChild<QLabel*>("lVertrag")->text().startsWith("✔"));
+  EXPECT_TRUE(wizard->findChild<QLabel*>("lAnschreiben")->text().contains("noch nicht verfügbar"));
+  // The grid shows the award prices now.
+  EXPECT_EQ(window_->LvView()->model()->headerData(app::TdmLv::cEp, Qt::Horizontal).toString(),
+            "Vergabe-EP");
+  EXPECT_EQ(Cell("01.01.0001", app::TdmLv::cEp).data().toString(), "4,80");
+  EXPECT_TRUE(window_->StatusText().contains("Vergabesumme 88,00"))
+      << window_->StatusText().toStdString();
+  wizard->close();
+  Settle();
+
+  Trigger("rueckgaengig");
+  const boq::TLVPosList undone = Stored();
+  EXPECT_EQ(undone.FLv().Status, status_before);
+  EXPECT_DOUBLE_EQ(undone[undone.IndexOfOz("01.01.0001", 'P')].LvBeschr.VergabeEP.Betrag, 0.0);
+  EXPECT_TRUE(Contracts().empty());
+  EXPECT_EQ(Cell("01.01.0001", app::TdmLv::cEp).data().toString(), "5,00");
+  EXPECT_TRUE(window_->LastMessage().startsWith("Rückgängig gemacht"))
+      << window_->LastMessage().toStdString();
 }
 
 TEST_F(MainWindowTest, ScreenshotsAreWritten) {
+  korvan::testing::AddSmallBids(base_);
   const std::filesystem::path pictures = dir_.path() / "bilder";
   std::ostringstream err;
   ASSERT_TRUE(WriteScreenshots(*window_, pictures.string(), err)) << err.str();
-  for (const char* name : {"hauptfenster.png", "bieter.png", "preisspiegel.png"}) {
+  for (const char* name : {"hauptfenster.png", "bieter.png", "preisspiegel.png", "vergabe1.png",
+                           "vergabe2.png", "vergabe3.png"}) {
     const std::string png = korvan::testing::ReadFile(pictures / name);
     ASSERT_GT(png.size(), 8u) << name;
     EXPECT_EQ(png.substr(1, 3), "PNG") << name;
   }
+  // The award was pictured on a copy: the installation shown is not awarded.
+  EXPECT_EQ(window_->DataDir(), base_);
+  EXPECT_NE(Stored().FLv().Status, 'V');
 }
 
 }  // namespace
