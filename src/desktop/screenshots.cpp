@@ -12,6 +12,7 @@
 #include "app/modules/dm_lv.h"
 #include "desktop/award_views.h"
 #include "desktop/award_wizard.h"
+#include "desktop/bid_view.h"
 #include "desktop/main_window.h"
 
 namespace korvan::desktop {
@@ -135,6 +136,7 @@ bool WriteScreenshots(MainWindow& window, const std::string& dir, std::ostream& 
   if (!Save(window, folder / "hauptfenster.png", err)) return false;
   return SaveDialog<BiddersDialog>(window, "bieter", folder / "bieter.png", err) &&
          SaveDialog<ComparisonDialog>(window, "preisspiegel", folder / "preisspiegel.png", err) &&
+         SaveDialog<BidDialog>(window, "angebot", folder / "angebot.png", err) &&
          SaveAwardWizard(window, folder, err);
 }
 

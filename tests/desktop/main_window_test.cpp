@@ -249,8 +249,8 @@ TEST_F(MainWindowTest, ScreenshotsAreWritten) {
   const std::filesystem::path pictures = dir_.path() / "bilder";
   std::ostringstream err;
   ASSERT_TRUE(WriteScreenshots(*window_, pictures.string(), err)) << err.str();
-  for (const char* name : {"hauptfenster.png", "bieter.png", "preisspiegel.png", "vergabe1.png",
-                           "vergabe2.png", "vergabe3.png"}) {
+  for (const char* name : {"hauptfenster.png", "bieter.png", "preisspiegel.png", "angebot.png",
+                           "vergabe1.png", "vergabe2.png", "vergabe3.png"}) {
     const std::string png = korvan::testing::ReadFile(pictures / name);
     ASSERT_GT(png.size(), 8u) << name;
     EXPECT_EQ(png.substr(1, 3), "PNG") << name;
