@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string>
 
+#include "boq/lv/lv_codes.h"
 #include "data/records/null_values.h"
 
 namespace korvan::award {
@@ -23,10 +24,6 @@ bool IsItem(const boq::TLvPos& entry) {
 
 bool UnderContract(const boq::TLvPos& entry) {
   return entry.LvBgBeschr.IdVertrag != data::kNullId;
-}
-
-bool IsAwardedStatus(char status) {
-  return status == 'V' || status == 'F';
 }
 
 double CurrencyFactor(const t_Bieter_DB_VERSION_3100& bidder) {
@@ -93,7 +90,7 @@ class Transfer {
 
  private:
   void RefuseAwardedLv() const {
-    if (options_.edit_awarded || !IsAwardedStatus(lv_.FLv().Status)) return;
+    if (options_.edit_awarded || !boq::IsAwardedStatus(lv_.FLv().Status)) return;
     if (HasUncontractedSupplements(lv_)) return;
     throw ETransferRefused("LV \"" + lv_.FLv().Name.Get() +
                            "\" ist vergeben oder abgerechnet und hat keine Nachtragspositionen "

@@ -4,6 +4,7 @@
 #include "billing/contract/contract_sums.h"
 #include "billing/deduction/dm_abzug.h"
 #include "billing/tables/tb_vertrag.h"
+#include "boq/lv/lv_codes.h"
 #include "data/common/result_code_text.h"
 #include "data/config/config_error.h"
 #include "data/config/number_pattern.h"
@@ -17,10 +18,6 @@ constexpr int kDataModuleId = 6400;
 
 bool IsItem(const boq::TLvPos& entry) {
   return entry.Kind() == 'P' || entry.Kind() == 'L';
-}
-
-bool IsAwardedStatus(char status) {
-  return status == 'V' || status == 'F';
 }
 
 const TVertrag* MainContractOf(const std::vector<TVertrag>& contracts) {
@@ -85,7 +82,7 @@ std::vector<TVertrag> TdmVertrag::SupplementsOf(const TVertrag& main) {
 std::string TdmVertrag::WhyNoContract(const boq::TLVPosList& lv) {
   const std::vector<TVertrag> existing = Contracts(int32_t{lv.FLv().FId});
   if (existing.empty()) return {};
-  if (IsAwardedStatus(lv.FLv().Status) && award::HasUncontractedSupplements(lv)) return {};
+  if (boq::IsAwardedStatus(lv.FLv().Status) && award::HasUncontractedSupplements(lv)) return {};
   return "LV \"" + lv.FLv().Name.Get() + "\" hat schon den Vertrag \"" +
          MainContractOf(existing)->AuftragsNr.Get() +
          "\"; ein weiterer Vertrag entsteht nur für Nachtragspositionen ohne Vertrag in einem "

@@ -12,6 +12,11 @@ inline constexpr std::string_view kLvStatusCodes = "NSABVF";
 inline constexpr std::string_view kLvStatusText =
     "N=neu, S=geschätzt,A=ausgeschrieben,B=angeboten,V=vergeben,F=abgerechnet";
 
+// Awarded or billed: the LV's award prices hold and contracts are bound to it.
+inline constexpr bool IsAwardedStatus(char status) {
+  return status == 'V' || status == 'F';
+}
+
 inline constexpr std::string_view kLvArtCodes = "NAE ";  // blank: normal
 inline constexpr std::string_view kLvArtText = "N=Normal, A=Alternativ, E=Eventual";
 

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <unordered_map>
 
+#include "boq/lv/lv_codes.h"
 #include "data/records/null_values.h"
 
 namespace korvan::boq {
@@ -36,7 +37,7 @@ TLvEntryFigures ItemFigures(const TLvPos& entry, TLvPriceKind kind) {
 }  // namespace
 
 TLvPriceKind PriceKindOfStatus(char status) {
-  return status == 'V' || status == 'F' ? TLvPriceKind::kAward : TLvPriceKind::kEstimate;
+  return IsAwardedStatus(status) ? TLvPriceKind::kAward : TLvPriceKind::kEstimate;
 }
 
 std::vector<TLvEntryFigures> PriceFigures(const TLVPosList& list, TLvPriceKind kind,

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "boq/lv/lv_codes.h"
 #include "calc/sums/lv_parent_links.h"
 
 namespace korvan::calc {
@@ -244,7 +245,7 @@ void TBoqCtgyCalcSum::SetLvTotals(const Totals& top, const Totals& billed) {
   lv.SchaetzGPDeckung.Betrag = Round(top.deckung_gp);
   lv.ZeitAufwand = top.zeit_aufwand;
   lv.Abgerechnet.Betrag = Round(billed.abrechnungs_sum);
-  const bool contracted = lv.Status == 'F' || lv.Status == 'V';
+  const bool contracted = boq::IsAwardedStatus(lv.Status);
   lv.NotContractedNachtrag.Betrag = contracted ? Round(top.not_contracted_gp) : 0.0;
   lv.NotContractedNachtragInclNachlass.Betrag = contracted ? Round(top.not_contracted_sum) : 0.0;
   lv.Summe = lv.VergabeSum;

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string>
 
+#include "boq/lv/lv_codes.h"
 #include "data/records/null_values.h"
 #include "exchange/gaeb/gaeb_price_fields.h"
 #include "exchange/gaeb/gaeb_values.h"
@@ -166,8 +167,7 @@ void AddComponents(const TExportContext& context, const boq::TLvPos& entry, TGae
   // once the LV is awarded, of the award prices: the award wrote the bid's components.
   const int count = context.Lv().PreisAnteile;
   const char status = context.Lv().Status;
-  const bool awarded =
-      (status == 'V' || status == 'F') && context.price_kind == TUPKind::upkVergabe;
+  const bool awarded = boq::IsAwardedStatus(status) && context.price_kind == TUPKind::upkVergabe;
   const bool ours = context.price_kind == TUPKind::upkSchaetz || awarded ||
                     (context.source.components_of_bid && context.price_kind == TUPKind::upkAngebot);
   if (!ours || count < 2 || count > 6) return;
