@@ -9,26 +9,13 @@
 #include "app/cli/json_text.h"
 #include "app/commands/bid/bid_file_import.h"
 #include "app/commands/bid/bid_lv.h"
+#include "app/commands/gaeb/finding_kind_json.h"
 #include "exchange/gaeb_import/gaeb_bid_import.h"
 
 namespace korvan::app {
 namespace {
 
 using exchange::gaeb_xml::TGaebFinding;
-using exchange::gaeb_xml::TGaebFindingKind;
-
-std::string_view JsonKind(TGaebFindingKind kind) {
-  switch (kind) {
-    case TGaebFindingKind::kWarning:
-      return "warning";
-    case TGaebFindingKind::kHint:
-      return "hint";
-    case TGaebFindingKind::kStructure:
-      return "structure";
-    default:
-      return "error";
-  }
-}
 
 std::string Optional(const std::optional<double>& value) {
   return value ? JsonNumber(*value) : std::string("null");
@@ -82,7 +69,7 @@ class BidImportCommand : public LvOperation {
         << "}, \"protocol\": " << JsonString(imported.protocol) << ", \"findings\": [";
     for (std::size_t i = 0; i < import.findings.size(); ++i) {
       const TGaebFinding& finding = import.findings[i];
-      out << (i == 0 ? "" : ", ") << "{\"kind\": " << JsonString(JsonKind(finding.kind))
+      out << (i == 0 ? "" : ", ") << "{\"kind\": " << JsonString(FindingKindJson(finding.kind))
           << ", \"line\": " << finding.line << ", \"message\": " << JsonString(finding.message)
           << "}";
     }

@@ -7,6 +7,7 @@
 
 #include "app/cli/command_error.h"
 #include "app/cli/json_text.h"
+#include "app/commands/gaeb/finding_kind_json.h"
 #include "exchange/gaeb_xml/gaeb_file_check.h"
 
 namespace korvan::app {
@@ -20,20 +21,6 @@ int Count(const TGaebFileCheck& check, TGaebFindingKind kind) {
   int count = 0;
   for (const TGaebFinding& finding : check.findings) count += finding.kind == kind ? 1 : 0;
   return count;
-}
-
-std::string_view JsonKind(TGaebFindingKind kind) {
-  switch (kind) {
-    case TGaebFindingKind::kError:
-      return "error";
-    case TGaebFindingKind::kWarning:
-      return "warning";
-    case TGaebFindingKind::kHint:
-      return "hint";
-    case TGaebFindingKind::kStructure:
-      return "structure";
-  }
-  return "error";
 }
 
 void PrintText(const std::string& file, const TGaebFileCheck& check, std::ostream& out) {
@@ -70,7 +57,7 @@ void PrintJson(const std::string& file, const TGaebFileCheck& check, std::ostrea
   out << ",\"findings\":[";
   for (size_t i = 0; i < check.findings.size(); ++i) {
     const TGaebFinding& finding = check.findings[i];
-    out << (i > 0 ? "," : "") << "{\"kind\":" << JsonString(JsonKind(finding.kind))
+    out << (i > 0 ? "," : "") << "{\"kind\":" << JsonString(FindingKindJson(finding.kind))
         << ",\"line\":" << finding.line << ",\"message\":" << JsonString(finding.message) << "}";
   }
   out << "]}\n";

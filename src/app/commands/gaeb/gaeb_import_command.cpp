@@ -7,6 +7,7 @@
 #include "app/cli/command_error.h"
 #include "app/cli/json_text.h"
 #include "app/cli/progress_line.h"
+#include "app/commands/gaeb/finding_kind_json.h"
 #include "app/commands/gaeb/gaeb_lv_import.h"
 #include "app/commands/gaeb/gaeb_price_option.h"
 #include "app/program/data_dir.h"
@@ -19,19 +20,6 @@ using exchange::gaeb_xml::TGaebFinding;
 
 // Progress is worth showing only for files that take a moment.
 constexpr int kProgressFromEntries = 2000;
-
-std::string_view JsonKind(exchange::gaeb_xml::TGaebFindingKind kind) {
-  switch (kind) {
-    case exchange::gaeb_xml::TGaebFindingKind::kWarning:
-      return "warning";
-    case exchange::gaeb_xml::TGaebFindingKind::kHint:
-      return "hint";
-    case exchange::gaeb_xml::TGaebFindingKind::kStructure:
-      return "structure";
-    default:
-      return "error";
-  }
-}
 
 void PrintJson(std::ostream& out, const exchange::TGaebImport& import, int32_t id,
                const std::string& project, const std::string& protocol) {
@@ -46,7 +34,7 @@ void PrintJson(std::ostream& out, const exchange::TGaebImport& import, int32_t i
       << ", \"findings\": [";
   for (size_t i = 0; i < import.findings.size(); ++i) {
     const TGaebFinding& finding = import.findings[i];
-    out << (i == 0 ? "" : ", ") << "{\"kind\": " << JsonString(JsonKind(finding.kind))
+    out << (i == 0 ? "" : ", ") << "{\"kind\": " << JsonString(FindingKindJson(finding.kind))
         << ", \"line\": " << finding.line << ", \"message\": " << JsonString(finding.message)
         << "}";
   }
