@@ -89,12 +89,6 @@ QAction* MainWindow::AddAction(QMenu* menu, const QString& object_name, const QS
   return action;
 }
 
-void MainWindow::NotYetAvailable(QMenu* menu, const QString& object_name, const QString& text) {
-  QAction* action = menu->addAction(text + " (noch nicht verfügbar)");
-  action->setObjectName(object_name);
-  action->setEnabled(false);
-}
-
 void MainWindow::BuildMenus() {
   QMenu* file = menuBar()->addMenu("&Datei");
   AddAction(file, "installationOeffnen", "Installation &öffnen …", QKeySequence::Open,

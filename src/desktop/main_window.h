@@ -62,7 +62,6 @@ class MainWindow : public QMainWindow {
   void BuildMenus();
   QAction* AddAction(QMenu* menu, const QString& object_name, const QString& text,
                      const QKeySequence& shortcut, void (MainWindow::*slot)());
-  void NotYetAvailable(QMenu* menu, const QString& object_name, const QString& text);
   void ProjectChosen();
   void EntryChosen();
   void ShowLvFigures();
